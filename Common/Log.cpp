@@ -1,0 +1,93 @@
+#include "Log.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace
+{
+ILogSink* g_pSink = nullptr;
+
+// Formats into the fixed 1024-byte buffer; longer text is cut.
+std::string FormatMessage(const char* format, va_list args)
+{
+    char buffer[1024];
+    const int written = std::vsnprintf(buffer, sizeof buffer, format, args);
+    if (written < 0)
+        return std::string();
+    return std::string(buffer);
+}
+} // namespace
+
+void Log(int level, const char* format, ...)
+{
+    if (!g_pSink || !format)
+        return;
+    va_list args;
+    va_start(args, format);
+    const std::string text = FormatMessage(format, args);
+    va_end(args);
+    g_pSink->OnLog(level, text);
+}
+
+void ProgressUpdate(int percent, const char* format, ...)
+{
+    if (!g_pSink || !format)
+        return;
+    va_list args;
+    va_start(args, format);
+    const std::string text = FormatMessage(format, args);
+    va_end(args);
+    g_pSink->OnProgress(percent, text);
+}
+
+ILogSink* SetLogSink(ILogSink* sink)
+{
+    ILogSink* previous = g_pSink;
+    g_pSink = sink;
+    return previous;
+}
+
+ILogSink* GetLogSink()
+{
+    return g_pSink;
+}
+
+CRecordingLogSink::CRecordingLogSink() : m_pPrevious(SetLogSink(this)) {}
+
+CRecordingLogSink::~CRecordingLogSink()
+{
+    SetLogSink(m_pPrevious);
+}
+
+void CRecordingLogSink::OnLog(int level, const std::string& text)
+{
+    entries.push_back({level, text});
+}
+
+void CRecordingLogSink::OnProgress(int percent, const std::string& text)
+{
+    progress.push_back({percent, text});
+}
+
+bool CRecordingLogSink::Has(int level, const std::string& text) const
+{
+    for (const SEntry& e : entries)
+        if (e.level == level && e.text == text)
+            return true;
+    return false;
+}
+
+int CRecordingLogSink::Count(const std::string& text) const
+{
+    int n = 0;
+    for (const SEntry& e : entries)
+        if (e.text == text)
+            ++n;
+    return n;
+}
+
+void CRecordingLogSink::Clear()
+{
+    entries.clear();
+    progress.clear();
+}
