@@ -113,20 +113,55 @@ int EdgeTerm(int nRemaining, int nCount)
     return d == 1 ? -1 : 0;
 }
 
-float Ratio(const SOption& o)
+// What IsBetterThan compares: triangles per vertex, then closed edges, then triangles.
+struct SScore
 {
-    return o.vtx.empty() ? INFINITY : float(o.tri.size()) / float(o.vtx.size());
+    size_t nTri;
+    float fRatio; // triangles per vertex, infinite without vertices
+    int nClosedDelta;
+};
+
+SScore Score(size_t nTri, size_t nVtx, int nClosedDelta)
+{
+    return {nTri, nVtx == 0 ? INFINITY : float(nTri) / float(nVtx), nClosedDelta};
 }
 
-bool IsBetterThan(const SOption& a, const SOption& b)
+SScore Score(const SOption& o)
 {
-    const float ra = Ratio(a), rb = Ratio(b);
-    if (std::fabs(ra - rb) > 0.1f)
-        return ra > rb;
+    return Score(o.tri.size(), o.vtx.size(), o.nClosedDelta);
+}
+
+bool IsBetterThan(const SScore& a, const SScore& b)
+{
+    if (std::fabs(a.fRatio - b.fRatio) > 0.1f)
+        return a.fRatio > b.fRatio;
     if (a.nClosedDelta != b.nClosedDelta)
         return a.nClosedDelta > b.nClosedDelta;
-    return a.tri.size() > b.tri.size();
+    return a.nTri > b.nTri;
 }
+
+// A cached appraisal: valid within one growth while the star counters of the triangle's vertices
+// are unchanged.
+struct SAppraisal
+{
+    uint32_t nGrowth = 0;
+    uint32_t nTriangle = 0;
+    uint32_t nStar = 0;
+    size_t nCap = 0;
+    size_t nNewVtx = 0;
+    bool bWalked = false;
+    SScore score{};
+};
+
+// A full block grown from one start vertex, kept while none of the vertices it looked at changed.
+struct SGrownBlock
+{
+    uint32_t nGeneration = 0; // bumped when the slot is reused or invalidated
+    bool bValid = false;
+    std::vector<int32_t> vtx, tri;
+    std::vector<SEdgeUse> edges;
+    int nClosedDelta = 0;
+};
 
 bool IsDegenerate(const uint32_t* tri)
 {
@@ -152,12 +187,12 @@ class CGeometrySorter
         }
         m_vWork.assign(nVtx, 0);
         m_vBest.assign(nVtx, 0);
-        m_tWork.assign(nTri, 0);
-        m_tBest.assign(nTri, 0);
-        m_tScratch.assign(nTri, 0);
-        m_tCount.assign(nTri, 0);
-        m_eWork.assign(size_t(nTri) * 3, 0);
-        m_eWorkSlot.assign(size_t(nTri) * 3, 0);
+        m_tStamp.assign(nTri, {0, 0, 0});
+        m_vFootprint.assign(nVtx, 0);
+        m_vStar.assign(nVtx, 0);
+        m_blockOf.assign(nVtx, -1);
+        m_depHead.assign(nVtx, -1);
+        m_appraisals.resize(1024);
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.
@@ -223,11 +258,12 @@ class CGeometrySorter
         m_used.assign(m_nTri, 0);
     }
 
-    // An edge is named by the first triangle holding its vertex pair and that triangle's corner edge.
+    // Edges get dense numbers in order of first appearance; a later triangle finds an edge through
+    // the first triangle holding its vertex pair (searched in the shorter vertex triangle list).
     void BuildEdges()
     {
         m_triEdge.assign(size_t(m_nTri) * 3, -1);
-        m_edgeRem.assign(size_t(m_nTri) * 3, 0);
+        int32_t nEdges = 0;
         for (uint32_t t = 0; t < m_nTri; ++t)
         {
             if (m_degenerate[t])
@@ -237,21 +273,26 @@ class CGeometrySorter
                 const int32_t a = static_cast<int32_t>(Tri(t)[c]), b = static_cast<int32_t>(Tri(t)[(c + 1) % 3]);
                 const int32_t x = (TrisEnd(a) - TrisBegin(a)) <= (TrisEnd(b) - TrisBegin(b)) ? a : b;
                 const int32_t y = x == a ? b : a;
-                int32_t edge = -1;
-                for (const int32_t* p = TrisBegin(x); edge < 0; ++p)
+                size_t owner = SIZE_MAX;
+                for (const int32_t* p = TrisBegin(x); owner == SIZE_MAX; ++p)
                 {
                     const uint32_t* u = Tri(*p);
-                    for (int e = 0; e < 3 && edge < 0; ++e)
+                    for (int e = 0; e < 3 && owner == SIZE_MAX; ++e)
                     {
                         const int32_t ua = int32_t(u[e]), ub = int32_t(u[(e + 1) % 3]);
                         if ((ua == x && ub == y) || (ua == y && ub == x))
-                            edge = *p * 3 + e;
+                            owner = size_t(*p) * 3 + e;
                     }
                 }
-                m_triEdge[size_t(t) * 3 + c] = edge;
-                ++m_edgeRem[edge];
+                const size_t self = size_t(t) * 3 + c;
+                m_triEdge[self] = owner == self ? nEdges++ : m_triEdge[owner];
             }
         }
+        m_edgeRem.assign(size_t(nEdges), 0);
+        for (int32_t e : m_triEdge)
+            if (e >= 0)
+                ++m_edgeRem[e];
+        m_eWork.assign(size_t(nEdges), {0, 0});
     }
 
     // Connected groups by shared triangles, breadth first, laid out in one vertex list.
@@ -353,25 +394,30 @@ class CGeometrySorter
             return;
         m_vWork[v] = m_workStamp;
         m_work.vtx.push_back(v);
+        // Appraisals of triangles at v's neighbours read whether v is in the option.
+        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+            for (int c = 0; c < 3; ++c)
+                ++m_vStar[Tri(*p)[c]];
     }
     void WorkAddEdgeUse(int32_t e, int32_t count)
     {
-        if (m_eWork[e] != m_workStamp)
+        if (m_eWork[e].nStamp != m_workStamp)
         {
-            m_eWork[e] = m_workStamp;
-            m_eWorkSlot[e] = static_cast<int32_t>(m_work.edges.size());
+            m_eWork[e] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
             m_work.edges.push_back({e, count});
             m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], count);
             return;
         }
-        int32_t& n = m_work.edges[m_eWorkSlot[e]].nCount;
+        int32_t& n = m_work.edges[m_eWork[e].nSlot].nCount;
         m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], n + count) - EdgeTerm(m_edgeRem[e], n);
         n += count;
     }
     void WorkAddTriangle(int32_t t)
     {
-        m_tWork[t] = m_workStamp;
+        m_tStamp[t].nWork = m_workStamp;
         m_work.tri.push_back(t);
+        for (int c = 0; c < 3; ++c)
+            ++m_vStar[Tri(t)[c]];
         for (int c = 0; c < 3; ++c)
             WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
     }
@@ -386,7 +432,7 @@ class CGeometrySorter
         for (int32_t v : m_best.vtx)
             m_vBest[v] = m_bestStamp;
         for (int32_t t : m_best.tri)
-            m_tBest[t] = m_bestStamp;
+            m_tStamp[t].nBest = m_bestStamp;
     }
     void CopyBestToWork()
     {
@@ -395,13 +441,14 @@ class CGeometrySorter
             WorkAddVertex(v);
         for (int32_t t : m_best.tri)
         {
-            m_tWork[t] = m_workStamp;
+            m_tStamp[t].nWork = m_workStamp;
             m_work.tri.push_back(t);
+            for (int c = 0; c < 3; ++c)
+                ++m_vStar[Tri(t)[c]];
         }
         for (const SEdgeUse& e : m_best.edges)
         {
-            m_eWork[e.nEdge] = m_workStamp;
-            m_eWorkSlot[e.nEdge] = static_cast<int32_t>(m_work.edges.size());
+            m_eWork[e.nEdge] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
             m_work.edges.push_back(e);
         }
         m_work.nClosedDelta = m_best.nClosedDelta;
@@ -426,7 +473,7 @@ class CGeometrySorter
             for (const int32_t* p = TrisBegin(v); p != TrisEnd(v) && s.tri.size() < cap; ++p)
             {
                 const int32_t u = *p;
-                if (m_used[u] || m_tWork[u] == m_workStamp || m_tScratch[u] == m_scratchStamp)
+                if (m_used[u] || m_tStamp[u].nWork == m_workStamp || m_tStamp[u].nScratch == m_scratchStamp)
                     continue;
                 const uint32_t* uv = Tri(u);
                 bool closes = true;
@@ -434,7 +481,7 @@ class CGeometrySorter
                     closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || m_vWork[uv[k]] == m_workStamp;
                 if (!closes)
                     continue;
-                m_tScratch[u] = m_scratchStamp;
+                m_tStamp[u].nScratch = m_scratchStamp;
                 s.tri.push_back(u);
                 for (int k = 0; k < 3; ++k)
                     ScratchAddEdgeUse(s, m_triEdge[size_t(u) * 3 + k]);
@@ -455,12 +502,54 @@ class CGeometrySorter
         s.nClosedDelta += EdgeTerm(m_edgeRem[e], 1);
     }
 
-    // Grows the working option by the best appraised candidate until nothing fits.
-    void AddBestTriangles()
+    // The score of appraising t, from the appraisal cache of this growth when nothing around t's
+    // vertices has joined the option since and the triangle cap still allows it. False when t's new
+    // vertices do not fit.
+    bool AppraiseScore(int32_t t, SScore& score)
     {
+        const uint32_t* tv = Tri(t);
+        const uint32_t star = m_vStar[tv[0]] + m_vStar[tv[1]] + m_vStar[tv[2]];
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        const size_t freeVtx = m_nVtxMax - m_work.vtx.size();
+        SAppraisal* a = nullptr;
+        const uint32_t mask = static_cast<uint32_t>(m_appraisals.size() - 1);
+        for (uint32_t h = (uint32_t(t) * 2654435761u) & mask, probes = 0; probes < 8; h = (h + 1) & mask, ++probes)
+        {
+            SAppraisal& slot = m_appraisals[h];
+            if (slot.nGrowth != m_growth || slot.nTriangle == uint32_t(t))
+            {
+                a = &slot;
+                break;
+            }
+        }
+        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) && a->nStar == star)
+        {
+            if (a->nNewVtx > freeVtx)
+                return false;
+            if (a->bWalked && (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap)))
+            {
+                score = a->score;
+                return true;
+            }
+        }
+        const bool accepted = Appraise(t, m_scratch[1]);
+        if (a)
+            *a = {m_growth, uint32_t(t), star, cap, m_scratch[1].vtx.size(), accepted, Score(m_scratch[1])};
+        score = Score(m_scratch[1]);
+        return accepted;
+    }
+
+    // Grows the working option by the best appraised candidate until nothing fits: the first
+    // accepted candidate, replaced by any later one that is better, in the order of the option's
+    // vertices and their triangles. With a footprint given, records every vertex whose state the
+    // growth read.
+    void AddBestTriangles(std::vector<int32_t>* footprint = nullptr)
+    {
+        ++m_growth;
         while (m_work.tri.size() < m_nTriMax)
         {
-            int kept = -1;
+            int32_t kept = -1;
+            SScore keptScore{};
             for (size_t i = 0; i < m_work.vtx.size(); ++i)
             {
                 const int32_t v = m_work.vtx[i];
@@ -468,19 +557,123 @@ class CGeometrySorter
                     continue;
                 for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
                 {
-                    if (m_used[*p] || m_tWork[*p] == m_workStamp)
+                    if (m_used[*p] || m_tStamp[*p].nWork == m_workStamp)
                         continue;
-                    const int s = kept == 0 ? 1 : 0;
-                    if (Appraise(*p, m_scratch[s]) && (kept < 0 || IsBetterThan(m_scratch[s], m_scratch[kept])))
-                        kept = s;
+                    SScore score;
+                    if (AppraiseScore(*p, score) && (kept < 0 || IsBetterThan(score, keptScore)))
+                    {
+                        kept = *p;
+                        keptScore = score;
+                    }
                 }
             }
             if (kept < 0)
                 break;
-            for (int32_t v : m_scratch[kept].vtx)
+            Appraise(kept, m_scratch[0]);
+            for (int32_t v : m_scratch[0].vtx)
                 WorkAddVertex(v);
-            for (int32_t t : m_scratch[kept].tri)
+            for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
+        }
+        // Everything read: the option's vertices and those of every unwritten triangle at them (each
+        // triangle appraised is one of these, or joined the option).
+        if (footprint)
+            for (int32_t v : m_work.vtx)
+            {
+                Footprint(*footprint, v);
+                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+                    if (!m_used[*p])
+                        for (int c = 0; c < 3; ++c)
+                            Footprint(*footprint, int32_t(Tri(*p)[c]));
+            }
+    }
+
+    void Footprint(std::vector<int32_t>& footprint, int32_t v)
+    {
+        if (m_vFootprint[v] != m_footprintStamp)
+        {
+            m_vFootprint[v] = m_footprintStamp;
+            footprint.push_back(v);
+        }
+    }
+
+    // The block grown from v, from the cache when none of the vertices it read has changed since.
+    // Null when the growth did not fill up (the working option then holds the closed piece).
+    const SGrownBlock* GrowFrom(int32_t v)
+    {
+        int32_t& slot = m_blockOf[v];
+        if (slot >= 0 && m_blocks[slot].bValid)
+            return &m_blocks[slot];
+        ClearWork();
+        WorkAddVertex(v);
+        ++m_footprintStamp;
+        m_footprintScratch.clear();
+        AddBestTriangles(&m_footprintScratch);
+        if (!m_work.Full(m_nTriMax))
+            return nullptr;
+        if (slot < 0)
+        {
+            if (m_freeBlocks.empty())
+            {
+                slot = static_cast<int32_t>(m_blocks.size());
+                m_blocks.emplace_back();
+            }
+            else
+            {
+                slot = m_freeBlocks.back();
+                m_freeBlocks.pop_back();
+            }
+        }
+        SGrownBlock& b = m_blocks[slot];
+        ++b.nGeneration;
+        b.bValid = true;
+        b.vtx = m_work.vtx;
+        b.tri = m_work.tri;
+        b.edges = m_work.edges;
+        b.nClosedDelta = m_work.nClosedDelta;
+        // Each vertex read remembers the block, so that a change there invalidates it.
+        for (int32_t x : m_footprintScratch)
+        {
+            int32_t node;
+            if (m_freeDeps.empty())
+            {
+                node = static_cast<int32_t>(m_deps.size());
+                m_deps.emplace_back();
+            }
+            else
+            {
+                node = m_freeDeps.back();
+                m_freeDeps.pop_back();
+            }
+            m_deps[node] = {slot, b.nGeneration, m_depHead[x]};
+            m_depHead[x] = node;
+        }
+        return &b;
+    }
+
+    // Invalidates the grown blocks that read vertex v.
+    void VertexChanged(int32_t v)
+    {
+        for (int32_t node = m_depHead[v]; node >= 0;)
+        {
+            const SDependency d = m_deps[node];
+            if (m_blocks[d.nBlock].nGeneration == d.nGeneration)
+                m_blocks[d.nBlock].bValid = false;
+            m_freeDeps.push_back(node);
+            node = d.nNext;
+        }
+        m_depHead[v] = -1;
+    }
+
+    void DropGrownBlock(int32_t v)
+    {
+        if (m_blockOf[v] >= 0)
+        {
+            SGrownBlock& b = m_blocks[m_blockOf[v]];
+            ++b.nGeneration;
+            b.bValid = false;
+            m_freeBlocks.push_back(m_blockOf[v]);
+            m_blockOf[v] = -1;
         }
     }
 
@@ -488,29 +681,39 @@ class CGeometrySorter
     // piece: it is split off and false returned. A full block replaces the best when better.
     bool FillFrom(int32_t v)
     {
-        ClearWork();
-        WorkAddVertex(v);
-        AddBestTriangles();
-        if (!m_work.Full(m_nTriMax))
+        const SGrownBlock* b = GrowFrom(v);
+        if (!b)
         {
+            for (int32_t x : m_work.vtx)
+                DropGrownBlock(x);
             SplitMesh(m_work.vtx);
             return false;
         }
-        if (m_best.Empty() || IsBetterThan(m_work, m_best))
-            CopyWorkToBest();
+        if (m_best.Empty() || IsBetterThan(Score(b->tri.size(), b->vtx.size(), b->nClosedDelta), Score(m_best)))
+        {
+            m_best.vtx = b->vtx;
+            m_best.tri = b->tri;
+            m_best.edges = b->edges;
+            m_best.nClosedDelta = b->nClosedDelta;
+            ++m_bestStamp;
+            for (int32_t x : m_best.vtx)
+                m_vBest[x] = m_bestStamp;
+            for (int32_t t : m_best.tri)
+                m_tStamp[t].nBest = m_bestStamp;
+        }
         return true;
     }
 
     // Counts the unwritten triangles of a mesh that are not yet in the best option.
     size_t NewTriangles(SMesh m)
     {
-        ++m_countStamp;
+        ++m_scratchStamp;
         size_t n = 0;
         for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
             for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
-                if (!m_used[*q] && m_tBest[*q] != m_bestStamp && m_tCount[*q] != m_countStamp)
+                if (!m_used[*q] && m_tStamp[*q].nBest != m_bestStamp && m_tStamp[*q].nScratch != m_scratchStamp)
                 {
-                    m_tCount[*q] = m_countStamp;
+                    m_tStamp[*q].nScratch = m_scratchStamp;
                     ++n;
                 }
         return n;
@@ -529,9 +732,9 @@ class CGeometrySorter
         }
         for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
             for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
-                if (!m_used[*q] && m_tBest[*q] != m_bestStamp)
+                if (!m_used[*q] && m_tStamp[*q].nBest != m_bestStamp)
                 {
-                    m_tBest[*q] = m_bestStamp;
+                    m_tStamp[*q].nBest = m_bestStamp;
                     m_best.tri.push_back(*q);
                 }
     }
@@ -602,7 +805,7 @@ class CGeometrySorter
         return n;
     }
 
-    // Writes the best option's triangles and marks them written.
+    // Writes the best option's triangles and marks them written; their vertices change.
     void Output()
     {
         for (int32_t t : m_best.tri)
@@ -612,6 +815,8 @@ class CGeometrySorter
                 const int32_t v = static_cast<int32_t>(Tri(t)[c]);
                 --m_rem[v];
                 UpdateBits(v);
+                VertexChanged(v);
+                DropGrownBlock(v);
                 --m_edgeRem[m_triEdge[size_t(t) * 3 + c]];
                 m_pOut->push_back(Tri(t)[c]);
             }
@@ -667,10 +872,37 @@ class CGeometrySorter
     std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
     CSlotBits m_rem1, m_remAny;              // slots whose vertex has exactly one / any triangle left
     SOption m_work, m_best, m_scratch[2];
-    std::vector<uint32_t> m_vWork, m_vBest, m_tWork, m_tBest, m_tScratch, m_tCount, m_eWork;
-    std::vector<int32_t> m_eWorkSlot;
-    uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1, m_countStamp = 1; // arrays start at 0
+    // Option membership stamps (the arrays start at 0, the stamps at 1).
+    struct STriStamps
+    {
+        uint32_t nWork, nBest, nScratch;
+    };
+    struct SEdgeStamp
+    {
+        uint32_t nStamp;
+        int32_t nSlot; // in the working option's edge list
+    };
+    std::vector<uint32_t> m_vWork, m_vBest;
+    std::vector<STriStamps> m_tStamp;
+    std::vector<SEdgeStamp> m_eWork;
+    uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
     std::vector<uint32_t>* m_pOut = nullptr;
+    // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
+    struct SDependency
+    {
+        int32_t nBlock;
+        uint32_t nGeneration;
+        int32_t nNext;
+    };
+    std::vector<SGrownBlock> m_blocks;
+    std::vector<int32_t> m_blockOf, m_freeBlocks, m_footprintScratch, m_depHead, m_freeDeps;
+    std::vector<SDependency> m_deps;
+    std::vector<uint32_t> m_vFootprint;
+    uint32_t m_footprintStamp = 0;
+    // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
+    std::vector<SAppraisal> m_appraisals;
+    std::vector<uint32_t> m_vStar;
+    uint32_t m_growth = 0;
 };
 
 // New vertex numbers by first use; records move with them.
