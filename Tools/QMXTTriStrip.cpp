@@ -101,13 +101,28 @@ bool IsDegenerate(const uint32_t* tri)
 }
 
 // Neighbours across edges 0 (corners 0-1), 1 (1-2) and 2 (2-0) of every triangle, kNone for none.
-std::vector<int32_t> BuildAdjacency(const uint32_t* pnIdx, uint32_t nTri)
+std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
 {
     std::vector<int32_t> adj(size_t(nTri) * 3, kNone);
-    // Half-edges bucketed by lower vertex, each bucket sorted by (upper vertex, half-edge).
+    const size_t nIdx = size_t(nTri) * 3;
     uint32_t nMaxVertex = 0;
-    for (size_t i = 0; i < size_t(nTri) * 3; ++i)
-        nMaxVertex = std::max(nMaxVertex, pnIdx[i]);
+    for (size_t i = 0; i < nIdx; ++i)
+        nMaxVertex = std::max(nMaxVertex, pnInputIdx[i]);
+    // Sparse vertex numbers are renumbered densely (same equalities) to keep the buckets small.
+    const uint32_t* pnIdx = pnInputIdx;
+    std::vector<uint32_t> dense;
+    if (nMaxVertex > nIdx + 64)
+    {
+        std::vector<uint32_t> used(pnInputIdx, pnInputIdx + nIdx);
+        std::sort(used.begin(), used.end());
+        used.erase(std::unique(used.begin(), used.end()), used.end());
+        dense.resize(nIdx);
+        for (size_t i = 0; i < nIdx; ++i)
+            dense[i] = uint32_t(std::lower_bound(used.begin(), used.end(), pnInputIdx[i]) - used.begin());
+        pnIdx = dense.data();
+        nMaxVertex = uint32_t(used.size() - 1);
+    }
+    // Half-edges bucketed by lower vertex, each bucket sorted by (upper vertex, half-edge).
     std::vector<uint32_t> start(size_t(nMaxVertex) + 2, 0);
     for (uint32_t t = 0; t < nTri; ++t)
         if (!IsDegenerate(pnIdx + size_t(t) * 3))
@@ -472,7 +487,7 @@ void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& id
 int QMXTTriStrip(uint32_t** ppnStripIdx, uint32_t** ppnStripLen, uint32_t* pnStripNum, const uint32_t* pnIdx,
                  uint32_t nTriNum)
 {
-    if (!ppnStripIdx || !ppnStripLen || !pnStripNum || (nTriNum && !pnIdx))
+    if (!ppnStripIdx || !ppnStripLen || !pnStripNum || (nTriNum && !pnIdx) || nTriNum > INT32_MAX / 3)
         return 1;
     if (nTriNum == 0)
     {
@@ -506,7 +521,7 @@ int QMXTTriStrip(uint32_t** ppnStripIdx, uint32_t** ppnStripLen, uint32_t* pnStr
 
 int QMXTTriStripList(uint32_t* pnIdx, uint32_t nTriNum)
 {
-    if (nTriNum && !pnIdx)
+    if ((nTriNum && !pnIdx) || nTriNum > INT32_MAX / 3)
         return 1;
     try
     {
