@@ -5,6 +5,11 @@
 // touches only the triangles on that edge. The pseudo-random order reproduces the C library's rand()
 // sequence after srand(seed) and its qsort (a top-down merge sort, left half n / 2, ties to the left)
 // with the wrapped 32-bit key difference as comparison, without touching the caller's rand() state.
+//
+// The results are those of walking every growth attempt; two kinds of attempt are settled without
+// walking. A walk that cannot take in all the triangles of some existing strip cannot bring the strip
+// count down to its threshold, fails and changes nothing (CWalkPaths, CCompletable). Repeating a walk
+// right after it was kept re-forms the strip it made unchanged before going on (StripGrowAgain).
 #include "QMXTTriStrip.h"
 
 #include <algorithm>
@@ -59,6 +64,7 @@ struct SKey
     uint32_t nKey;
     uint32_t nTri;
 };
+static_assert(sizeof(SKey) == 8, "keys move as 64-bit words");
 
 int CompareKeys(const SKey& a, const SKey& b)
 {
@@ -77,18 +83,20 @@ void MergeSort(SKey* b, size_t n, SKey* tmp)
     MergeSort(b1, n1, tmp);
     MergeSort(b2, n2, tmp);
     SKey* t = tmp;
+    // The left element goes first unless the comparison says it is greater (selected without a
+    // branch: the keys are random, so a branch would mispredict half the time).
     while (n1 > 0 && n2 > 0)
     {
-        if (CompareKeys(*b1, *b2) <= 0)
-        {
-            *t++ = *b1++;
-            --n1;
-        }
-        else
-        {
-            *t++ = *b2++;
-            --n2;
-        }
+        uint64_t x, y;
+        std::memcpy(&x, b1, sizeof x);
+        std::memcpy(&y, b2, sizeof y);
+        const bool left = CompareKeys(*b1, *b2) <= 0;
+        const uint64_t pick = left ? x : y;
+        std::memcpy(t++, &pick, sizeof pick);
+        b1 += left;
+        n1 -= left;
+        b2 += !left;
+        n2 -= !left;
     }
     if (n1 > 0)
         std::memcpy(t, b1, n1 * sizeof(SKey));
@@ -180,20 +188,326 @@ std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
     return adj;
 }
 
+// The strip links of one triangle.
+struct SLink
+{
+    int32_t prev = kNone;
+    int32_t next = kNone;
+    bool wind = false;
+};
+
+// Adjacency and, per triangle edge with a neighbour, the neighbour's edge back.
+struct SStripMesh
+{
+    const uint32_t* pnIdx;
+    uint32_t nTri;
+    std::vector<int32_t> adj;
+    std::vector<uint8_t> backEdge;
+
+    SStripMesh(const uint32_t* idx, uint32_t n) : pnIdx(idx), nTri(n), adj(BuildAdjacency(idx, n)), backEdge(size_t(n) * 3, 0)
+    {
+        for (uint32_t t = 0; t < n; ++t)
+            for (int e = 0; e < 3; ++e)
+                if (const int32_t nb = adj[size_t(t) * 3 + e]; nb != kNone)
+                    for (int f = 0; f < 3; ++f)
+                        if (adj[size_t(nb) * 3 + f] == int32_t(t))
+                        {
+                            backEdge[size_t(t) * 3 + e] = static_cast<uint8_t>(f);
+                            break;
+                        }
+    }
+};
+
+// The paths that growth walks follow, as states (triangle, edge to leave by, winding flag): from a
+// state the walk crosses the edge and leaves the neighbour by the edge before (flag set) or after the
+// one it entered by, with the flag toggled, so each state has at most one successor. A walk started
+// at (triangle, edge, set) visits a prefix of that path. The states form in-trees hanging off path
+// ends and cycles; an Euler tour of the trees tells in constant time whether one state's path
+// reaches another.
+class CWalkPaths
+{
+  public:
+    explicit CWalkPaths(const SStripMesh& mesh)
+    {
+        const size_t n = size_t(mesh.nTri) * 6;
+        std::vector<int32_t> succ(n, kNone);
+        for (size_t s = 0; s < n; ++s)
+        {
+            const size_t half = (s / 6) * 3 + (s % 6) / 2;
+            const bool wind = s & 1;
+            if (mesh.adj[half] == kNone)
+                continue;
+            const int in = mesh.backEdge[half];
+            succ[s] = State(uint32_t(mesh.adj[half]), wind ? (in + 2) % 3 : (in + 1) % 3, !wind);
+        }
+        FindCycles(succ);
+        EulerTour(succ);
+        m_order.resize(n);
+        for (size_t s = 0; s < n; ++s)
+            m_order[size_t(m_in[s])] = int32_t(s);
+    }
+
+    static int32_t State(uint32_t t, int edge, bool wind) { return int32_t(t * 6 + uint32_t(edge) * 2 + (wind ? 1 : 0)); }
+    size_t StateCount() const { return m_in.size(); }
+    int32_t CycleCount() const { return m_nCycles; }
+    bool OnCycle(int32_t s) const { return m_onCycle[s]; }
+    int32_t Cycle(int32_t s) const { return m_cycle[s]; }
+    int32_t In(int32_t s) const { return m_in[s]; }
+    int32_t Out(int32_t s) const { return m_out[s]; }
+    int32_t StateAt(int32_t position) const { return m_order[position]; } // inverse of In
+    // Whether b lies on the path from a.
+    bool Reaches(int32_t a, int32_t b) const
+    {
+        if (m_onCycle[b])
+            return m_cycle[a] == m_cycle[b];
+        return m_in[b] <= m_in[a] && m_in[a] < m_out[b];
+    }
+
+  private:
+    // Marks the states on cycles and gives every state the cycle its path ends in (or kNone).
+    void FindCycles(const std::vector<int32_t>& succ)
+    {
+        const size_t n = succ.size();
+        m_cycle.assign(n, kNone);
+        m_onCycle.assign(n, 0);
+        std::vector<uint8_t> colour(n, 0); // 0 new, 1 on the current path, 2 done
+        std::vector<int32_t> path;
+        for (size_t s0 = 0; s0 < n; ++s0)
+        {
+            if (colour[s0])
+                continue;
+            path.clear();
+            int32_t x = int32_t(s0);
+            while (x != kNone && colour[x] == 0)
+            {
+                colour[x] = 1;
+                path.push_back(x);
+                x = succ[x];
+            }
+            if (x != kNone && colour[x] == 1)
+            {
+                const int32_t id = m_nCycles++;
+                int32_t y = x;
+                do
+                {
+                    m_onCycle[y] = 1;
+                    m_cycle[y] = id;
+                    y = succ[y];
+                } while (y != x);
+            }
+            for (auto it = path.rbegin(); it != path.rend(); ++it)
+            {
+                if (!m_onCycle[*it])
+                    m_cycle[*it] = succ[*it] == kNone ? kNone : m_cycle[succ[*it]];
+                colour[*it] = 2;
+            }
+        }
+    }
+
+    // Numbers the states of each in-tree (rooted at a path end or a cycle state) in depth-first
+    // order, so that the states whose path passes through s are those in [in(s), out(s)).
+    void EulerTour(const std::vector<int32_t>& succ)
+    {
+        const size_t n = succ.size();
+        std::vector<uint32_t> start(n + 1, 0);
+        auto parent = [&](size_t s) { return m_onCycle[s] ? kNone : succ[s]; };
+        for (size_t s = 0; s < n; ++s)
+            if (parent(s) != kNone)
+                ++start[size_t(parent(s)) + 1];
+        for (size_t s = 0; s < n; ++s)
+            start[s + 1] += start[s];
+        std::vector<int32_t> children(start[n]);
+        {
+            std::vector<uint32_t> fill(start.begin(), start.end() - 1);
+            for (size_t s = 0; s < n; ++s)
+                if (parent(s) != kNone)
+                    children[fill[size_t(parent(s))]++] = int32_t(s);
+        }
+        m_in.assign(n, 0);
+        m_out.assign(n, 0);
+        int32_t clock = 0;
+        std::vector<std::pair<int32_t, uint32_t>> stack;
+        for (size_t r = 0; r < n; ++r)
+        {
+            if (parent(r) != kNone)
+                continue;
+            m_in[r] = clock++;
+            stack.push_back({int32_t(r), start[r]});
+            while (!stack.empty())
+            {
+                const int32_t x = stack.back().first;
+                const uint32_t k = stack.back().second;
+                if (k < start[size_t(x) + 1])
+                {
+                    ++stack.back().second;
+                    const int32_t c = children[k];
+                    m_in[c] = clock++;
+                    stack.push_back({c, start[size_t(c)]});
+                }
+                else
+                {
+                    m_out[x] = clock;
+                    stack.pop_back();
+                }
+            }
+        }
+    }
+
+    std::vector<int32_t> m_in, m_out, m_order, m_cycle;
+    std::vector<uint8_t> m_onCycle;
+    int32_t m_nCycles = 0;
+};
+
+// Which walks could complete a strip. A walk changes the strip count by 1 (its own strip) plus, for
+// every strip it touched, the pieces left minus one, so it can only reach a threshold of 0 or below
+// once it has visited every triangle of some strip, both ends included. The states of a strip's end
+// triangle are marked when the path from them reaches the other end (a lone triangle is its own
+// other end); a walk may succeed only if its path meets a marked state. Marks count on the states
+// whose path passes them: per cycle, and over the Euler tour either directly (short ranges, the
+// usual case) or in a Fenwick tree (long ranges).
+class CCompletable
+{
+  public:
+    CCompletable() = default;
+    CCompletable(const CWalkPaths& paths, uint32_t nTri)
+        : m_paths(&paths), m_direct(paths.StateCount(), 0), m_cycleMarks(size_t(paths.CycleCount()), 0),
+          m_mask(nTri, 0), m_seen(nTri, 0)
+    {
+    }
+
+    bool MayComplete(int32_t s) const
+    {
+        if (m_direct[s] > 0 || (m_paths->Cycle(s) != kNone && m_cycleMarks[m_paths->Cycle(s)] > 0))
+            return true;
+        if (m_nLong == 0)
+            return false;
+        int32_t sum = 0;
+        for (size_t i = size_t(m_paths->In(s)) + 1; i > 0; i -= i & (~i + 1))
+            sum += m_fenwick[i];
+        return sum > 0;
+    }
+
+    // Re-marks the ends of the strips that hold the given triangles (and clears their other members).
+    void Refresh(const int32_t* tri, size_t n, const std::vector<SLink>& links)
+    {
+        ++m_round;
+        for (size_t i = 0; i < n; ++i)
+        {
+            int32_t a = tri[i];
+            if (m_seen[a] == m_round)
+                continue;
+            while (links[a].prev != kNone)
+                a = links[a].prev;
+            int32_t b = a;
+            m_seen[a] = m_round;
+            while (links[b].next != kNone)
+            {
+                if (b != a)
+                    SetMask(b, 0);
+                b = links[b].next;
+                m_seen[b] = m_round;
+            }
+            SetMask(a, EndMask(a, b));
+            if (b != a)
+                SetMask(b, EndMask(b, a));
+        }
+    }
+
+  private:
+    uint8_t EndMask(int32_t a, int32_t b) const
+    {
+        uint8_t mask = 0;
+        for (int i = 0; i < 6; ++i)
+            for (int j = 0; j < 6; ++j)
+                if (m_paths->Reaches(a * 6 + i, b * 6 + j))
+                {
+                    mask |= uint8_t(1u << i);
+                    break;
+                }
+        return mask;
+    }
+
+    void SetMask(int32_t t, uint8_t mask)
+    {
+        const uint8_t old = m_mask[t];
+        if (old == mask)
+            return;
+        for (int i = 0; i < 6; ++i)
+            if (((old ^ mask) >> i) & 1u)
+                Mark(t * 6 + i, ((mask >> i) & 1u) ? 1 : -1);
+        m_mask[t] = mask;
+    }
+
+    void Mark(int32_t s, int32_t d)
+    {
+        if (m_paths->OnCycle(s))
+        {
+            m_cycleMarks[m_paths->Cycle(s)] += d;
+            return;
+        }
+        const size_t in = size_t(m_paths->In(s)), out = size_t(m_paths->Out(s));
+        if (out - in <= kDirectRange)
+        {
+            // Counted per state (not per tour position), so that a query reads next to its neighbours.
+            for (size_t i = in; i < out; ++i)
+                m_direct[size_t(m_paths->StateAt(int32_t(i)))] += d;
+            return;
+        }
+        if (m_fenwick.empty())
+            m_fenwick.assign(m_direct.size() + 2, 0);
+        m_nLong += d;
+        FenwickAdd(in, d);
+        FenwickAdd(out, -d);
+    }
+
+    void FenwickAdd(size_t i, int32_t d)
+    {
+        for (++i; i < m_fenwick.size(); i += i & (~i + 1))
+            m_fenwick[i] += d;
+    }
+
+    static constexpr size_t kDirectRange = 4096;
+    const CWalkPaths* m_paths = nullptr;
+    std::vector<int32_t> m_direct, m_fenwick, m_cycleMarks;
+    int32_t m_nLong = 0; // marks kept in the Fenwick tree
+    std::vector<uint8_t> m_mask; // marked states of each triangle
+    std::vector<uint32_t> m_seen;
+    uint32_t m_round = 0;
+};
+
 // One strip building run over fixed adjacency.
 class CStripBuilder
 {
   public:
-    CStripBuilder(const uint32_t* pnIdx, uint32_t nTri, const std::vector<int32_t>& adj)
-        : m_pnIdx(pnIdx), m_nTri(nTri), m_adj(adj), m_cur(nTri), m_cemented(nTri), m_inWalk(nTri, 0),
-          m_chainMark(size_t(nTri) * 3, kNone), m_backEdge(size_t(nTri) * 3, 0)
+    explicit CStripBuilder(const SStripMesh& mesh)
+        : m_pnIdx(mesh.pnIdx), m_nTri(mesh.nTri), m_adj(mesh.adj), m_backEdge(mesh.backEdge), m_cur(mesh.nTri),
+          m_cemented(mesh.nTri), m_inWalk(mesh.nTri, 0), m_chainMark(size_t(mesh.nTri) * 3, kNone)
     {
-        // For each edge with a neighbour, the edge by which that neighbour is adjacent back.
-        for (uint32_t t = 0; t < nTri; ++t)
-            for (int e = 0; e < 3; ++e)
-                if (adj[size_t(t) * 3 + e] != kNone)
-                    m_backEdge[size_t(t) * 3 + e] =
-                        static_cast<uint8_t>(EdgeFromAdjTri(uint32_t(adj[size_t(t) * 3 + e]), int32_t(t)));
+    }
+
+    // Starts a run from the strips of another builder (reusing this one's storage). From now on,
+    // walks that cannot complete a strip are skipped (their outcome is known: they fail and change
+    // nothing); the marks follow every walk that is kept.
+    void StartRun(const CStripBuilder& from, const CCompletable& marks)
+    {
+        m_cur = from.m_cur;
+        m_cemented = from.m_cemented;
+        m_inWalk = from.m_inWalk;
+        m_walk = from.m_walk;
+        m_nStrips = from.m_nStrips;
+        m_complete = marks;
+        m_bTrack = true;
+    }
+
+    // Marks for the strips as they are now.
+    CCompletable Completable(const CWalkPaths& paths) const
+    {
+        CCompletable marks(paths, m_nTri);
+        std::vector<int32_t> all(m_nTri);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+            all[t] = int32_t(t);
+        marks.Refresh(all.data(), all.size(), m_cur);
+        return marks;
     }
 
     // Whether, starting from the strips the edge pass left, a whole improvement pass with the given
@@ -233,13 +547,6 @@ class CStripBuilder
     }
 
   private:
-    struct SLink
-    {
-        int32_t prev = kNone;
-        int32_t next = kNone;
-        bool wind = false;
-    };
-
     // The corner that is neither of the two indices written last.
     static uint32_t ThirdVertex(const uint32_t* tri, uint32_t a, uint32_t b)
     {
@@ -308,7 +615,7 @@ class CStripBuilder
         if (p != kNone)
             m_cur[p].next = t;
         m_cur[t].wind = w;
-        m_inWalk[t] = 1;
+        m_inWalk[t] = m_walk;
         return change;
     }
 
@@ -316,25 +623,57 @@ class CStripBuilder
     // the threshold; keeps the walk when it got there, restores every touched triangle otherwise.
     bool StripGrow(int32_t start, int edge, int threshold)
     {
+        ++m_walk;
         m_touched.clear();
         m_visited.clear();
         int total = 1;
-        bool wind = true;
-        int32_t prev = kNone, cur = start;
+        Walk(start, kNone, edge, true, threshold, total);
+        return Finish(threshold, total);
+    }
+
+    // The same walk again right after it was kept (the edge pass does this until it fails). Walking
+    // the strip that walk made re-forms it as it is: every link and flag comes out unchanged, the
+    // count is back where it was (0) at its end and never lower on the way (the first triangle
+    // detaches its successor and cuts the next pair, every second triangle then stands alone). So
+    // the walk goes straight on from the step after that strip, whose triangles are still marked as
+    // in the walk.
+    bool StripGrowAgain(int threshold)
+    {
+        const SStep next = m_next;
+        if (next.tri == kNone)
+            return false; // it stops at the strip's end: not below the threshold, nothing changes
+        m_touched.clear();
+        Touch(m_visited.back());
+        int total = 0;
+        Walk(next.tri, m_visited.back(), next.edge, next.wind, threshold, total);
+        return Finish(threshold, total);
+    }
+
+    // Links triangles along the path from cur while the count is above the threshold; remembers
+    // the step after the last triangle linked (none when the path ends or comes back on itself).
+    void Walk(int32_t cur, int32_t prev, int edge, bool wind, int threshold, int& total)
+    {
+        m_next = {kNone, 0, false};
         while (total > threshold)
         {
             total += Link(cur, prev, wind);
             m_visited.push_back(cur);
             const size_t half = size_t(cur) * 3 + edge;
             const int32_t nb = m_adj[half];
-            if (nb == kNone || m_inWalk[nb])
-                break;
+            if (nb == kNone || m_inWalk[nb] == m_walk)
+                return;
             const int in = m_backEdge[half];
             edge = wind ? (in + 2) % 3 : (in + 1) % 3;
             wind = !wind;
             prev = cur;
             cur = nb;
+            m_next = {cur, edge, wind};
         }
+    }
+
+    // Keeps the walk when it got to the threshold, restores every touched triangle otherwise.
+    bool Finish(int threshold, int total)
+    {
         if (total > threshold)
         {
             for (int32_t t : m_touched)
@@ -346,9 +685,9 @@ class CStripBuilder
             m_bKept = true;
             for (int32_t t : m_touched)
                 m_cemented[t] = m_cur[t];
+            if (m_bTrack)
+                m_complete.Refresh(m_touched.data(), m_touched.size(), m_cur);
         }
-        for (int32_t t : m_visited)
-            m_inWalk[t] = 0;
         m_nStrips += total;
         return total != 0;
     }
@@ -376,9 +715,8 @@ class CStripBuilder
                 if (mark == static_cast<int32_t>(t))
                     break;
                 mark = static_cast<int32_t>(t);
-                while (StripGrow(cur, edge, -1))
-                {
-                }
+                for (bool kept = StripGrow(cur, edge, -1); kept;)
+                    kept = StripGrowAgain(-1);
                 const int32_t n1 = m_adj[size_t(cur) * 3 + edge];
                 if (n1 == kNone)
                     break;
@@ -397,7 +735,10 @@ class CStripBuilder
     bool StripImprove(uint32_t seed, SUnchangedPasses& memo)
     {
         CLibcRandom rng(seed);
-        std::vector<SKey> keys(m_nTri), tmp(m_nTri);
+        std::vector<SKey>& keys = m_keys;
+        std::vector<SKey>& tmp = m_keysScratch;
+        keys.resize(m_nTri);
+        tmp.resize(m_nTri);
         int passes = 2, threshold = 0;
         bool pristine = true; // no walk has been kept yet in this run
         while (passes != 0)
@@ -417,7 +758,8 @@ class CStripBuilder
                 m_bKept = false;
                 for (const SKey& k : keys)
                     for (int e = 0; e < 3; ++e)
-                        if (StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
+                        if ((!m_bTrack || m_complete.MayComplete(CWalkPaths::State(k.nTri, e, true))) &&
+                            StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
                             improved = true;
                 if (pristine)
                 {
@@ -437,13 +779,23 @@ class CStripBuilder
     const uint32_t* m_pnIdx;
     uint32_t m_nTri;
     const std::vector<int32_t>& m_adj;
+    const std::vector<uint8_t>& m_backEdge; // per triangle edge: the neighbour's edge back to it
     std::vector<SLink> m_cur, m_cemented;
-    std::vector<uint8_t> m_inWalk;
+    std::vector<uint32_t> m_inWalk; // the walk that last linked each triangle
+    uint32_t m_walk = 0;
+    struct SStep
+    {
+        int32_t tri;
+        int edge;
+        bool wind;
+    } m_next = {kNone, 0, false}; // where the last walk would have gone on
     std::vector<int32_t> m_chainMark; // per triangle edge: the chain start that last tried it
-    std::vector<uint8_t> m_backEdge;  // per triangle edge: the neighbour's edge back to it
     std::vector<int32_t> m_touched, m_visited;
     int64_t m_nStrips = 0;
     bool m_bKept = false; // a walk reached its threshold and was kept
+    CCompletable m_complete;
+    bool m_bTrack = false;
+    std::vector<SKey> m_keys, m_keysScratch;
 };
 
 template <typename T> T* CopyToHeap(const std::vector<T>& v)
@@ -458,15 +810,18 @@ template <typename T> T* CopyToHeap(const std::vector<T>& v)
 // seed, so it runs once and each run starts from a copy of its strips.
 void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& idx, std::vector<uint32_t>& len)
 {
-    const std::vector<int32_t> adj = BuildAdjacency(pnIdx, nTri);
-    CStripBuilder afterEdges(pnIdx, nTri, adj);
+    const SStripMesh mesh(pnIdx, nTri);
+    CStripBuilder afterEdges(mesh);
     afterEdges.StripFromEdges();
+    const CWalkPaths paths(mesh);
+    const CCompletable marks = afterEdges.Completable(paths);
     CStripBuilder::SUnchangedPasses memo;
     bool firstPristine = false;
     std::vector<uint32_t> runIdx, runLen;
+    CStripBuilder builder(mesh);
     for (uint32_t seed = 0; seed < 5; ++seed)
     {
-        CStripBuilder builder = afterEdges;
+        builder.StartRun(afterEdges, marks);
         const bool pristine = builder.StripImprove(seed, memo);
         // A run that kept nothing has the strips of the edge pass: the same output as the first run
         // when that one kept nothing either, and so no improvement on it.

@@ -9,8 +9,11 @@
 // with the fewest strips (the first on a tie) is kept, so the result is deterministic. The caller's
 // own rand() state is not touched.
 //
-// Cost: O(T log T) a pass (the pseudo-random order), passes x regrowth walks; adjacency in O(T) for
-// manifold meshes (O(k^2) for an edge shared by k triangles).
+// Cost: adjacency in O(T) for manifold meshes (O(k^2) for an edge shared by k triangles); O(T log T)
+// a pass for the pseudo-random order. Growth walks are only simulated where they can change
+// something: a walk that cannot take in a whole existing strip is known to fail and is skipped (a
+// path graph over (triangle, edge, winding) states answers that), and a walk repeated right after
+// it was kept skips the strip it just made. The remaining walks cost their length.
 #pragma once
 
 #include <cstdint>
