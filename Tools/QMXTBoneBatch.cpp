@@ -271,8 +271,9 @@ class CVertexBuffer
   public:
     CVertexBuffer(uint32_t nStride, uint32_t nExpected) : m_nStride(nStride)
     {
-        // Usually about as many vertices come out as went in: start with room for those.
-        const uint64_t cap = std::min<uint64_t>(std::max<uint32_t>(nExpected, 64), 0xFFFFFFFFu / nStride);
+        // Usually about as many vertices come out as went in, plus a few copies: start with room for
+        // those (pages not written are not touched).
+        const uint64_t cap = std::min<uint64_t>(uint64_t(nExpected) + nExpected / 4 + 64, 0xFFFFFFFFu / nStride);
         if (void* p = std::malloc(cap * nStride))
         {
             m_pData.reset(static_cast<uint8_t*>(p));
@@ -423,8 +424,8 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
         std::vector<uint32_t> firstCopy(nVertexNum, kNone), memoBatch(nVertexNum, kNone), nextCopy;
         std::unique_ptr<uint32_t[]> lastCopy(new uint32_t[nVertexNum]), memoCopy(new uint32_t[nVertexNum]);
         std::vector<float> stored; // four floats a copy
-        stored.reserve(size_t(nVertexNum) * 4);
-        nextCopy.reserve(nVertexNum);
+        stored.reserve((size_t(nVertexNum) + nVertexNum / 4) * 4);
+        nextCopy.reserve(size_t(nVertexNum) + nVertexNum / 4);
         std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
         for (uint32_t b = 0; b < nBatches; ++b)
         {
