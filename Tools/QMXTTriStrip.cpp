@@ -220,38 +220,67 @@ struct SStripMesh
 
 // The paths that growth walks follow, as states (triangle, edge to leave by, winding flag): from a
 // state the walk crosses the edge and leaves the neighbour by the edge before (flag set) or after the
-// one it entered by, with the flag toggled, so each state has at most one successor. A walk started
-// at (triangle, edge, set) visits a prefix of that path. The states form in-trees hanging off path
-// ends and cycles; an Euler tour of the trees tells in constant time whether one state's path
-// reaches another.
+// one it entered by, with the flag toggled. Each state has at most one successor, and at most one
+// predecessor (the entry edge follows from the exit edge and the flag, and two triangles pair across
+// one edge only), so the states form simple chains, ending where an edge has no neighbour, and
+// cycles. A walk started at (triangle, edge, set) visits a prefix of its state's path. Chain states
+// are numbered from the chain's end backwards, so the states whose path passes s are those numbered
+// [in(s), out(s)) with out(s) the end of its chain's numbers.
 class CWalkPaths
 {
   public:
-    explicit CWalkPaths(const SStripMesh& mesh)
+    explicit CWalkPaths(const SStripMesh& mesh) : m_mesh(&mesh)
     {
         const size_t n = size_t(mesh.nTri) * 6;
-        std::vector<int32_t> succ(n, kNone);
+        std::vector<int32_t> pred(n, kNone);
+        for (size_t s = 0; s < n; ++s)
+            if (const int32_t next = Successor(int32_t(s)); next != kNone)
+            {
+                m_bSimple = m_bSimple && pred[size_t(next)] == kNone;
+                pred[size_t(next)] = int32_t(s);
+            }
+        m_in.assign(n, kNone);
+        m_out.assign(n, 0);
+        m_order.resize(n);
+        m_onCycle.assign(n, 0);
+        int32_t clock = 0;
         for (size_t s = 0; s < n; ++s)
         {
-            const size_t half = (s / 6) * 3 + (s % 6) / 2;
-            const bool wind = s & 1;
-            if (mesh.adj[half] == kNone)
+            if (Successor(int32_t(s)) != kNone)
                 continue;
-            const int in = mesh.backEdge[half];
-            succ[s] = State(uint32_t(mesh.adj[half]), wind ? (in + 2) % 3 : (in + 1) % 3, !wind);
+            const int32_t first = clock;
+            for (int32_t x = int32_t(s); x != kNone; x = pred[size_t(x)])
+            {
+                m_order[size_t(clock)] = x;
+                m_in[size_t(x)] = clock++;
+            }
+            for (int32_t i = first; i < clock; ++i)
+                m_out[size_t(m_order[size_t(i)])] = clock;
         }
-        FindCycles(succ);
-        EulerTour(succ);
-        m_order.resize(n);
+        // What is left lies on cycles; out holds the cycle number there.
         for (size_t s = 0; s < n; ++s)
-            m_order[size_t(m_in[s])] = int32_t(s);
+        {
+            if (m_in[s] != kNone)
+                continue;
+            for (int32_t x = int32_t(s); m_in[size_t(x)] == kNone; x = Successor(x))
+            {
+                m_order[size_t(clock)] = x;
+                m_in[size_t(x)] = clock++;
+                m_onCycle[size_t(x)] = 1;
+                m_out[size_t(x)] = m_nCycles;
+            }
+            ++m_nCycles;
+        }
     }
 
     static int32_t State(uint32_t t, int edge, bool wind) { return int32_t(t * 6 + uint32_t(edge) * 2 + (wind ? 1 : 0)); }
+    // False if some state had two predecessors (impossible with adjacency across one edge a pair;
+    // then nothing may be concluded from the paths).
+    bool Simple() const { return m_bSimple; }
     size_t StateCount() const { return m_in.size(); }
     int32_t CycleCount() const { return m_nCycles; }
     bool OnCycle(int32_t s) const { return m_onCycle[s]; }
-    int32_t Cycle(int32_t s) const { return m_cycle[s]; }
+    int32_t Cycle(int32_t s) const { return m_onCycle[s] ? m_out[s] : kNone; }
     int32_t In(int32_t s) const { return m_in[s]; }
     int32_t Out(int32_t s) const { return m_out[s]; }
     int32_t StateAt(int32_t position) const { return m_order[position]; } // inverse of In
@@ -259,103 +288,26 @@ class CWalkPaths
     bool Reaches(int32_t a, int32_t b) const
     {
         if (m_onCycle[b])
-            return m_cycle[a] == m_cycle[b];
-        return m_in[b] <= m_in[a] && m_in[a] < m_out[b];
+            return m_onCycle[a] && m_out[a] == m_out[b];
+        return !m_onCycle[a] && m_in[b] <= m_in[a] && m_in[a] < m_out[b];
     }
 
   private:
-    // Marks the states on cycles and gives every state the cycle its path ends in (or kNone).
-    void FindCycles(const std::vector<int32_t>& succ)
+    int32_t Successor(int32_t s) const
     {
-        const size_t n = succ.size();
-        m_cycle.assign(n, kNone);
-        m_onCycle.assign(n, 0);
-        std::vector<uint8_t> colour(n, 0); // 0 new, 1 on the current path, 2 done
-        std::vector<int32_t> path;
-        for (size_t s0 = 0; s0 < n; ++s0)
-        {
-            if (colour[s0])
-                continue;
-            path.clear();
-            int32_t x = int32_t(s0);
-            while (x != kNone && colour[x] == 0)
-            {
-                colour[x] = 1;
-                path.push_back(x);
-                x = succ[x];
-            }
-            if (x != kNone && colour[x] == 1)
-            {
-                const int32_t id = m_nCycles++;
-                int32_t y = x;
-                do
-                {
-                    m_onCycle[y] = 1;
-                    m_cycle[y] = id;
-                    y = succ[y];
-                } while (y != x);
-            }
-            for (auto it = path.rbegin(); it != path.rend(); ++it)
-            {
-                if (!m_onCycle[*it])
-                    m_cycle[*it] = succ[*it] == kNone ? kNone : m_cycle[succ[*it]];
-                colour[*it] = 2;
-            }
-        }
+        const size_t half = size_t(s / 6) * 3 + size_t(s % 6) / 2;
+        const bool wind = s & 1;
+        if (m_mesh->adj[half] == kNone)
+            return kNone;
+        const int in = m_mesh->backEdge[half];
+        return State(uint32_t(m_mesh->adj[half]), wind ? (in + 2) % 3 : (in + 1) % 3, !wind);
     }
 
-    // Numbers the states of each in-tree (rooted at a path end or a cycle state) in depth-first
-    // order, so that the states whose path passes through s are those in [in(s), out(s)).
-    void EulerTour(const std::vector<int32_t>& succ)
-    {
-        const size_t n = succ.size();
-        std::vector<uint32_t> start(n + 1, 0);
-        auto parent = [&](size_t s) { return m_onCycle[s] ? kNone : succ[s]; };
-        for (size_t s = 0; s < n; ++s)
-            if (parent(s) != kNone)
-                ++start[size_t(parent(s)) + 1];
-        for (size_t s = 0; s < n; ++s)
-            start[s + 1] += start[s];
-        std::vector<int32_t> children(start[n]);
-        {
-            std::vector<uint32_t> fill(start.begin(), start.end() - 1);
-            for (size_t s = 0; s < n; ++s)
-                if (parent(s) != kNone)
-                    children[fill[size_t(parent(s))]++] = int32_t(s);
-        }
-        m_in.assign(n, 0);
-        m_out.assign(n, 0);
-        int32_t clock = 0;
-        std::vector<std::pair<int32_t, uint32_t>> stack;
-        for (size_t r = 0; r < n; ++r)
-        {
-            if (parent(r) != kNone)
-                continue;
-            m_in[r] = clock++;
-            stack.push_back({int32_t(r), start[r]});
-            while (!stack.empty())
-            {
-                const int32_t x = stack.back().first;
-                const uint32_t k = stack.back().second;
-                if (k < start[size_t(x) + 1])
-                {
-                    ++stack.back().second;
-                    const int32_t c = children[k];
-                    m_in[c] = clock++;
-                    stack.push_back({c, start[size_t(c)]});
-                }
-                else
-                {
-                    m_out[x] = clock;
-                    stack.pop_back();
-                }
-            }
-        }
-    }
-
-    std::vector<int32_t> m_in, m_out, m_order, m_cycle;
+    const SStripMesh* m_mesh;
+    std::vector<int32_t> m_in, m_out, m_order; // out: chain end, or the cycle number on a cycle
     std::vector<uint8_t> m_onCycle;
     int32_t m_nCycles = 0;
+    bool m_bSimple = true;
 };
 
 // Which walks could complete a strip. A walk changes the strip count by 1 (its own strip) plus, for
@@ -488,7 +440,7 @@ class CStripBuilder
     // Starts a run from the strips of another builder (reusing this one's storage). From now on,
     // walks that cannot complete a strip are skipped (their outcome is known: they fail and change
     // nothing); the marks follow every walk that is kept.
-    void StartRun(const CStripBuilder& from, const CCompletable& marks)
+    void StartRun(const CStripBuilder& from, const CCompletable& marks, bool track)
     {
         m_cur = from.m_cur;
         m_cemented = from.m_cemented;
@@ -496,7 +448,7 @@ class CStripBuilder
         m_walk = from.m_walk;
         m_nStrips = from.m_nStrips;
         m_complete = marks;
-        m_bTrack = true;
+        m_bTrack = track;
     }
 
     // Marks for the strips as they are now.
@@ -821,7 +773,7 @@ void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& id
     CStripBuilder builder(mesh);
     for (uint32_t seed = 0; seed < 5; ++seed)
     {
-        builder.StartRun(afterEdges, marks);
+        builder.StartRun(afterEdges, marks, paths.Simple());
         const bool pristine = builder.StripImprove(seed, memo);
         // A run that kept nothing has the strips of the edge pass: the same output as the first run
         // when that one kept nothing either, and so no improvement on it.
