@@ -339,6 +339,33 @@ class CCompletable
         return sum > 0;
     }
 
+    // Marks the ends of all strips, counting the marks on every state in one sweep.
+    void Build(const std::vector<SLink>& links)
+    {
+        m_bBuilding = true;
+        m_pending.assign(m_direct.size() + 1, 0);
+        for (uint32_t t = 0; t < m_mask.size(); ++t)
+        {
+            if (links[t].prev != kNone)
+                continue;
+            int32_t b = int32_t(t);
+            while (links[b].next != kNone)
+                b = links[b].next;
+            SetMask(int32_t(t), EndMask(int32_t(t), b));
+            if (b != int32_t(t))
+                SetMask(b, EndMask(b, int32_t(t)));
+        }
+        int32_t count = 0;
+        for (size_t i = 0; i < m_direct.size(); ++i)
+        {
+            count += m_pending[i];
+            m_direct[size_t(m_paths->StateAt(int32_t(i)))] = count;
+        }
+        m_pending.clear();
+        m_pending.shrink_to_fit();
+        m_bBuilding = false;
+    }
+
     // Re-marks the ends of the strips that hold the given triangles (and clears their other members).
     void Refresh(const int32_t* tri, size_t n, const std::vector<SLink>& links)
     {
@@ -398,6 +425,12 @@ class CCompletable
             return;
         }
         const size_t in = size_t(m_paths->In(s)), out = size_t(m_paths->Out(s));
+        if (m_bBuilding && out - in <= kDirectRange)
+        {
+            m_pending[in] += d;
+            m_pending[out] -= d;
+            return;
+        }
         if (out - in <= kDirectRange)
         {
             // Counted per state (not per tour position), so that a query reads next to its neighbours.
@@ -422,6 +455,8 @@ class CCompletable
     const CWalkPaths* m_paths = nullptr;
     std::vector<int32_t> m_direct, m_fenwick, m_cycleMarks;
     int32_t m_nLong = 0; // marks kept in the Fenwick tree
+    std::vector<int32_t> m_pending; // while building: differences over tour positions
+    bool m_bBuilding = false;
     std::vector<uint8_t> m_mask; // marked states of each triangle
     std::vector<uint32_t> m_seen;
     uint32_t m_round = 0;
@@ -455,10 +490,7 @@ class CStripBuilder
     CCompletable Completable(const CWalkPaths& paths) const
     {
         CCompletable marks(paths, m_nTri);
-        std::vector<int32_t> all(m_nTri);
-        for (uint32_t t = 0; t < m_nTri; ++t)
-            all[t] = int32_t(t);
-        marks.Refresh(all.data(), all.size(), m_cur);
+        marks.Build(m_cur);
         return marks;
     }
 
