@@ -39,7 +39,7 @@ class CFiller
   public:
     CFiller(const aiScene& scene, const SAssimpFillSettings& settings, SContent& content, SAssimpFillResult& result)
         : m_scene(scene), m_settings(settings), m_content(content), m_result(result),
-          m_materials(scene, content, settings.texturePrefix)
+          m_materials(scene, content, settings.texturePrefix), m_quirks(AssimpQuirksOf(scene))
     {
     }
 
@@ -69,6 +69,7 @@ class CFiller
     SContent& m_content;
     SAssimpFillResult& m_result;
     CAssimpMaterials m_materials;
+    SAssimpQuirks m_quirks;
     CAssimpGraph m_graph;
     CAssimpSampler m_sampler;
     std::vector<aiMatrix4x4> m_globals0;
@@ -165,7 +166,7 @@ void CFiller::BindLightsAndCameras()
         }
         SLightData probe;
         const int g = m_graph.Find(light->mName.C_Str());
-        if (!FillAssimpLight(*light, probe))
+        if (!FillAssimpLight(*light, m_quirks, probe))
             Log(eLogWarning, "Warning: Light '%s' is an area light or of an unknown kind; it is not exported.",
                 light->mName.C_Str());
         else if (g < 0)
@@ -269,7 +270,7 @@ void CFiller::AddNode(int g)
     else if (isView)
     {
         const aiCamera& c = *binding.cameras[0];
-        view = AssimpViewFrame(c.mPosition, c.mLookAt, c.mUp);
+        view = AssimpViewFrame(AssimpCameraPosition(c, m_quirks), c.mLookAt, c.mUp);
         PlaceCamera(node, c);
     }
     SampleNode(node, g, isView ? &view : nullptr);
@@ -302,7 +303,7 @@ void CFiller::AddNode(int g)
     for (const aiCamera* c : binding.cameras)
     {
         const int child = AddViewChild(index, c->mName.C_Str(), eNodeCamera,
-                                       AssimpViewFrame(c->mPosition, c->mLookAt, c->mUp));
+                                       AssimpViewFrame(AssimpCameraPosition(*c, m_quirks), c->mLookAt, c->mUp));
         PlaceCamera(m_content.nodes[child], *c);
         m_targets.push_back({child, std::string(c->mName.C_Str()) + ".Target", true, c->mLookAt.Length()});
     }
@@ -323,7 +324,7 @@ int CFiller::AddViewChild(int parent, const std::string& name, int kind, const Q
 void CFiller::PlaceLight(CNode& node, const aiLight& light)
 {
     node.type = eNodeLight;
-    FillAssimpLight(light, node.light);
+    FillAssimpLight(light, m_quirks, node.light);
 }
 
 void CFiller::PlaceCamera(CNode& node, const aiCamera& camera)
@@ -331,7 +332,7 @@ void CFiller::PlaceCamera(CNode& node, const aiCamera& camera)
     node.type = eNodeCamera;
     SCameraData& data = node.camera;
     data.cameraType = 0;
-    data.fov = AssimpVerticalFov(camera);
+    data.fov = AssimpVerticalFov(camera, m_quirks);
     data.nearPlane = camera.mClipPlaneNear;
     data.farPlane = camera.mClipPlaneFar;
     data.target = -1;

@@ -122,9 +122,25 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
 // position. An up that is missing or parallel to the direction is replaced by a perpendicular.
 QMXTMATRIXf AssimpViewFrame(const aiVector3D& position, const aiVector3D& direction, const aiVector3D& up);
 
+// Where an importer departs from the documented meaning of the camera and light fields, told by
+// the scene's "SourceAsset_Format". The glTF 2 importer of Assimp 5.2 stores the vertical field of
+// view times the aspect as the horizontal angle, copies the node's translation into the camera's
+// position (which is relative to that very node) and passes spot cone angles measured from the axis
+// instead of full cone angles.
+struct SAssimpQuirks
+{
+    bool fovIsVerticalTimesAspect = false;
+    bool cameraPositionRepeatsNode = false;
+    bool coneAnglesFromAxis = false;
+};
+SAssimpQuirks AssimpQuirksOf(const aiScene& scene);
+
 // Light kinds the scene model has: fills light and returns true; false for ambient, area and
 // undefined lights.
-bool FillAssimpLight(const aiLight& source, SLightData& light);
+bool FillAssimpLight(const aiLight& source, const SAssimpQuirks& quirks, SLightData& light);
 
 // Full vertical field of view in radians from the importer's full horizontal angle and aspect.
-float AssimpVerticalFov(const aiCamera& camera);
+float AssimpVerticalFov(const aiCamera& camera, const SAssimpQuirks& quirks);
+
+// The camera's position in its node's space.
+aiVector3D AssimpCameraPosition(const aiCamera& camera, const SAssimpQuirks& quirks);

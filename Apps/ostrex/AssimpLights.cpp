@@ -1,5 +1,6 @@
 // Lights and cameras of the Assimp scene filler.
 #include <cmath>
+#include <cstring>
 
 #include "AssimpInternal.h"
 #include "QMXTModelTVO.h"
@@ -34,7 +35,21 @@ QMXTMATRIXf AssimpViewFrame(const aiVector3D& position, const aiVector3D& direct
     return m;
 }
 
-bool FillAssimpLight(const aiLight& source, SLightData& light)
+SAssimpQuirks AssimpQuirksOf(const aiScene& scene)
+{
+    SAssimpQuirks quirks;
+    aiString format;
+    if (scene.mMetaData && scene.mMetaData->Get("SourceAsset_Format", format) &&
+        std::strcmp(format.C_Str(), "glTF2 Importer") == 0)
+    {
+        quirks.fovIsVerticalTimesAspect = true;
+        quirks.cameraPositionRepeatsNode = true;
+        quirks.coneAnglesFromAxis = true;
+    }
+    return quirks;
+}
+
+bool FillAssimpLight(const aiLight& source, const SAssimpQuirks& quirks, SLightData& light)
 {
     light = SLightData();
     switch (source.mType)
@@ -47,7 +62,7 @@ bool FillAssimpLight(const aiLight& source, SLightData& light)
         break;
     case aiLightSource_SPOT:
         light.lightType = eTVOLightSpot;
-        light.falloffAngle = source.mAngleOuterCone;
+        light.falloffAngle = quirks.coneAnglesFromAxis ? 2.0f * source.mAngleOuterCone : source.mAngleOuterCone;
         break;
     default:
         return false;
@@ -67,8 +82,15 @@ bool FillAssimpLight(const aiLight& source, SLightData& light)
     return true;
 }
 
-float AssimpVerticalFov(const aiCamera& camera)
+float AssimpVerticalFov(const aiCamera& camera, const SAssimpQuirks& quirks)
 {
     const double aspect = camera.mAspect > 0.0f && std::isfinite(camera.mAspect) ? camera.mAspect : 1.0;
+    if (quirks.fovIsVerticalTimesAspect)
+        return static_cast<float>(camera.mHorizontalFOV / aspect);
     return static_cast<float>(2.0 * std::atan(std::tan(0.5 * camera.mHorizontalFOV) / aspect));
+}
+
+aiVector3D AssimpCameraPosition(const aiCamera& camera, const SAssimpQuirks& quirks)
+{
+    return quirks.cameraPositionRepeatsNode ? aiVector3D(0, 0, 0) : camera.mPosition;
 }

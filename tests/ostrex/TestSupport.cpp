@@ -3,6 +3,7 @@
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -310,3 +311,136 @@ float SceneSize(const aiScene& scene)
         GrowSize(scene, scene.mRootNode, aiMatrix4x4(), size);
     return size > 0.0f ? size : 1.0f;
 }
+
+namespace
+{
+// Value of a key track at time t: clamped outside, blended between keys.
+template <class Key, class Value, class Blend>
+Value AtTime(const std::vector<Key>& keys, double t, const Value& fallback, Blend blend)
+{
+    if (keys.empty())
+        return fallback;
+    if (t <= keys[0].mTime)
+        return keys[0].mValue;
+    for (size_t i = 1; i < keys.size(); ++i)
+        if (t < keys[i].mTime)
+            return blend(keys[i - 1].mValue, keys[i].mValue,
+                         static_cast<float>((t - keys[i - 1].mTime) / (keys[i].mTime - keys[i - 1].mTime)));
+    return keys.back().mValue;
+}
+} // namespace
+
+CImporterPose::CImporterPose(const aiScene& scene, const aiAnimation* anim) : m_scene(scene)
+{
+    auto earlier = [](const auto& a, const auto& b) { return a.mTime < b.mTime; };
+    for (unsigned c = 0; anim && c < anim->mNumChannels; ++c)
+    {
+        const aiNodeAnim& ch = *anim->mChannels[c];
+        const aiNode* n = FindNode(scene, ch.mNodeName.C_Str());
+        if (!n || m_channels.count(n)) // the first channel of a node wins
+            continue;
+        SKeys& keys = m_channels[n];
+        keys.pos.assign(ch.mPositionKeys, ch.mPositionKeys + ch.mNumPositionKeys);
+        keys.scale.assign(ch.mScalingKeys, ch.mScalingKeys + ch.mNumScalingKeys);
+        keys.rot.assign(ch.mRotationKeys, ch.mRotationKeys + ch.mNumRotationKeys);
+        std::stable_sort(keys.pos.begin(), keys.pos.end(), earlier);
+        std::stable_sort(keys.scale.begin(), keys.scale.end(), earlier);
+        std::stable_sort(keys.rot.begin(), keys.rot.end(), earlier);
+    }
+}
+
+void CImporterPose::At(double t)
+{
+    m_globals.clear();
+    Walk(m_scene.mRootNode, aiMatrix4x4(), t);
+}
+
+const aiMatrix4x4& CImporterPose::Global(const std::string& name) const
+{
+    return Global(FindNode(m_scene, name));
+}
+
+void CImporterPose::Walk(const aiNode* node, const aiMatrix4x4& parent, double t)
+{
+    aiMatrix4x4 local = node->mTransformation;
+    const auto it = m_channels.find(node);
+    if (it != m_channels.end())
+    {
+        aiVector3D s, p;
+        aiQuaternion r;
+        node->mTransformation.Decompose(s, r, p);
+        auto lerp = [](const aiVector3D& a, const aiVector3D& b, float f) { return a + (b - a) * f; };
+        auto slerp = [](const aiQuaternion& a, const aiQuaternion& b, float f) {
+            aiQuaternion out;
+            aiQuaternion::Interpolate(out, a, b, f);
+            return out.Normalize();
+        };
+        p = AtTime(it->second.pos, t, p, lerp);
+        r = AtTime(it->second.rot, t, r, slerp);
+        s = AtTime(it->second.scale, t, s, lerp);
+        aiMatrix4x4 translation, scaling;
+        aiMatrix4x4::Translation(p, translation);
+        aiMatrix4x4::Scaling(s, scaling);
+        local = translation * aiMatrix4x4(r.GetMatrix()) * scaling;
+    }
+    const aiMatrix4x4 global = parent * local;
+    m_globals[node] = global;
+    for (unsigned i = 0; i < node->mNumChildren; ++i)
+        Walk(node->mChildren[i], global, t);
+}
+
+std::vector<aiVector3D> ImporterCorners(const aiScene& scene, const aiNode& node, const CImporterPose& pose)
+{
+    std::vector<aiVector3D> corners;
+    const aiMatrix4x4& global = pose.Global(&node);
+    for (unsigned i = 0; i < node.mNumMeshes; ++i)
+    {
+        const aiMesh& mesh = *scene.mMeshes[node.mMeshes[i]];
+        std::vector<aiVector3D> world(mesh.mNumVertices, aiVector3D());
+        std::vector<float> total(mesh.mNumVertices, 0.0f);
+        std::vector<int> influences(mesh.mNumVertices, 0);
+        bool bonesFound = true;
+        for (unsigned b = 0; b < mesh.mNumBones; ++b)
+            bonesFound = bonesFound && FindNode(scene, mesh.mBones[b]->mName.C_Str());
+        for (unsigned b = 0; bonesFound && b < mesh.mNumBones; ++b)
+        {
+            const aiBone& bone = *mesh.mBones[b];
+            const aiMatrix4x4 m = pose.Global(bone.mName.C_Str()) * bone.mOffsetMatrix;
+            for (unsigned w = 0; w < bone.mNumWeights; ++w)
+            {
+                const aiVertexWeight& vw = bone.mWeights[w];
+                if (!(vw.mWeight > 0.0f))
+                    continue;
+                world[vw.mVertexId] += (m * mesh.mVertices[vw.mVertexId]) * vw.mWeight;
+                total[vw.mVertexId] += vw.mWeight;
+                ++influences[vw.mVertexId];
+            }
+        }
+        for (unsigned f = 0; f < mesh.mNumFaces; ++f)
+        {
+            const aiFace& face = mesh.mFaces[f];
+            if (face.mNumIndices != 3)
+                continue;
+            bool finite = true;
+            for (int c = 0; c < 3; ++c)
+            {
+                const aiVector3D& v = mesh.mVertices[face.mIndices[c]];
+                finite = finite && std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+            }
+            if (!finite)
+                continue;
+            for (int c = 0; c < 3; ++c)
+            {
+                const unsigned v = face.mIndices[c];
+                if (influences[v] > 4)
+                    corners.push_back(aiVector3D(NAN, NAN, NAN));
+                else if (total[v] > 0.0f)
+                    corners.push_back(world[v] / total[v]);
+                else
+                    corners.push_back(global * mesh.mVertices[v]);
+            }
+        }
+    }
+    return corners;
+}
+

@@ -6,6 +6,7 @@
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -68,6 +69,35 @@ const aiScene* LoadLikeTheCommandLine(Assimp::Importer& importer, const std::str
 
 // Index of the content node with that name, -1 when none (the first one).
 int ContentIndex(const SContent& content, const std::string& name);
+
+// The importer's own pose: global transforms of every node at time t of an animation (a channel
+// drives the first node of its name; keys are put in time order), or of the still scene. Kept apart
+// from the filler's sampling: a linear search over the keys.
+class CImporterPose
+{
+  public:
+    CImporterPose(const aiScene& scene, const aiAnimation* anim);
+    void At(double t);
+    const aiMatrix4x4& Global(const aiNode* node) const { return m_globals.at(node); }
+    const aiMatrix4x4& Global(const std::string& name) const;
+
+  private:
+    struct SKeys
+    {
+        std::vector<aiVectorKey> pos, scale;
+        std::vector<aiQuatKey> rot;
+    };
+    void Walk(const aiNode* node, const aiMatrix4x4& parent, double t);
+
+    const aiScene& m_scene;
+    std::map<const aiNode*, SKeys> m_channels;
+    std::map<const aiNode*, aiMatrix4x4> m_globals;
+};
+
+// The world positions of a node's triangle corners by the importer at the pose's time: its global
+// transform, or its skinning (global bone x offset, weighted) for skinned meshes. Corners of
+// vertices with more than four influences are NaN, as the content keeps only four.
+std::vector<aiVector3D> ImporterCorners(const aiScene& scene, const aiNode& node, const CImporterPose& pose);
 
 // Largest distance from the origin of any mesh vertex after the global transforms: a size measure.
 float SceneSize(const aiScene& scene);
