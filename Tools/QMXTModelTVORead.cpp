@@ -761,6 +761,14 @@ bool CTVOReader::MeshEnd(STVOMesh& m, SMeshRead& r)
         return false;
     if (m.pInterleaved)
     {
+        // A stream without components has no place in the vertex: forget any offset it was given.
+        for (CTVOData* d : {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.sVtxColours, &m.sBoneIdx,
+                            &m.sBoneWeight})
+            if (!d->n)
+                QMXTModelTVODataSetOffset(*d, 0);
+        for (uint32_t i = 0; i < m.nNumUVW; ++i)
+            if (!m.psUVW[i].n)
+                QMXTModelTVODataSetOffset(m.psUVW[i], 0);
         if (!InterleavedChecks(m, r.nInterleavedBytes))
             return false;
         if (HostIsBigEndian())

@@ -82,9 +82,10 @@ class CBlockWriter
     bool m_bOk = true;
 };
 
-bool IsEmpty(const CTVOData& d)
+// An absent stream leaves no block. The offset of an interleaved stream without components means nothing.
+bool IsEmpty(const CTVOData& d, bool isOffset)
 {
-    return d.eType == EQMXTDataNone && d.n == 0 && d.nStride == 0 && d.pData == nullptr;
+    return d.eType == EQMXTDataNone && d.n == 0 && d.nStride == 0 && (isOffset || d.pData == nullptr);
 }
 
 // A vertex data block. elements is the vertex count (the stream holds stride / size elements a vertex)
@@ -92,7 +93,7 @@ bool IsEmpty(const CTVOData& d)
 void WriteData(CBlockWriter& w, uint32_t tag, const CTVOData& d, uint32_t count, bool isOffset, bool isFaces,
                bool always)
 {
-    if (!always && IsEmpty(d))
+    if (!always && IsEmpty(d, isOffset))
         return;
     w.Begin(tag);
     w.U32(eTVODataType, d.eType);

@@ -132,6 +132,35 @@ TEST(TVOFile, WriteReadWriteIsByteIdenticalForEveryBlock)
     std::remove(path.c_str());
 }
 
+TEST(TVOFile, InterleavedStreamWithoutComponentsCarriesNoOffset)
+{
+    // Found by fuzzing: an absent stream of an interleaved mesh with a stray offset was written once,
+    // then dropped on the next write.
+    CQMXTModelTVO s;
+    tvotest::MakeBigScene(s, 3, true);
+    QMXTModelTVODataSetOffset(s.pMesh[0].sTangents, 8);
+    const std::vector<uint8_t> first = Save(s);
+    CQMXTModelTVO r;
+    ASSERT_EQ(Read(r, first), 0);
+    EXPECT_EQ(QMXTModelTVODataOffset(r.pMesh[0].sTangents), 0u);
+    EXPECT_EQ(Save(r), first);
+
+    CBytes mesh;
+    const float vertex[3] = {1, 2, 3};
+    mesh.Begin(2012).LeafU32(6000, 1).Leaf(6014, vertex, 12);
+    mesh.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 12).LeafU32(9003, 0).End(6006);
+    mesh.Begin(6007).LeafU32(9003, 4).End(6007).End(2012);
+    CBytes scene;
+    scene.Begin(1001).LeafU32(2004, 1).Append(mesh).End(1001);
+    const CBytes file = CBytes().Version().Append(scene);
+    ASSERT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 0) << ReadError(file.b);
+    EXPECT_EQ(QMXTModelTVODataOffset(r.pMesh[0].sNormals), 0u);
+    const std::vector<uint8_t> again = Save(r);
+    CQMXTModelTVO r2;
+    ASSERT_EQ(Read(r2, again), 0);
+    EXPECT_EQ(Save(r2), again);
+}
+
 TEST(TVOFile, ReadRestoresTheSceneValues)
 {
     CQMXTModelTVO s;
