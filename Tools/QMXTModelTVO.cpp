@@ -38,7 +38,7 @@ void ChannelKeys(const float* values, const uint32_t* indices, bool animated, ui
     }
     const uint32_t last = frameCount - 1;
     a = Key(values, indices, frame < last ? frame : last, keySize);
-    b = Key(values, indices, frame + 1 < last ? frame + 1 : last, keySize);
+    b = Key(values, indices, frame < last ? frame + 1 : last, keySize);
 }
 
 void FreeNode(STVONode& n)
