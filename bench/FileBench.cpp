@@ -51,7 +51,8 @@ void MakeScene(CQMXTModelTVO& s, uint32_t vertices, bool interleaved)
         {
             for (uint32_t v = 0; v < vertices; ++v)
                 std::memcpy(m.pInterleaved + static_cast<size_t>(v) * stride + offsets[k],
-                            streams[k]->pData + static_cast<size_t>(v) * streams[k]->nStride, streams[k]->nStride);
+                            streams[k]->pData + static_cast<size_t>(v) * streams[k]->nStride,
+                            streams[k]->nStride);
             std::free(streams[k]->pData);
             QMXTModelTVODataSetOffset(*streams[k], offsets[k]);
             streams[k]->nStride = stride;
