@@ -35,7 +35,10 @@ std::string Slurp(const std::string& path)
 
 SRun RunTvoinfo(const std::string& args)
 {
-    const std::string out = testing::TempDir() + "tvoinfo.out", err = testing::TempDir() + "tvoinfo.err";
+    // Per-test capture files: CTest runs the tests of this binary in parallel processes.
+    const std::string stem = testing::TempDir() + "tvoinfo-" +
+                             testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string out = stem + ".out", err = stem + ".err";
     const std::string command = std::string(TVOINFO_PATH) + " " + args + " >" + out + " 2>" + err;
     SRun r;
     const int raw = std::system(command.c_str());
