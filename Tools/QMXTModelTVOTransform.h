@@ -82,9 +82,9 @@ int QMXTModelTVODataConvert(CTVOData& data, uint32_t vertexCount, EQMXTDataType 
 // normalised types [-1, 1]; byte [-127, 127]; unsigned int [0, 2^30]. Note that DEC3N and the two
 // unsigned normalised types cannot store part of those ranges (DEC3N holds [-1, 1], the unsigned
 // normalised types [0, 1]); such positions saturate.
-// The unpack matrix is set to identity first; a mesh without vertices succeeds at once. An
-// interleaved mesh must have float positions, which are scaled in place and stay float (the block
-// layout cannot change). Fails for a float or unknown target. Cost O(n).
+// A mesh without vertices, or without positions, succeeds with the identity. An interleaved mesh
+// must have float positions, which are scaled in place and stay float (the block layout cannot
+// change). Fails for a float or unknown target; a failed call changes nothing. Cost O(n).
 int QMXTModelTVOScaleAndConvertVtxData(STVOMesh& mesh, EQMXTDataType target);
 
 // Permutes the corners of every triangle of an indexed triangle list: new corners 0, 1, 2 are the
