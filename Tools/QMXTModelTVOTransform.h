@@ -18,7 +18,7 @@
 //   Strips to list uses its own fixed corner order instead, (k-1, k-2, k) for every index k after
 //   the first three. For the third, fifth, ... triangle of a strip this is the reverse winding of
 //   the hardware reading. A list made that way turns back into strips that hold exactly its
-//   triangles, and those strips turn back into exactly that list.
+//   triangles, and (barring repeated indices) those strips turn back into exactly that list.
 // - Flattening leaves the destination's nodes exactly as the source's (transforms and animation):
 //   lights, cameras, bones and children hang off them and must not move. The meshes hold world-space
 //   data at the source's frame; their nodes' transforms are not to be applied to them again.
