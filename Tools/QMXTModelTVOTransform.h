@@ -68,8 +68,8 @@ int QMXTModelTVOToggleStrips(STVOMesh& mesh);
 // stream of more than four components. Cost O(n), in place.
 int QMXTModelTVODataShred(CTVOData& data, uint32_t vertexCount, const int32_t* channels);
 
-// Re-encodes a stream (not of an interleaved mesh) in another type through QMXTVertexRead and
-// QMXTVertexWrite. The component count becomes old count x old type's components for a scalar
+// Re-encodes a stream (not of an interleaved mesh; the face indices too) in another type through
+// QMXTVertexRead and QMXTVertexWrite; a stride of 0 is taken as tightly packed. The component count becomes old count x old type's components for a scalar
 // target and 1 for a packed target; the stride type size x components. Nothing happens when the
 // stream has no data or already has the type. Fails on an unknown target or a stream of more than
 // four components. Cost O(n); a new array when the stride changes, else in place.
@@ -109,7 +109,8 @@ int QMXTModelTVOMergeMaterials(const STVOScene& src, STVOScene& dst);
 // and binormals by the inverse transpose, renormalised. A skinned mesh is transformed batch by
 // batch: each vertex met in the batch's triangles, once, by the batch's bone matrices
 // (GetBoneWorldMatrix) named by its bone indices, weighted by its bone weights. dst gets InitImpl at
-// the end. Fails (dst left empty) on a mesh node naming no mesh, a bone outside the nodes, an index
+// the end. Positions are taken as stored, so they should not yet be quantised (identity unpack
+// matrix). Fails (dst left empty) on a mesh node naming no mesh, a bone outside the nodes, an index
 // outside the vertices, or allocation failure. Cost O(total vertices + indices of the mesh nodes).
 int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst);
 
