@@ -69,10 +69,11 @@ int QMXTModelTVOToggleStrips(STVOMesh& mesh);
 int QMXTModelTVODataShred(CTVOData& data, uint32_t vertexCount, const int32_t* channels);
 
 // Re-encodes a stream (not of an interleaved mesh; the face indices too) in another type through
-// QMXTVertexRead and QMXTVertexWrite; a stride of 0 is taken as tightly packed. The component count becomes old count x old type's components for a scalar
-// target and 1 for a packed target; the stride type size x components. Nothing happens when the
-// stream has no data or already has the type. Fails on an unknown target or a stream of more than
-// four components. Cost O(n); a new array when the stride changes, else in place.
+// QMXTVertexRead and QMXTVertexWrite; a stride of 0 is taken as tightly packed. The component count
+// becomes old count x old type's components for a scalar target and 1 for a packed target; the
+// stride type size x components. Nothing happens when the stream has no data or already has the
+// type. Fails on an unknown target or a stream of more than four components. Cost O(n); a new
+// array when the stride changes, else in place.
 int QMXTModelTVODataConvert(CTVOData& data, uint32_t vertexCount, EQMXTDataType target);
 
 // Quantises the positions into the range [m, M] of the target type and sets the unpack matrix,
