@@ -13,7 +13,8 @@ namespace
 {
 std::size_t Limit()
 {
-    static const std::size_t limit = [] {
+    static const std::size_t limit = []
+    {
         const long pages = sysconf(_SC_PHYS_PAGES);
         const long pageSize = sysconf(_SC_PAGESIZE);
         if (pages <= 0 || pageSize <= 0)

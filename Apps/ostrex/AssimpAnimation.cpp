@@ -20,10 +20,9 @@ QMXTMATRIXf AssimpRowMatrix(const aiMatrix4x4& m)
 aiMatrix4x4 AssimpCompose(const aiVector3D& scaling, const aiQuaternion& rotation, const aiVector3D& position)
 {
     const aiMatrix3x3 r = rotation.GetMatrix();
-    return aiMatrix4x4(r.a1 * scaling.x, r.a2 * scaling.y, r.a3 * scaling.z, position.x,
-                       r.b1 * scaling.x, r.b2 * scaling.y, r.b3 * scaling.z, position.y,
-                       r.c1 * scaling.x, r.c2 * scaling.y, r.c3 * scaling.z, position.z,
-                       0, 0, 0, 1);
+    return aiMatrix4x4(r.a1 * scaling.x, r.a2 * scaling.y, r.a3 * scaling.z, position.x, r.b1 * scaling.x,
+                       r.b2 * scaling.y, r.b3 * scaling.z, position.y, r.c1 * scaling.x, r.c2 * scaling.y,
+                       r.c3 * scaling.z, position.z, 0, 0, 0, 1);
 }
 
 bool CAssimpGraph::Build(const aiScene& scene, std::string& error)
@@ -77,7 +76,8 @@ int ChooseAssimpAnimation(const aiScene& scene, const std::string& request, std:
     for (unsigned i = 0; i < scene.mNumAnimations; ++i)
         if (scene.mAnimations[i] && request == scene.mAnimations[i]->mName.C_Str())
             return static_cast<int>(i);
-    const bool digits = std::all_of(request.begin(), request.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const bool digits =
+        std::all_of(request.begin(), request.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (digits && request.size() < 10)
     {
         const long index = std::atol(request.c_str());
@@ -105,7 +105,8 @@ namespace
 // Index of the first key later than t (keys in time order), so keys[i - 1] <= t < keys[i].
 template <class Key> unsigned KeyAfter(const Key* keys, unsigned count, double t)
 {
-    const Key* it = std::upper_bound(keys, keys + count, t, [](double v, const Key& k) { return v < k.mTime; });
+    const Key* it =
+        std::upper_bound(keys, keys + count, t, [](double v, const Key& k) { return v < k.mTime; });
     return static_cast<unsigned>(it - keys);
 }
 
@@ -208,7 +209,8 @@ bool CAssimpSampler::Init(const CAssimpGraph& graph, const aiAnimation* anim, in
         keys.rotations = InTimeOrder(ch->mRotationKeys, ch->mNumRotationKeys, reordered);
         keys.scalings = InTimeOrder(ch->mScalingKeys, ch->mNumScalingKeys, reordered);
         if (reordered)
-            Log(eLogWarning, "Warning: The animation keys of '%s' are out of time order; they are used sorted.",
+            Log(eLogWarning,
+                "Warning: The animation keys of '%s' are out of time order; they are used sorted.",
                 ch->mNodeName.C_Str());
         m_channelOf[node] = static_cast<int>(m_channelKeys.size());
         m_channelKeys.push_back(std::move(keys));
@@ -216,18 +218,19 @@ bool CAssimpSampler::Init(const CAssimpGraph& graph, const aiAnimation* anim, in
     }
     m_iFps = fps > 0 ? fps : AssimpAnimationRate(*anim);
     // Ticks a second: 0 means the file gives none; 25 is the importer's customary default.
-    const double tps = anim->mTicksPerSecond > 0.0 && std::isfinite(anim->mTicksPerSecond) ? anim->mTicksPerSecond : 25.0;
+    const double tps =
+        anim->mTicksPerSecond > 0.0 && std::isfinite(anim->mTicksPerSecond) ? anim->mTicksPerSecond : 25.0;
     m_dTicksPerFrame = tps / m_iFps;
     m_dLastTick = LastTick(*anim);
     const double frames = std::floor(m_dLastTick / m_dTicksPerFrame + 0.5) + 1.0;
     const double samples = frames * std::max(animated, 1);
     if (!(frames <= 1e7) || samples > static_cast<double>(kMaxSamples))
     {
-        error = "the animation '" + std::string(anim->mName.C_Str()) + "' is too long to sample: " +
-                std::to_string(static_cast<long long>(std::fmin(frames, 1e15))) + " frames at " +
-                std::to_string(m_iFps) + " frames per second for " + std::to_string(animated) +
-                " animated nodes (at most " + std::to_string(kMaxSamples) +
-                " node-frames); choose a lower --fps";
+        error =
+            "the animation '" + std::string(anim->mName.C_Str()) +
+            "' is too long to sample: " + std::to_string(static_cast<long long>(std::fmin(frames, 1e15))) +
+            " frames at " + std::to_string(m_iFps) + " frames per second for " + std::to_string(animated) +
+            " animated nodes (at most " + std::to_string(kMaxSamples) + " node-frames); choose a lower --fps";
         return false;
     }
     m_iFrames = static_cast<int>(frames);

@@ -37,7 +37,8 @@ struct SPendingTarget
 class CFiller
 {
   public:
-    CFiller(const aiScene& scene, const SAssimpFillSettings& settings, SContent& content, SAssimpFillResult& result)
+    CFiller(const aiScene& scene, const SAssimpFillSettings& settings, SContent& content,
+            SAssimpFillResult& result)
         : m_scene(scene), m_settings(settings), m_content(content), m_result(result),
           m_materials(scene, content, settings.texturePrefix), m_quirks(AssimpQuirksOf(scene))
     {
@@ -80,10 +81,20 @@ class CFiller
     std::vector<SPendingTarget> m_targets;
 };
 
+// Every list the scene counts entries in is there (the importer's own check ensures it for files).
+bool ListsPresent(const aiScene& s)
+{
+    return (!s.mNumMeshes || s.mMeshes) && (!s.mNumMaterials || s.mMaterials) &&
+           (!s.mNumLights || s.mLights) && (!s.mNumCameras || s.mCameras) &&
+           (!s.mNumAnimations || s.mAnimations) && (!s.mNumTextures || s.mTextures);
+}
+
 bool CFiller::Run()
 {
     m_content = SContent();
     std::string error;
+    if (!ListsPresent(m_scene))
+        return Fail("the scene is malformed (a list it counts entries in is missing)");
     if (!m_graph.Build(m_scene, error))
         return Fail(error);
     m_result.animation = ChooseAssimpAnimation(m_scene, m_settings.animation, error);
@@ -114,11 +125,12 @@ bool CFiller::Run()
         if (m_contentOf[g] >= 0)
             m_result.sources[m_contentOf[g]] = &m_graph.Node(g);
     if (!HasSomethingToExport())
-        return Fail(m_settings.selection.empty() ? "nothing to export: the scene holds no triangles, lights or cameras"
-                                                 : "nothing to export: the selection holds no triangles, lights or cameras");
+        return Fail(m_settings.selection.empty()
+                        ? "nothing to export: the scene holds no triangles, lights or cameras"
+                        : "nothing to export: the selection holds no triangles, lights or cameras");
     m_result.textures = std::move(m_materials.Textures());
-    Log(eLogDetail, "Scene: %zu nodes, %zu materials, %d frames at %d frames per second.", m_content.nodes.size(),
-        m_content.materials.size(), m_content.FrameCount(), info.fps);
+    Log(eLogDetail, "Scene: %zu nodes, %zu materials, %d frames at %d frames per second.",
+        m_content.nodes.size(), m_content.materials.size(), m_content.FrameCount(), info.fps);
     return true;
 }
 
@@ -167,7 +179,8 @@ void CFiller::BindLightsAndCameras()
         SLightData probe;
         const int g = m_graph.Find(light->mName.C_Str());
         if (!FillAssimpLight(*light, m_quirks, probe))
-            Log(eLogWarning, "Warning: Light '%s' is an area light or of an unknown kind; it is not exported.",
+            Log(eLogWarning,
+                "Warning: Light '%s' is an area light or of an unknown kind; it is not exported.",
                 light->mName.C_Str());
         else if (g < 0)
             Log(eLogWarning, "Warning: Light '%s' has no node; it is not exported.", light->mName.C_Str());
@@ -181,7 +194,8 @@ void CFiller::BindLightsAndCameras()
             continue;
         const int g = m_graph.Find(camera->mName.C_Str());
         if (camera->mOrthographicWidth > 0.0f)
-            Log(eLogWarning, "Warning: Camera '%s' is orthographic; it is not exported.", camera->mName.C_Str());
+            Log(eLogWarning, "Warning: Camera '%s' is orthographic; it is not exported.",
+                camera->mName.C_Str());
         else if (g < 0)
             Log(eLogWarning, "Warning: Camera '%s' has no node; it is not exported.", camera->mName.C_Str());
         else if (m_state[g] == eFull)
@@ -219,9 +233,11 @@ SNodeTM CFiller::Sample(const QMXTMATRIXf& local, const std::string& name, bool&
     {
         warned = true;
         if (fit == eNodeTMNonFinite)
-            Log(eLogWarning, "Warning: '%s' has a transform with non-finite values; the identity is used.", name.c_str());
+            Log(eLogWarning, "Warning: '%s' has a transform with non-finite values; the identity is used.",
+                name.c_str());
         else
-            Log(eLogDetail, "\"%s\": sheared transform; position, rotation and scale keep its nearest unsheared form.",
+            Log(eLogDetail,
+                "\"%s\": sheared transform; position, rotation and scale keep its nearest unsheared form.",
                 name.c_str());
     }
     return tm;
@@ -232,7 +248,8 @@ SNodeTM CFiller::Sample(const QMXTMATRIXf& local, const std::string& name, bool&
 void CFiller::SampleNode(CNode& node, int g, const QMXTMATRIXf* view)
 {
     bool warned = false;
-    auto localAt = [&](int frame) {
+    auto localAt = [&](int frame)
+    {
         QMXTMATRIXf local = AssimpRowMatrix(m_sampler.Local(g, frame));
         if (view)
             QMXTMatrixMultiplyF(local, *view, local);
@@ -259,7 +276,8 @@ void CFiller::AddNode(int g)
     node.name = source.mName.C_Str();
     node.type = hasMeshes ? eNodeMesh : (full && m_joint[g] ? eNodeJoint : eNodePlain);
     // A leaf holding just one light or camera becomes that light or camera itself.
-    const bool isView = full && !hasMeshes && !m_joint[g] && m_graph.Children(g).empty() && binding.Count() == 1;
+    const bool isView =
+        full && !hasMeshes && !m_joint[g] && m_graph.Children(g).empty() && binding.Count() == 1;
     QMXTMATRIXf view;
     if (isView && !binding.lights.empty())
     {
@@ -280,7 +298,8 @@ void CFiller::AddNode(int g)
         if (node.geom.faces.empty())
         {
             node.type = eNodePlain;
-            Log(eLogWarning, "Warning: Mesh '%s' has no triangles. Exporting as a dummy node.", node.name.c_str());
+            Log(eLogWarning, "Warning: Mesh '%s' has no triangles. Exporting as a dummy node.",
+                node.name.c_str());
         }
     }
     const int index = m_content.AddNode(node);
@@ -302,8 +321,9 @@ void CFiller::AddNode(int g)
     }
     for (const aiCamera* c : binding.cameras)
     {
-        const int child = AddViewChild(index, c->mName.C_Str(), eNodeCamera,
-                                       AssimpViewFrame(AssimpCameraPosition(*c, m_quirks), c->mLookAt, c->mUp));
+        const int child =
+            AddViewChild(index, c->mName.C_Str(), eNodeCamera,
+                         AssimpViewFrame(AssimpCameraPosition(*c, m_quirks), c->mLookAt, c->mUp));
         PlaceCamera(m_content.nodes[child], *c);
         m_targets.push_back({child, std::string(c->mName.C_Str()) + ".Target", true, c->mLookAt.Length()});
     }
@@ -353,7 +373,8 @@ void CFiller::ResolveTargets()
             CNode node;
             node.parent = pending.contentNode;
             node.name = pending.targetName;
-            const float distance = pending.distance > 0.0f && std::isfinite(pending.distance) ? pending.distance : 1.0f;
+            const float distance =
+                pending.distance > 0.0f && std::isfinite(pending.distance) ? pending.distance : 1.0f;
             QMXTMATRIXf local;
             QMXTMatrixTranslationF(local, 0.0f, -distance, 0.0f); // the camera looks along -y of its frame
             NodeTMFromMatrix(node.tm, local);
@@ -383,7 +404,8 @@ void CFiller::ResolveSkins()
                 ++m;
                 continue;
             }
-            Log(eLogDetail, "\"%s\": skin left out, as some of its joints are not exported.", node.name.c_str());
+            Log(eLogDetail, "\"%s\": skin left out, as some of its joints are not exported.",
+                node.name.c_str());
             node.modifiers.erase(node.modifiers.begin() + static_cast<long>(m));
         }
     }
@@ -399,7 +421,8 @@ bool CFiller::HasSomethingToExport() const
 }
 } // namespace
 
-SAssimpFillResult FillContentFromAssimp(const aiScene& scene, const SAssimpFillSettings& settings, SContent& content)
+SAssimpFillResult FillContentFromAssimp(const aiScene& scene, const SAssimpFillSettings& settings,
+                                        SContent& content)
 {
     SAssimpFillResult result;
     try

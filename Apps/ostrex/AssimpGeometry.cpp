@@ -124,7 +124,7 @@ bool GatherInfluences(const aiMesh& mesh, const CAssimpGraph& graph, CInfluenceL
             Log(eLogError, "Error: Joint %s could not be found for skinning.", bone->mName.C_Str());
             return false;
         }
-        for (unsigned w = 0; w < bone->mNumWeights; ++w)
+        for (unsigned w = 0; bone->mWeights && w < bone->mNumWeights; ++w)
             if (bone->mWeights[w].mVertexId < mesh.mNumVertices)
                 raw[bone->mWeights[w].mVertexId].push_back({node, bone->mWeights[w].mWeight});
     }
@@ -179,7 +179,9 @@ void MeshVertices(const aiMesh& mesh, int nodeIndex, const CAssimpGraph& graph,
     const aiMatrix4x4& node0 = globals0[nodeIndex];
     if (!(std::fabs(node0.Determinant()) > 1e-30f))
     {
-        Log(eLogWarning, "Warning (%s): The node of a skinned mesh has a singular transform; the mesh keeps its bind pose.",
+        Log(eLogWarning,
+            "Warning (%s): The node of a skinned mesh has a singular transform; the mesh keeps its bind "
+            "pose.",
             graph.Node(nodeIndex).mName.C_Str());
         return;
     }
@@ -228,14 +230,16 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
         for (size_t t = 0; t < tri.size(); t += 3)
         {
             const unsigned v[3] = {tri[t], tri[t + 1], tri[t + 2]};
-            if (!IsFinite(verts.positions[v[0]]) || !IsFinite(verts.positions[v[1]]) || !IsFinite(verts.positions[v[2]]))
+            if (!IsFinite(verts.positions[v[0]]) || !IsFinite(verts.positions[v[1]]) ||
+                !IsFinite(verts.positions[v[2]]))
             {
                 ++counts.nonFinite;
                 continue;
             }
             aiVector3D faceNormal = (verts.positions[v[1]] - verts.positions[v[0]]) ^
                                     (verts.positions[v[2]] - verts.positions[v[0]]);
-            faceNormal = IsUsableNormal(faceNormal) ? Normalised(faceNormal) : aiVector3D(0, 0, 1); // degenerate
+            faceNormal =
+                IsUsableNormal(faceNormal) ? Normalised(faceNormal) : aiVector3D(0, 0, 1); // degenerate
             SFace face;
             face.group = -1;
             face.material = material;
@@ -294,7 +298,8 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
     for (unsigned i = 0; i < source.mNumMeshes; ++i)
     {
         const unsigned m = source.mMeshes ? source.mMeshes[i] : scene.mNumMeshes;
-        if (m >= scene.mNumMeshes || !scene.mMeshes[m] || !scene.mMeshes[m]->mVertices)
+        if (m >= scene.mNumMeshes || !scene.mMeshes[m] || !scene.mMeshes[m]->mVertices ||
+            !scene.mMeshes[m]->mFaces)
             continue;
         meshes.push_back(scene.mMeshes[m]);
         channelCount = std::max(channelCount, UsedChannels(*meshes.back()).size());
@@ -314,16 +319,18 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
                    graphIndex, channelCount, counts);
     }
     if (counts.skippedPrimitives)
-        Log(eLogWarning, "Warning: '%s': %u point and line primitives (or faces with bad indices) are not exported.",
+        Log(eLogWarning,
+            "Warning: '%s': %u point and line primitives (or faces with bad indices) are not exported.",
             node.name.c_str(), counts.skippedPrimitives);
     if (counts.nonFinite)
-        Log(eLogWarning, "Warning: '%s': %u triangles with non-finite positions are not exported.", node.name.c_str(),
-            counts.nonFinite);
+        Log(eLogWarning, "Warning: '%s': %u triangles with non-finite positions are not exported.",
+            node.name.c_str(), counts.nonFinite);
     if (skinned && !node.geom.faces.empty())
     {
         if (limiter.Dropped())
             Log(eLogWarning,
-                "Warning (%s): Ignoring some bone influences. \nThe maximum number of bone influences a vertex may "
+                "Warning (%s): Ignoring some bone influences. \nThe maximum number of bone influences a "
+                "vertex may "
                 "have is %i.",
                 node.name.c_str(), static_cast<int>(CInfluenceLimiter::eMaxInfluences));
         node.modifiers.push_back(std::move(skin));

@@ -16,7 +16,8 @@ QMXTMATRIXf AssimpRowMatrix(const aiMatrix4x4& m);
 
 // translation x rotation x scaling for column vectors: scale first, then rotate, then move. (The
 // importer's own constructor from these three scales the rotation's rows, not its columns.)
-aiMatrix4x4 AssimpCompose(const aiVector3D& scaling, const aiQuaternion& rotation, const aiVector3D& position);
+aiMatrix4x4 AssimpCompose(const aiVector3D& scaling, const aiQuaternion& rotation,
+                          const aiVector3D& position);
 
 // The node tree flattened depth-first, parents before children.
 class CAssimpGraph

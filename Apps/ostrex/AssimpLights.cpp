@@ -62,7 +62,8 @@ bool FillAssimpLight(const aiLight& source, const SAssimpQuirks& quirks, SLightD
         break;
     case aiLightSource_SPOT:
         light.lightType = eTVOLightSpot;
-        light.falloffAngle = quirks.coneAnglesFromAxis ? 2.0f * source.mAngleOuterCone : source.mAngleOuterCone;
+        light.falloffAngle =
+            quirks.coneAnglesFromAxis ? 2.0f * source.mAngleOuterCone : source.mAngleOuterCone;
         break;
     default:
         return false;

@@ -128,7 +128,8 @@ std::string CAssimpMaterials::TextureName(const aiString& path)
     if (known != m_embeddedNames.end())
         return known->second;
 
-    const bool tooLargeForTga = embedded->mHeight != 0 && (embedded->mWidth > 0xffff || embedded->mHeight > 0xffff);
+    const bool tooLargeForTga =
+        embedded->mHeight != 0 && (embedded->mWidth > 0xffff || embedded->mHeight > 0xffff);
     if (!embedded->pcData || embedded->mWidth == 0 || tooLargeForTga)
     {
         Log(eLogWarning, "Warning: An embedded texture of unusable size is left out.");

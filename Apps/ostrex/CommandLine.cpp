@@ -32,11 +32,11 @@ struct SOptionSpec
 };
 
 const SOptionSpec kOptions[] = {
-    {"--config", nullptr, eOptConfig, true},       {"--set", nullptr, eOptSet, true},
-    {"--profile", nullptr, eOptProfile, true},     {"--select", nullptr, eOptSelect, true},
-    {"--fps", nullptr, eOptFps, true},             {"--animation", nullptr, eOptAnimation, true},
-    {"--quiet", "-q", eOptQuiet, false},           {"--verbose", "-v", eOptVerbose, false},
-    {"--help", "-h", eOptHelp, false},             {"--list-options", nullptr, eOptListOptions, false},
+    {"--config", nullptr, eOptConfig, true},   {"--set", nullptr, eOptSet, true},
+    {"--profile", nullptr, eOptProfile, true}, {"--select", nullptr, eOptSelect, true},
+    {"--fps", nullptr, eOptFps, true},         {"--animation", nullptr, eOptAnimation, true},
+    {"--quiet", "-q", eOptQuiet, false},       {"--verbose", "-v", eOptVerbose, false},
+    {"--help", "-h", eOptHelp, false},         {"--list-options", nullptr, eOptListOptions, false},
 };
 
 const SOptionSpec* FindOption(const std::string& name)
@@ -109,8 +109,8 @@ bool ApplyOption(SCommandLine& result, const SOptionSpec& spec, const std::strin
     case eOptFps:
         if (!ParseFps(value, result.fps))
         {
-            result.error = "--fps needs a whole number from 1 to " + std::to_string(kMaxFps) + ", not '" +
-                           value + "'";
+            result.error =
+                "--fps needs a whole number from 1 to " + std::to_string(kMaxFps) + ", not '" + value + "'";
             return false;
         }
         return true;

@@ -23,9 +23,9 @@ enum ECommandAction : int
 
 enum EVerbosity : int
 {
-    eVerbosityQuiet = 0,   // errors only
-    eVerbosityNormal = 1,  // levels 0 to 3 and the progress bar
-    eVerbosityVerbose = 2  // also level-4 details
+    eVerbosityQuiet = 0,  // errors only
+    eVerbosityNormal = 1, // levels 0 to 3 and the progress bar
+    eVerbosityVerbose = 2 // also level-4 details
 };
 
 // Exit codes of the program.
@@ -48,7 +48,7 @@ struct SCommandLine
     int fps = 0;                        // --fps; 0 means the animation's own rate
     std::string animation;              // --animation name or index; empty means the first
     EVerbosity verbosity = eVerbosityNormal;
-    std::string error;                  // the usage error, for eCommandUsageError
+    std::string error; // the usage error, for eCommandUsageError
 };
 
 // Parses argv[1..argc-1]. Unknown options, missing or malformed values, a missing or extra

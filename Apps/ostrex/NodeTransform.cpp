@@ -9,14 +9,26 @@ struct SVec
     double x, y, z;
 };
 
-SVec Sub(const SVec& a, const SVec& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-SVec Scale(const SVec& a, double s) { return {a.x * s, a.y * s, a.z * s}; }
-double Dot(const SVec& a, const SVec& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+SVec Sub(const SVec& a, const SVec& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+SVec Scale(const SVec& a, double s)
+{
+    return {a.x * s, a.y * s, a.z * s};
+}
+double Dot(const SVec& a, const SVec& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
 SVec Cross(const SVec& a, const SVec& b)
 {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-double Length(const SVec& a) { return std::sqrt(Dot(a, a)); }
+double Length(const SVec& a)
+{
+    return std::sqrt(Dot(a, a));
+}
 
 // Relative length below which an axis counts as flattened.
 const double kTinyAxis = 1e-9;

@@ -15,9 +15,9 @@
 
 enum ENodeTMFit : int
 {
-    eNodeTMExact = 0,     // scaling x rotation x translation rebuilds the matrix
-    eNodeTMSheared = 1,   // the axes are not perpendicular: the rebuilt matrix loses the shear
-    eNodeTMNonFinite = 2  // the matrix holds NaN or infinity: the sample is the identity
+    eNodeTMExact = 0,    // scaling x rotation x translation rebuilds the matrix
+    eNodeTMSheared = 1,  // the axes are not perpendicular: the rebuilt matrix loses the shear
+    eNodeTMNonFinite = 2 // the matrix holds NaN or infinity: the sample is the identity
 };
 
 // Fills tm (position, rotation, scale, zero stretch, matrix) from a local matrix.

@@ -81,7 +81,10 @@ int Failure(const std::string& file, const std::string& reason)
 class CImporterLog : public Assimp::LogStream
 {
   public:
-    CImporterLog(std::vector<std::pair<int, std::string>>& messages, int level) : m_messages(messages), m_level(level) {}
+    CImporterLog(std::vector<std::pair<int, std::string>>& messages, int level)
+        : m_messages(messages), m_level(level)
+    {
+    }
     void write(const char* message) override
     {
         std::string text = message ? message : "";
@@ -104,8 +107,10 @@ class CImporterLogCapture
     CImporterLogCapture()
     {
         Assimp::DefaultLogger::create(nullptr, Assimp::Logger::NORMAL, 0);
-        Assimp::DefaultLogger::get()->attachStream(new CImporterLog(m_messages, eLogWarning), Assimp::Logger::Err);
-        Assimp::DefaultLogger::get()->attachStream(new CImporterLog(m_messages, eLogDetail), Assimp::Logger::Warn);
+        Assimp::DefaultLogger::get()->attachStream(new CImporterLog(m_messages, eLogWarning),
+                                                   Assimp::Logger::Err);
+        Assimp::DefaultLogger::get()->attachStream(new CImporterLog(m_messages, eLogDetail),
+                                                   Assimp::Logger::Warn);
     }
     ~CImporterLogCapture() { Assimp::DefaultLogger::kill(); }
     CImporterLogCapture(const CImporterLogCapture&) = delete;
@@ -148,7 +153,8 @@ bool ExportScene(const SContent& content, const SCommandLine& cl, const std::str
 int ListOptions(const SCommandLine& cl)
 {
     (void)cl;
-    std::fprintf(stderr, "ostrex: error: --list-options is not available in this build (no export options support)\n");
+    std::fprintf(
+        stderr, "ostrex: error: --list-options is not available in this build (no export options support)\n");
     return eExitFailure;
 }
 

@@ -26,9 +26,10 @@ void ExpectUsageError(std::initializer_list<const char*> args, const std::string
 
 TEST(CommandLine, FullExportLineKeepsEveryValueInOrder)
 {
-    const SCommandLine cl = Parse({"scene.gltf", "out/scene.tvo", "--config", "base.h", "--set", "bExportSkin=1",
-                                   "--select", "Arm", "--set=sScriptFile=a=b", "--profile", "Mobile", "--select=Leg",
-                                   "--fps", "24", "--animation", "Walk", "--verbose"});
+    const SCommandLine cl =
+        Parse({"scene.gltf", "out/scene.tvo", "--config", "base.h", "--set", "bExportSkin=1", "--select",
+               "Arm", "--set=sScriptFile=a=b", "--profile", "Mobile", "--select=Leg", "--fps", "24",
+               "--animation", "Walk", "--verbose"});
     ASSERT_EQ(cl.action, eCommandExport) << cl.error;
     EXPECT_EQ(cl.input, "scene.gltf");
     EXPECT_EQ(cl.output, "out/scene.tvo");
@@ -59,8 +60,9 @@ TEST(CommandLine, HelpWinsOverEverythingElse)
     EXPECT_EQ(Parse({"--help"}).action, eCommandHelp);
     EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp);
     const std::string help = CommandLineHelp();
-    for (const char* option : {"--config", "--set", "--profile", "--select", "--fps", "--animation", "--quiet",
-                               "--verbose", "--list-options", "--help", ".cpp", ".h", "Exit status"})
+    for (const char* option :
+         {"--config", "--set", "--profile", "--select", "--fps", "--animation", "--quiet", "--verbose",
+          "--list-options", "--help", ".cpp", ".h", "Exit status"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
 }
 

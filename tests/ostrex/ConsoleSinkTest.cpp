@@ -58,22 +58,24 @@ std::string RunScript(bool terminal, EVerbosity verbosity)
 
 TEST(ConsoleSink, PlainStreamGetsOneLinePerMessageWithoutEscapes)
 {
-    EXPECT_EQ(RunScript(false, eVerbosityNormal), "Complete\n"
-                                            "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
-                                            "Failed to write output file\n"
-                                            "Exported\n");
+    EXPECT_EQ(RunScript(false, eVerbosityNormal),
+              "Complete\n"
+              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+              "Failed to write output file\n"
+              "Exported\n");
 }
 
 TEST(ConsoleSink, VerboseAddsDetailsAndProgressLines)
 {
-    EXPECT_EQ(RunScript(false, eVerbosityVerbose), "[  0%] Export stage 1\n"
-                                             "Complete\n"
-                                             "\"Box\": pos anim: removed\n"
-                                             "[ 40%] Export stage 2\n"
-                                             "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
-                                             "Failed to write output file\n"
-                                             "Exported\n"
-                                             "[100%] Complete\n");
+    EXPECT_EQ(RunScript(false, eVerbosityVerbose),
+              "[  0%] Export stage 1\n"
+              "Complete\n"
+              "\"Box\": pos anim: removed\n"
+              "[ 40%] Export stage 2\n"
+              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+              "Failed to write output file\n"
+              "Exported\n"
+              "[100%] Complete\n");
 }
 
 TEST(ConsoleSink, QuietShowsErrorsOnly)

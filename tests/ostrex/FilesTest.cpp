@@ -115,7 +115,8 @@ struct SStats
 };
 
 void CheckFrameZero(const aiScene& scene, const SContent& content, const SAssimpFillResult& fill,
-                    CContentModel& model, CImporterPose& ref, float size, const std::string& file, SStats& stats)
+                    CContentModel& model, CImporterPose& ref, float size, const std::string& file,
+                    SStats& stats)
 {
     ref.At(0.0);
     for (size_t i = 0; i < content.nodes.size(); ++i)
@@ -186,7 +187,8 @@ void CheckFrameZero(const aiScene& scene, const SContent& content, const SAssimp
                                std::string(format.C_Str()) == "glTF2 Importer";
             const aiVector3D wantFrom = g * (gltf2 ? aiVector3D(0, 0, 0) : camera->mPosition);
             ASSERT_LT((aiVector3D(from.x, from.y, from.z) - wantFrom).Length(), 1e-4f * size) << where;
-            const aiVector3D view = (aiVector3D(to.x, to.y, to.z) - aiVector3D(from.x, from.y, from.z)).Normalize();
+            const aiVector3D view =
+                (aiVector3D(to.x, to.y, to.z) - aiVector3D(from.x, from.y, from.z)).Normalize();
             ASSERT_GT(view * (aiMatrix3x3(g) * camera->mLookAt).Normalize(), 0.99999f) << where;
             ++stats.cameras;
         }
@@ -216,7 +218,8 @@ void CheckLaterFrames(const aiScene& scene, const SContent& content, const SAssi
         ref.At(std::min(frame * tps / content.info.fps, last));
         for (size_t i = 0; i < content.nodes.size(); ++i)
         {
-            if (!fill.sources[i] || content.nodes[i].type == eNodeLight || content.nodes[i].type == eNodeCamera)
+            if (!fill.sources[i] || content.nodes[i].type == eNodeLight ||
+                content.nodes[i].type == eNodeCamera)
                 continue;
             const QMXTMATRIXf want = RowLayout(ref.Global(fill.sources[i]));
             const QMXTMATRIXf got = model.World(static_cast<int>(i), static_cast<float>(frame));
@@ -257,7 +260,8 @@ void CheckFile(const std::string& file, SStats& stats)
 TEST(AssimpFiles, EveryLoadableModelFillsAndMatchesTheImporter)
 {
     const std::vector<std::string> files = ModelFiles();
-    ASSERT_GT(files.size(), 300u) << "the Assimp test models are missing (scripts/install-deps installs them)";
+    ASSERT_GT(files.size(), 300u)
+        << "the Assimp test models are missing (scripts/install-deps installs them)";
     SStats stats;
     for (const std::string& file : files)
     {

@@ -126,7 +126,8 @@ TEST(AssimpFill, NodesKeepTreeNamesKindsAndTheImportersWorldMatrices)
 TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
 {
     CSceneKit kit;
-    const unsigned quad = kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2, 3}, {0, 1}}, 0);
+    const unsigned quad =
+        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2, 3}, {0, 1}}, 0);
     aiMesh& m = kit.Mesh(quad);
     m.mNormals = new aiVector3D[4]{{0, 0, 1}, {0, 0, 2}, {0, 0, 0}, {0, 0, 1}}; // one unusable
     m.mTextureCoords[0] = new aiVector3D[4]{{0, 0, 9}, {1, 0, 9}, {1, 1, 9}, {0, 1, 9}};
@@ -143,7 +144,9 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
-    EXPECT_TRUE(log.Has(eLogWarning, "Warning: 'Geo': 1 point and line primitives (or faces with bad indices) are not exported."));
+    EXPECT_TRUE(
+        log.Has(eLogWarning,
+                "Warning: 'Geo': 1 point and line primitives (or faces with bad indices) are not exported."));
     const CNode& node = content.nodes[ContentIndex(content, "Geo")];
     ASSERT_EQ(node.type, eNodeMesh);
     const SGeomData& g = node.geom;
@@ -160,7 +163,8 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
         EXPECT_EQ(f.normal[c % 3], c);
         EXPECT_EQ(g.positions[c].x, quadX[c]);
         EXPECT_EQ(g.positions[c].y, quadY[c]);
-        ExpectVecNear(g.normals[c], {0, 0, 1}, 1e-6f, "quad normal " + std::to_string(c)); // normalised, or the face's
+        ExpectVecNear(g.normals[c], {0, 0, 1}, 1e-6f,
+                      "quad normal " + std::to_string(c)); // normalised, or the face's
     }
     ExpectVecNear(g.normals[6], {-1, 0, 0}, 1e-6f, "generated normal"); // (0,0,1)x(0,1,0) of the triangle
     EXPECT_EQ(content.materials.size(), 2u);
@@ -185,7 +189,7 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
         EXPECT_EQ(ch.uvw[7].x, 0.0f);
     }
     EXPECT_EQ(g.channels[0].uvw[4].y, 1.0f);
-    EXPECT_EQ(g.channels[0].uvw[4].z, 0.0f); // two components: w is 0
+    EXPECT_EQ(g.channels[0].uvw[4].z, 0.0f);       // two components: w is 0
     EXPECT_FLOAT_EQ(g.channels[1].uvw[4].z, 0.9f); // corner 4 is vertex 2
     EXPECT_TRUE(node.modifiers.empty());
 }
@@ -246,7 +250,7 @@ TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
     texels->pcData[1] = {50, 60, 70, 80};
     texels->mFilename = "glow.bmp";
     kit.Scene().mNumTextures = 2;
-    kit.Scene().mTextures = new aiTexture*[2]{png, texels};
+    kit.Scene().mTextures = new aiTexture* [2] { png, texels };
     kit.AttachMesh(kit.AddNode(kit.Root(), "X"), Triangle(kit, 1));
     kit.AttachMesh(kit.AddNode(kit.Root(), "Y"), Triangle(kit, 1));
     kit.AttachMesh(kit.AddNode(kit.Root(), "Z"), Triangle(kit, 2));
@@ -266,7 +270,7 @@ TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
     EXPECT_EQ(m0.ambient[2], 0.3f);
     EXPECT_EQ(m0.shininess, 20.0f);
     EXPECT_EQ(m0.opacity, 1.0f);
-    const std::string slots0[] = {"brick.png", "", "", "", "bump.jpg", "scene_glow.tga", "gloss.png",
+    const std::string slots0[] = {"brick.png",      "", "", "", "bump.jpg", "scene_glow.tga", "gloss.png",
                                   "scene_tex0.png", "", ""};
     for (int s = 0; s < SMaterial::eTextureSlots; ++s)
         EXPECT_EQ(m0.textures[s], slots0[s]) << "slot " << s;
@@ -286,7 +290,8 @@ TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
     EXPECT_EQ(tga[12], 2);
     EXPECT_EQ(tga[14], 1);
     EXPECT_EQ(tga[16], 32);
-    EXPECT_EQ(std::vector<uint8_t>(tga.begin() + 18, tga.end()), (std::vector<uint8_t>{10, 20, 30, 40, 50, 60, 70, 80}));
+    EXPECT_EQ(std::vector<uint8_t>(tga.begin() + 18, tga.end()),
+              (std::vector<uint8_t>{10, 20, 30, 40, 50, 60, 70, 80}));
 }
 
 TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
@@ -297,11 +302,13 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
     kit.AddNode(b1, "B2", TRS({0, 2, 0}));
     for (const char* extra : {"B3", "B4", "B5"})
         kit.AddNode(kit.Root(), extra, TRS({0, 0, 5}));
-    const unsigned mesh = kit.AddMesh({{1, 0, 0}, {1, 2, 0}, {1, 1, 0}, {0, 0, 0}, {2, 2, 0}}, {{0, 1, 2}, {2, 3, 4}});
+    const unsigned mesh =
+        kit.AddMesh({{1, 0, 0}, {1, 2, 0}, {1, 1, 0}, {0, 0, 0}, {2, 2, 0}}, {{0, 1, 2}, {2, 3, 4}});
     kit.AttachMesh(arm, mesh);
     kit.AddMaterial(new aiMaterial);
     // Offsets: mesh space to bone space at the bind pose (globals before animation).
-    auto offset = [&](const char* bone) { return aiMatrix4x4(GlobalOf(FindNode(kit.Scene(), bone))).Inverse() * GlobalOf(arm); };
+    auto offset = [&](const char* bone)
+    { return aiMatrix4x4(GlobalOf(FindNode(kit.Scene(), bone))).Inverse() * GlobalOf(arm); };
     kit.AddBone(mesh, "B1", offset("B1"), {{0, 1.0f}, {2, 0.5f}, {4, 0.1f}});
     kit.AddBone(mesh, "B2", offset("B2"), {{1, 1.0f}, {2, 0.5f}, {4, 0.3f}});
     kit.AddBone(mesh, "B3", offset("B3"), {{4, 0.05f}});
@@ -320,9 +327,10 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
-    EXPECT_EQ(log.Count("Warning (Arm): Ignoring some bone influences. \nThe maximum number of bone influences a "
-                        "vertex may have is 4."),
-              1);
+    EXPECT_EQ(
+        log.Count("Warning (Arm): Ignoring some bone influences. \nThe maximum number of bone influences a "
+                  "vertex may have is 4."),
+        1);
     const int armIndex = ContentIndex(content, "Arm");
     const CNode& node = content.nodes[armIndex];
     ASSERT_EQ(node.modifiers.size(), 1u);
@@ -333,9 +341,14 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
         EXPECT_EQ(content.nodes[ContentIndex(content, joint)].type, eNodeJoint) << joint;
 
     // Importer's skinning at frame 0 (globals with the first keys), with the kept weights.
-    const int b[6] = {-1, ContentIndex(content, "B1"), ContentIndex(content, "B2"), ContentIndex(content, "B3"),
-                      ContentIndex(content, "B4"), ContentIndex(content, "B5")};
-    const aiMatrix4x4 g1 = TRS({0, 1, 5}), g2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, kPi / 2)), g5 = TRS({0, 0, 5});
+    const int b[6] = {-1,
+                      ContentIndex(content, "B1"),
+                      ContentIndex(content, "B2"),
+                      ContentIndex(content, "B3"),
+                      ContentIndex(content, "B4"),
+                      ContentIndex(content, "B5")};
+    const aiMatrix4x4 g1 = TRS({0, 1, 5}), g2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, kPi / 2)),
+                      g5 = TRS({0, 0, 5});
     const aiMatrix4x4 s1 = g1 * offset("B1"), s2 = g2 * offset("B2"), s5 = g5 * offset("B5");
     const aiMesh& src = kit.Mesh(mesh);
     const float t4 = 0.1f + 0.3f + 0.2f + 0.35f;
@@ -343,7 +356,8 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
                                     0.5f * (s1 * src.mVertices[2]) + 0.5f * (s2 * src.mVertices[2]),
                                     GlobalOf(arm) * src.mVertices[3],
                                     (0.1f * (s1 * src.mVertices[4]) + 0.3f * (s2 * src.mVertices[4]) +
-                                     0.2f * (s5 * src.mVertices[4]) + 0.35f * (s5 * src.mVertices[4])) / t4};
+                                     0.2f * (s5 * src.mVertices[4]) + 0.35f * (s5 * src.mVertices[4])) /
+                                        t4};
     const unsigned corners[6] = {0, 1, 2, 2, 3, 4};
     CContentModel model(content);
     const QMXTMATRIXf world = model.World(armIndex);
@@ -421,7 +435,8 @@ TEST(AssimpFill, LightsGiveTheImportersPositionDirectionAndSettings)
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
-    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
+    EXPECT_TRUE(log.Has(
+        eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
     EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Orphan' has no node; it is not exported."));
     EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
 
@@ -498,7 +513,8 @@ TEST(AssimpFill, CamerasGiveTheImportersViewFieldOfViewAndTarget)
     EXPECT_EQ(camNode.camera.nearPlane, 0.5f);
     EXPECT_EQ(camNode.camera.farPlane, 500.0f);
     QMXTVECTOR3f from, to, up;
-    const float fov = model.Model().GetCamera(from, to, up, static_cast<uint32_t>(model.CameraNumber(camIndex)));
+    const float fov =
+        model.Model().GetCamera(from, to, up, static_cast<uint32_t>(model.CameraNumber(camIndex)));
     EXPECT_EQ(fov, camNode.camera.fov);
     const aiMatrix4x4 g = GlobalOf(FindNode(kit.Scene(), "Cam"));
     const aiVector3D wantFrom = g * cam.mPosition;
@@ -562,7 +578,8 @@ TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
     for (int f : frames)
     {
         const aiMatrix4x4 want = TRS({static_cast<float>(f), 0, 0}, Turn({0, 1, 0}, kPi / 2 * f / 24.0f));
-        ExpectMatrixNear(model.World(mi, static_cast<float>(f)), RowLayout(want), 1e-5f * 24, "frame " + std::to_string(f));
+        ExpectMatrixNear(model.World(mi, static_cast<float>(f)), RowLayout(want), 1e-5f * 24,
+                         "frame " + std::to_string(f));
     }
 
     settings.animation = "1"; // by index, sampled at a chosen rate
@@ -653,12 +670,18 @@ TEST(AssimpFill, ScenesWithNothingToExportAreRefused)
     aiScene rootless;
     SContent content;
     EXPECT_EQ(FillContentFromAssimp(rootless, {}, content).error, "the file holds no scene (no root node)");
+    CSceneKit holey; // counts meshes it does not hold
+    holey.AttachMesh(holey.AddNode(holey.Root(), "A"), Triangle(holey));
+    aiMesh** meshes = holey.Scene().mMeshes;
+    holey.Scene().mMeshes = nullptr;
+    EXPECT_EQ(FillError(holey), "the scene is malformed (a list it counts entries in is missing)");
+    holey.Scene().mMeshes = meshes;
 
     CSceneKit loop; // a node reached twice is not a tree
     aiNode* a = loop.AddNode(loop.Root(), "A");
     loop.AttachMesh(a, Triangle(loop));
     loop.AddMaterial(new aiMaterial);
-    aiNode** children = new aiNode*[2]{a, a};
+    aiNode** children = new aiNode* [2] { a, a };
     delete[] loop.Root()->mChildren;
     loop.Root()->mChildren = children;
     loop.Root()->mNumChildren = 2;

@@ -40,7 +40,10 @@ class SampleTest : public ::testing::Test
         ASSERT_TRUE(m_fill.ok) << m_fill.error;
     }
 
-    const CNode& Node(const std::string& name) const { return m_content.nodes[ContentIndex(m_content, name)]; }
+    const CNode& Node(const std::string& name) const
+    {
+        return m_content.nodes[ContentIndex(m_content, name)];
+    }
 
     Assimp::Importer m_importer;
     const aiScene* m_scene = nullptr;
@@ -59,7 +62,8 @@ TEST(SampleFiles, GeneratorReproducesTheCommittedSample)
     char pattern[] = "/tmp/ostrex-sample-XXXXXX";
     ASSERT_NE(mkdtemp(pattern), nullptr);
     const std::string dir = pattern;
-    const std::string command = "python3 '" + std::string(OSTREX_SAMPLES_DIR) + "/make_sample.py' '" + dir + "'";
+    const std::string command =
+        "python3 '" + std::string(OSTREX_SAMPLES_DIR) + "/make_sample.py' '" + dir + "'";
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
     EXPECT_EQ(ReadAll(dir + "/sample.gltf"), ReadAll(kSample));
     EXPECT_EQ(ReadAll(dir + "/checker.png"), ReadAll(std::string(OSTREX_SAMPLES_DIR) + "/checker.png"));

@@ -58,7 +58,8 @@ aiNode* CSceneKit::AddNode(aiNode* parent, const std::string& name, const aiMatr
     return node;
 }
 
-unsigned CSceneKit::AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces, unsigned material)
+unsigned CSceneKit::AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces,
+                            unsigned material)
 {
     aiMesh* mesh = new aiMesh;
     mesh->mNumVertices = static_cast<unsigned>(vertices.size());
@@ -273,7 +274,8 @@ int CContentModel::CameraNumber(int contentIndex) const
 
 const aiScene* LoadLikeTheCommandLine(Assimp::Importer& importer, const std::string& path)
 {
-    return importer.ReadFile(path, aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_ValidateDataStructure);
+    return importer.ReadFile(path,
+                             aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_ValidateDataStructure);
 }
 
 int ContentIndex(const SContent& content, const std::string& name)
@@ -370,7 +372,8 @@ void CImporterPose::Walk(const aiNode* node, const aiMatrix4x4& parent, double t
         aiQuaternion r;
         node->mTransformation.Decompose(s, r, p);
         auto lerp = [](const aiVector3D& a, const aiVector3D& b, float f) { return a + (b - a) * f; };
-        auto slerp = [](const aiQuaternion& a, const aiQuaternion& b, float f) {
+        auto slerp = [](const aiQuaternion& a, const aiQuaternion& b, float f)
+        {
             aiQuaternion out;
             aiQuaternion::Interpolate(out, a, b, f);
             return out.Normalize();
@@ -443,4 +446,3 @@ std::vector<aiVector3D> ImporterCorners(const aiScene& scene, const aiNode& node
     }
     return corners;
 }
-

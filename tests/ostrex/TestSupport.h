@@ -23,7 +23,8 @@ class CSceneKit
     aiNode* Root() { return m_scene->mRootNode; }
     aiNode* AddNode(aiNode* parent, const std::string& name, const aiMatrix4x4& local = aiMatrix4x4());
     // A mesh of the given vertices and faces (each face a list of vertex indices); returns its index.
-    unsigned AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces, unsigned material = 0);
+    unsigned AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces,
+                     unsigned material = 0);
     aiMesh& Mesh(unsigned i) { return *m_scene->mMeshes[i]; }
     void AttachMesh(aiNode* node, unsigned mesh);
     unsigned AddMaterial(aiMaterial* material);

@@ -58,7 +58,8 @@ TEST(NodeTransform, RotationIsTheConjugateOfTheImportersQuaternion)
 TEST(NodeTransform, RebuildsScaledRotatedTranslatedAndMirroredMatrices)
 {
     const aiQuaternion q(aiVector3D(-0.2f, 1, 0.4f).Normalize(), 2.5f);
-    const aiVector3D scales[] = {{1, 1, 1}, {2, 2, 2}, {0.5f, 3, 7}, {-1, 1, 1}, {2, -3, -0.5f}, {-1, -1, -1}};
+    const aiVector3D scales[] = {{1, 1, 1},  {2, 2, 2},      {0.5f, 3, 7},
+                                 {-1, 1, 1}, {2, -3, -0.5f}, {-1, -1, -1}};
     for (const aiVector3D& s : scales)
     {
         const QMXTMATRIXf local = Transposed(Compose(s, q, {4, -5, 6}));
@@ -104,25 +105,6 @@ TEST(NodeTransform, ShearAndNonFiniteValuesAreReported)
     bad[13] = NAN;
     EXPECT_EQ(NodeTMFromMatrix(tm, bad), eNodeTMNonFinite);
     EXPECT_EQ(tm, SNodeTM());
-}
-
-TEST(AssimpKeys, ClampedOutsideLinearAndSphericalBetween)
-{
-    const aiVectorKey pos[] = {{1.0, {0, 0, 0}}, {3.0, {10, -4, 2}}};
-    EXPECT_EQ(SampleAssimpKeys(pos, 2, 0.0, {9, 9, 9}), aiVector3D(0, 0, 0));
-    EXPECT_EQ(SampleAssimpKeys(pos, 2, 5.0, {9, 9, 9}), aiVector3D(10, -4, 2));
-    const aiVector3D mid = SampleAssimpKeys(pos, 2, 1.5, {9, 9, 9});
-    EXPECT_FLOAT_EQ(mid.x, 2.5f);
-    EXPECT_FLOAT_EQ(mid.y, -1.0f);
-    EXPECT_EQ(SampleAssimpKeys(static_cast<const aiVectorKey*>(nullptr), 0, 1.0, {9, 9, 9}), aiVector3D(9, 9, 9));
-
-    // A quarter turn about z, sampled a third of the way: a rotation by 30 degrees.
-    const float h = std::sqrt(0.5f);
-    const aiQuatKey rot[] = {{0.0, aiQuaternion(1, 0, 0, 0)}, {3.0, aiQuaternion(h, 0, 0, h)}};
-    const aiQuaternion q = SampleAssimpKeys(rot, 2, 1.0, aiQuaternion());
-    const float angle = 3.14159265f / 6;
-    EXPECT_NEAR(q.w, std::cos(angle / 2), 1e-6f);
-    EXPECT_NEAR(q.z, std::sin(angle / 2), 1e-6f);
 }
 
 TEST(BoneInfluences, KeepsTheFourLargestAndRenormalises)
