@@ -115,6 +115,9 @@ bool CFiller::Run()
     info.endFrame = anim ? m_sampler.FrameCount() - 1 : 0;
     info.fps = m_sampler.Fps();
     m_contentOf.assign(m_graph.Count(), -1);
+    // Room for every node, light, camera and camera target, so the list never copies its nodes.
+    m_content.nodes.reserve(static_cast<size_t>(m_graph.Count()) + m_scene.mNumLights +
+                            2u * m_scene.mNumCameras);
     for (int g = 0; g < m_graph.Count(); ++g)
         if (m_state[g] != eDropped)
             AddNode(g);
@@ -271,7 +274,10 @@ void CFiller::AddNode(int g)
     const bool full = m_state[g] == eFull;
     const bool hasMeshes = full && source.mNumMeshes > 0;
 
-    CNode node;
+    // Filled in place: a node's geometry can be large and CNode copies rather than moves.
+    const int index = static_cast<int>(m_content.nodes.size());
+    CNode& node = m_content.nodes.emplace_back();
+    node.index = index;
     node.parent = m_graph.Parent(g) >= 0 ? m_contentOf[m_graph.Parent(g)] : -1;
     node.name = source.mName.C_Str();
     node.type = hasMeshes ? eNodeMesh : (full && m_joint[g] ? eNodeJoint : eNodePlain);
@@ -302,14 +308,14 @@ void CFiller::AddNode(int g)
                 node.name.c_str());
         }
     }
-    const int index = m_content.AddNode(node);
     m_contentOf[g] = index;
+    const std::string targetName = node.name + ".Target"; // node is not used below: the list may grow
     if (isView)
     {
         if (binding.cameras.empty())
-            m_targets.push_back({index, node.name + ".Target", false, 0.0f});
+            m_targets.push_back({index, targetName, false, 0.0f});
         else
-            m_targets.push_back({index, node.name + ".Target", true, binding.cameras[0]->mLookAt.Length()});
+            m_targets.push_back({index, targetName, true, binding.cameras[0]->mLookAt.Length()});
         return;
     }
     for (const aiLight* l : binding.lights)

@@ -1,6 +1,10 @@
 // Meshes and skins of the Assimp scene filler: unwelded triangle lists, smooth normals where the
 // file has none, and skinned meshes deformed at frame 0.
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <unordered_map>
 
 #include "AssimpInternal.h"
@@ -47,39 +51,49 @@ bool FaceTriangles(const aiFace& face, unsigned vertexCount, std::vector<unsigne
     return true;
 }
 
-// Smooth normals: area-weighted face normals summed over every vertex at the same place.
+// The bit pattern of a position, for grouping equal positions (a strict order even with NaN).
+std::array<uint32_t, 3> PositionBits(const aiVector3D& v)
+{
+    std::array<uint32_t, 3> bits;
+    std::memcpy(bits.data(), &v.x, sizeof(float));
+    std::memcpy(bits.data() + 1, &v.y, sizeof(float));
+    std::memcpy(bits.data() + 2, &v.z, sizeof(float));
+    return bits;
+}
+
+// Smooth normals: area-weighted face normals summed over every vertex at the same place. Vertices
+// are grouped by sorting them by position. Cost: O(v log v + corners).
 std::vector<aiVector3D> SmoothNormals(const aiMesh& mesh)
 {
-    struct SKeyHash
-    {
-        size_t operator()(const aiVector3D& v) const
-        {
-            const std::hash<float> h;
-            return h(v.x) ^ (h(v.y) * 31) ^ (h(v.z) * 131);
-        }
-    };
-    std::unordered_map<aiVector3D, aiVector3D, SKeyHash> sums;
+    const unsigned count = mesh.mNumVertices;
+    std::vector<aiVector3D> sums(count, aiVector3D(0, 0, 0));
     std::vector<unsigned> tri;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f)
     {
-        if (!FaceTriangles(mesh.mFaces[f], mesh.mNumVertices, tri))
+        if (!FaceTriangles(mesh.mFaces[f], count, tri))
             continue;
         for (size_t t = 0; t < tri.size(); t += 3)
         {
             const aiVector3D& a = mesh.mVertices[tri[t]];
             const aiVector3D n = (mesh.mVertices[tri[t + 1]] - a) ^ (mesh.mVertices[tri[t + 2]] - a);
-            if (!IsFinite(n))
-                continue;
-            for (int c = 0; c < 3; ++c)
-                sums[mesh.mVertices[tri[t + c]]] += n;
+            if (IsFinite(n))
+                for (int c = 0; c < 3; ++c)
+                    sums[tri[t + c]] += n;
         }
     }
-    std::vector<aiVector3D> normals(mesh.mNumVertices, aiVector3D(0, 0, 1));
-    for (unsigned v = 0; v < mesh.mNumVertices; ++v)
+    std::vector<std::pair<std::array<uint32_t, 3>, unsigned>> order(count);
+    for (unsigned v = 0; v < count; ++v)
+        order[v] = {PositionBits(mesh.mVertices[v]), v};
+    std::sort(order.begin(), order.end());
+    std::vector<aiVector3D> normals(count, aiVector3D(0, 0, 1));
+    for (size_t begin = 0, end = 0; begin < order.size(); begin = end)
     {
-        const auto it = sums.find(mesh.mVertices[v]);
-        if (it != sums.end() && IsUsableNormal(it->second))
-            normals[v] = Normalised(it->second);
+        aiVector3D total(0, 0, 0);
+        for (end = begin; end < order.size() && order[end].first == order[begin].first; ++end)
+            total += sums[order[end].second];
+        if (IsUsableNormal(total))
+            for (size_t i = begin; i < end; ++i)
+                normals[order[i].second] = Normalised(total);
     }
     return normals;
 }
@@ -286,6 +300,29 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
         }
     }
 }
+// Room for every corner the meshes can give, so the lists grow once.
+void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t channelCount)
+{
+    size_t faces = 0, coloured = 0;
+    for (const aiMesh* mesh : meshes)
+    {
+        size_t meshFaces = 0;
+        for (unsigned f = 0; f < mesh->mNumFaces; ++f)
+            meshFaces += mesh->mFaces[f].mNumIndices >= 3 ? mesh->mFaces[f].mNumIndices - 2 : 0;
+        faces += meshFaces;
+        coloured += mesh->mColors[0] ? meshFaces : 0;
+    }
+    geom.faces.reserve(faces);
+    geom.positions.reserve(3 * faces);
+    geom.normals.reserve(3 * faces);
+    geom.colours.reserve(3 * coloured);
+    geom.channels.resize(channelCount);
+    for (SMappingChannel& channel : geom.channels)
+    {
+        channel.faces.reserve(faces);
+        channel.uvw.reserve(3 * faces);
+    }
+}
 } // namespace
 
 void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const CAssimpGraph& graph,
@@ -305,7 +342,7 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
         channelCount = std::max(channelCount, UsedChannels(*meshes.back()).size());
         skinned = skinned || meshes.back()->mNumBones > 0;
     }
-    node.geom.channels.resize(channelCount);
+    Reserve(node.geom, meshes, channelCount);
     SModifier skin;
     skin.name = "Skin";
     skin.kind = eModifierSkin;
@@ -314,6 +351,8 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
     SMeshVertices verts;
     for (const aiMesh* mesh : meshes)
     {
+        if (skinned && skin.vertices.empty())
+            skin.vertices.reserve(node.geom.positions.capacity());
         MeshVertices(*mesh, graphIndex, graph, globals0, limiter, verts);
         AppendMesh(node.geom, skinned ? &skin : nullptr, *mesh, verts, materials.Use(mesh->mMaterialIndex),
                    graphIndex, channelCount, counts);
