@@ -32,24 +32,55 @@ class CKeepWhiteSpace
     bool m_bWas;
 };
 
-// Deepest element nesting of an XML text, counted from its tags; TinyXML parses recursively, so a
-// hostile file must not reach it with unbounded depth.
+// Deepest element nesting of an XML text, from a scan of its tags (quoted attribute values,
+// comments and CDATA sections skipped). TinyXML parses recursively, so a hostile file must not
+// reach it with unbounded depth.
 int NestingDepth(const std::string& text)
 {
     int depth = 0, deepest = 0;
-    for (size_t i = 0; i + 1 < text.size(); ++i)
+    size_t i = 0;
+    const size_t n = text.size();
+    auto skipPast = [&](const char* end) {
+        const size_t at = text.find(end, i);
+        i = at == std::string::npos ? n : at + std::strlen(end);
+    };
+    while (i < n)
     {
         if (text[i] != '<')
         {
-            if (text[i] == '/' && text[i + 1] == '>')
-                --depth;
+            ++i;
             continue;
         }
-        const char next = text[i + 1];
-        if (next == '/')
+        if (text.compare(i, 4, "<!--") == 0)
+            skipPast("-->");
+        else if (text.compare(i, 9, "<![CDATA[") == 0)
+            skipPast("]]>");
+        else if (i + 1 < n && (text[i + 1] == '!' || text[i + 1] == '?'))
+            skipPast(">");
+        else if (i + 1 < n && text[i + 1] == '/')
+        {
             --depth;
-        else if (next != '!' && next != '?')
-            deepest = std::max(deepest, ++depth);
+            skipPast(">");
+        }
+        else
+        {
+            // An opening tag: find its end outside quotes; "/>" closes it at once.
+            char quote = 0, previous = 0;
+            for (++i; i < n; ++i)
+            {
+                const char c = text[i];
+                if (quote)
+                    quote = c == quote ? 0 : quote;
+                else if (c == '"' || c == '\'')
+                    quote = c;
+                else if (c == '>')
+                    break;
+                previous = c;
+            }
+            ++i;
+            if (previous != '/')
+                deepest = std::max(deepest, ++depth);
+        }
     }
     return deepest;
 }
