@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 
 class CQMXTBoneBatches
 {
@@ -39,5 +40,11 @@ class CQMXTBoneBatches
                uint32_t nBonesPerVtx);
 
     // Frees the three arrays and clears every field.
-    void Release();
+    void Release()
+    {
+        std::free(pnBatches);
+        std::free(pnBatchBoneCnt);
+        std::free(pnBatchOffset);
+        *this = CQMXTBoneBatches();
+    }
 };

@@ -225,6 +225,7 @@ class CQMXTModelTVO : public STVOScene
     void Destroy();
 
     // Sets the current animation frame (truncated to the integer frame, the rest is the blend).
+    // Animated channels clamp to the last frame, so querying it never reads past a key array.
     void SetFrame(float frame);
     float GetFrame() const;
 

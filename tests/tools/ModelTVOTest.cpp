@@ -1,0 +1,307 @@
+// Animation queries of the scene model: channel sampling, world matrices, cache, lights, cameras,
+// bone matrices and skin weight packing.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "QMXTError.h"
+#include "QMXTModelTVO.h"
+
+namespace
+{
+float* Floats(std::initializer_list<float> v)
+{
+    float* p = static_cast<float*>(std::malloc(v.size() * sizeof(float)));
+    std::copy(v.begin(), v.end(), p);
+    return p;
+}
+
+uint32_t* Indices(std::initializer_list<uint32_t> v)
+{
+    uint32_t* p = static_cast<uint32_t*>(std::malloc(v.size() * sizeof(uint32_t)));
+    std::copy(v.begin(), v.end(), p);
+    return p;
+}
+
+char* Name(const char* s)
+{
+    char* p = static_cast<char*>(std::malloc(std::strlen(s) + 1));
+    std::strcpy(p, s);
+    return p;
+}
+
+void ExpectMatrixNear(const QMXTMATRIXf& a, const QMXTMATRIXf& b, float tol = 1e-5f)
+{
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(a[i], b[i], tol) << "element " << i;
+}
+
+// Allocates n zeroed nodes, all roots.
+void MakeNodes(CQMXTModelTVO& s, uint32_t n)
+{
+    s.nNumNode = n;
+    s.pNode = static_cast<STVONode*>(std::calloc(n, sizeof(STVONode)));
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        s.pNode[i].nIdxParent = -1;
+        s.pNode[i].pszName = Name(("node" + std::to_string(i)).c_str());
+    }
+}
+
+QMXTVECTOR3f Origin(const QMXTMATRIXf& m)
+{
+    return {m[12], m[13], m[14]};
+}
+
+const float kPi = 3.14159265f;
+} // namespace
+
+TEST(ModelTVO, NodeWithoutChannelsHasIdentityAndTranslationVectorIsUntouched)
+{
+    CQMXTModelTVO s;
+    MakeNodes(s, 1);
+    ASSERT_EQ(s.InitImpl(), 0);
+    EXPECT_TRUE(s.IsLoaded());
+    QMXTMATRIXf id;
+    QMXTMatrixIdentityF(id);
+    ExpectMatrixNear(s.GetWorldMatrixNoCache(s.pNode[0]), id, 0.0f);
+    QMXTVECTOR3f v = {7, 8, 9};
+    s.GetTranslation(v, s.pNode[0]);
+    EXPECT_EQ(v.x, 7.0f);
+    EXPECT_EQ(v.z, 9.0f);
+}
+
+TEST(ModelTVO, SetFrameSplitsIntoIntegerFrameAndBlendOnlyWhenAnimated)
+{
+    CQMXTModelTVO s;
+    MakeNodes(s, 1);
+    s.pNode[0].nAnimationFlags = eTVOHasPositionAnimation;
+    s.pNode[0].pfAnimPosition = Floats({0, 0, 0, 10, 0, 0, 20, 0, 0});
+    ASSERT_EQ(s.InitImpl(), 0);
+    s.SetFrame(5.5f); // static scene: integer frame and blend stay 0
+    EXPECT_EQ(s.GetFrame(), 5.5f);
+    QMXTVECTOR3f v;
+    s.GetTranslation(v, s.pNode[0]);
+    EXPECT_EQ(v.x, 0.0f);
+
+    s.nNumFrame = 3;
+    s.SetFrame(1.25f);
+    s.GetTranslation(v, s.pNode[0]);
+    EXPECT_FLOAT_EQ(v.x, 12.5f);
+}
+
+TEST(ModelTVO, WorldMatrixThroughParentChainAtFractionalFrames)
+{
+    // Parent: rotation from identity to a quarter turn about Z (row-vector sense) over frames 0..1,
+    // scale lerp 1 -> 3 on x. Child: translation (1, 0, 0) static, position key indexed.
+    CQMXTModelTVO s;
+    MakeNodes(s, 2);
+    s.nNumFrame = 2;
+    STVONode& parent = s.pNode[0];
+    parent.nAnimationFlags = eTVOHasRotationAnimation | eTVOHasScaleAnimation;
+    const float h = std::sin(kPi / 4);
+    // The stored quaternion of a row-vector rotation by +90 degrees about z is the axis quaternion of -90.
+    parent.pfAnimRotation = Floats({0, 0, 0, 1, 0, 0, -h, h});
+    parent.pfAnimScale = Floats({1, 1, 1, 0, 0, 0, 0, 3, 1, 1, 9, 9, 9, 9});
+    parent.pfAnimPosition = Floats({0, 0, 5});
+    STVONode& child = s.pNode[1];
+    child.nIdxParent = 0;
+    child.nAnimationFlags = eTVOHasPositionAnimation;
+    child.pnAnimPositionIdx = Indices({0, 0});
+    child.pfAnimPosition = Floats({1, 0, 0});
+    ASSERT_EQ(s.InitImpl(), 0);
+
+    // Frame 0: world = T(1,0,0) x S(1) x R(0) x T(0,0,5).
+    QMXTVECTOR3f o = Origin(s.GetWorldMatrix(child));
+    EXPECT_NEAR(o.x, 1.0f, 1e-6f);
+    EXPECT_NEAR(o.z, 5.0f, 1e-6f);
+
+    // Frame 0.5: scale x = 2, rotation 45 degrees: (1,0,0) -> (2,0,0) -> (sqrt2, sqrt2, 0) + (0,0,5).
+    s.SetFrame(0.5f);
+    o = Origin(s.GetWorldMatrix(child));
+    EXPECT_NEAR(o.x, std::sqrt(2.0f), 1e-5f);
+    EXPECT_NEAR(o.y, std::sqrt(2.0f), 1e-5f);
+    EXPECT_NEAR(o.z, 5.0f, 1e-6f);
+    ExpectMatrixNear(s.GetWorldMatrix(child), s.GetWorldMatrixNoCache(child));
+
+    // A matrix channel replaces the decomposed channels and is not interpolated.
+    child.nAnimationFlags |= eTVOHasMatrixAnimation;
+    child.pfAnimMatrix = Floats({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 7, 0, 1,   //
+                                 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 9, 0, 1});
+    s.SetFrame(0.75f);
+    QMXTMATRIXf local;
+    s.GetTransformationMatrix(local, child);
+    EXPECT_EQ(local[13], 7.0f);
+    const QMXTVECTOR3f w = Origin(s.GetWorldMatrixNoCache(child));
+    // (0,7,0) scaled by (2.5,1,1) then rotated by 67.5 degrees.
+    const float a = 0.75f * kPi / 2;
+    EXPECT_NEAR(w.x, -7.0f * std::sin(a), 1e-4f);
+    EXPECT_NEAR(w.y, 7.0f * std::cos(a), 1e-4f);
+}
+
+TEST(ModelTVO, FrameZeroAnswersFromItsCacheUntilFlushed)
+{
+    CQMXTModelTVO s;
+    MakeNodes(s, 1);
+    s.pNode[0].pfAnimPosition = Floats({1, 2, 3});
+    ASSERT_EQ(s.InitImpl(), 0);
+    s.pNode[0].pfAnimPosition[0] = 100.0f;
+    EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 1.0f);
+    s.SetFrame(0.5f);
+    EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 100.0f); // static scene: computed afresh
+    s.FlushCache();
+    EXPECT_EQ(s.GetFrame(), 0.0f);
+    EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 100.0f);
+}
+
+TEST(ModelTVO, LightsAndCamerasSitAtTheirNodesInOrder)
+{
+    // Nodes: 1 mesh node, 1 light node, 1 camera node.
+    CQMXTModelTVO s;
+    MakeNodes(s, 3);
+    s.nNumMeshNode = 1;
+    s.nNumLight = 1;
+    s.nNumCamera = 1;
+    s.nNumFrame = 2;
+    s.pLight = static_cast<STVOLight*>(std::calloc(1, sizeof(STVOLight)));
+    s.pCamera = static_cast<STVOCamera*>(std::calloc(1, sizeof(STVOCamera)));
+    s.pCamera[0].fFOV = 0.5f;
+    s.pCamera[0].pfAnimFOV = Floats({1.0f, 2.0f});
+    // Light: rotated a quarter turn about X (row vectors): row 1 becomes (0, 0, 1).
+    s.pNode[1].pfAnimPosition = Floats({1, 2, 3});
+    const float h = std::sin(kPi / 4);
+    s.pNode[1].pfAnimRotation = Floats({-h, 0, 0, h});
+    s.pNode[2].pfAnimPosition = Floats({0, 0, 10});
+    ASSERT_EQ(s.InitImpl(), 0);
+
+    QMXTVECTOR3f pos, dir;
+    s.GetLight(pos, dir, 0);
+    EXPECT_NEAR(pos.x, 1.0f, 1e-6f);
+    EXPECT_NEAR(pos.z, 3.0f, 1e-6f);
+    EXPECT_NEAR(dir.x, 0.0f, 1e-6f);
+    EXPECT_NEAR(dir.y, 0.0f, 1e-6f);
+    EXPECT_NEAR(dir.z, -1.0f, 1e-6f);
+
+    QMXTVECTOR3f from, to, up;
+    s.SetFrame(0.25f);
+    const float fov = s.GetCamera(from, to, up, 0);
+    EXPECT_FLOAT_EQ(fov, 1.25f);
+    EXPECT_EQ(from.z, 10.0f);
+    EXPECT_EQ(to.y, -1.0f); // from - row 1
+    EXPECT_EQ(to.z, 10.0f);
+    EXPECT_EQ(up.z, -1.0f); // -row 2
+    std::free(s.pCamera[0].pfAnimFOV);
+    s.pCamera[0].pfAnimFOV = nullptr;
+    EXPECT_EQ(s.GetCameraPos(from, to, 0), 0.5f);
+}
+
+TEST(ModelTVO, BoneWorldMatrixCarriesTheBindPoseToTheCurrentFrame)
+{
+    // Mesh at (0,0,1); bone at (2,0,0) at frame 0 moving to (2,3,0) at frame 1.
+    CQMXTModelTVO s;
+    MakeNodes(s, 2);
+    s.nNumFrame = 2;
+    s.pNode[0].pfAnimPosition = Floats({0, 0, 1});
+    s.pNode[1].nAnimationFlags = eTVOHasPositionAnimation;
+    s.pNode[1].pfAnimPosition = Floats({2, 0, 0, 2, 3, 0});
+    ASSERT_EQ(s.InitImpl(), 0);
+    s.SetFrame(1.0f);
+    const QMXTMATRIXf m = s.GetBoneWorldMatrix(s.pNode[0], s.pNode[1]);
+    // A mesh-space vertex at the origin is at (0,0,1) in the world at bind time and follows the
+    // bone by (0,3,0).
+    EXPECT_NEAR(m[12], 0.0f, 1e-6f);
+    EXPECT_NEAR(m[13], 3.0f, 1e-6f);
+    EXPECT_NEAR(m[14], 1.0f, 1e-6f);
+    EXPECT_EQ(s.GetFrame(), 1.0f);
+}
+
+TEST(ModelTVO, SkinWeightsRoundUpToExactly255)
+{
+    uint8_t idx[4] = {9, 9, 9, 9}, w[4] = {9, 9, 9, 9};
+    const int bones[4] = {3, 7, 1, 2};
+    const float half[2] = {0.5f, 0.5f};
+    EXPECT_FALSE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 2, bones, half));
+    EXPECT_EQ(w[0], 128);
+    EXPECT_EQ(w[1], 127);
+    EXPECT_EQ(w[2], 0);
+    EXPECT_EQ(w[3], 0);
+    EXPECT_EQ(idx[0], 3);
+    EXPECT_EQ(idx[1], 7);
+    EXPECT_EQ(idx[2], 0);
+
+    const float thirds[3] = {0.333f, 0.333f, 0.334f}; // 84 + 84 + 85 = 253 -> 85, 85, 85
+    EXPECT_FALSE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 3, bones, thirds));
+    EXPECT_EQ(w[0] + w[1] + w[2] + w[3], 255);
+    EXPECT_EQ(w[0], 85);
+    EXPECT_EQ(w[2], 85);
+
+    EXPECT_FALSE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 0, bones, half));
+    EXPECT_EQ(w[0] + w[1] + w[2] + w[3], 0);
+
+    const float zeros[2] = {0.001f, 0.0f};
+    std::memset(w, 9, 4);
+    EXPECT_TRUE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 2, bones, zeros));
+    EXPECT_EQ(w[0], 9); // untouched on failure
+}
+
+TEST(ModelTVO, BoneIndexAbove255FailsWithMessage)
+{
+    std::string said;
+    QMXTErrorSink previous = QMXTSetErrorSink([&](const std::string& t) { said += t; });
+    uint8_t idx[4] = {1, 2, 3, 4}, w[4] = {5, 6, 7, 8};
+    const int bones[2] = {0, 256};
+    const float weights[2] = {0.5f, 0.5f};
+    EXPECT_TRUE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 2, bones, weights));
+    QMXTSetErrorSink(previous);
+    EXPECT_EQ(said, "Too many bones (highest index is 255).\n");
+    EXPECT_EQ(idx[0], 1);
+    EXPECT_EQ(w[3], 8);
+}
+
+TEST(ModelTVO, AnimArraySizeAndIndexCount)
+{
+    EXPECT_EQ(QMXTModelTVOGetAnimArraySize(nullptr, 10, 7), 70u);
+    const uint32_t idx[4] = {0, 16, 16, 0};
+    EXPECT_EQ(QMXTModelTVOGetAnimArraySize(idx, 4, 16), 32u);
+    STVOMesh m{};
+    m.nNumFaces = 10;
+    EXPECT_EQ(QMXTModelTVOCountIndices(m), 30u);
+    m.nNumStrips = 3;
+    EXPECT_EQ(QMXTModelTVOCountIndices(m), 16u);
+}
+
+TEST(ModelTVO, DestroyFreesOnlyWhatTheModelOwns)
+{
+    // Filled but never given InitImpl: ownership is tied to the private part, nothing is freed.
+    STVONode* nodes = static_cast<STVONode*>(std::calloc(1, sizeof(STVONode)));
+    {
+        CQMXTModelTVO s;
+        s.nNumNode = 1;
+        s.pNode = nodes;
+        s.Destroy();
+        EXPECT_EQ(s.pNode, nodes);
+        s.pNode = nullptr; // the destructor would otherwise leave it alone too
+        s.nNumNode = 0;
+    }
+    std::free(nodes);
+
+    // Loaded: every array is freed (the sanitizer's leak check proves it) and counts cleared.
+    CQMXTModelTVO s;
+    MakeNodes(s, 2);
+    s.pNode[0].pfAnimPosition = Floats({1, 2, 3});
+    s.pNode[1].pUserData = static_cast<uint8_t*>(std::malloc(4));
+    s.nNumMesh = 1;
+    s.pMesh = static_cast<STVOMesh*>(std::calloc(1, sizeof(STVOMesh)));
+    s.pMesh[0].sVertex.pData = static_cast<uint8_t*>(std::malloc(12));
+    s.pMesh[0].nNumUVW = 1;
+    s.pMesh[0].psUVW = static_cast<CTVOData*>(std::calloc(1, sizeof(CTVOData)));
+    s.pMesh[0].psUVW[0].pData = static_cast<uint8_t*>(std::malloc(8));
+    ASSERT_EQ(s.InitImpl(), 0);
+    s.Destroy();
+    EXPECT_FALSE(s.IsLoaded());
+    EXPECT_EQ(s.nNumNode, 0u);
+    EXPECT_EQ(s.pMesh, nullptr);
+}
