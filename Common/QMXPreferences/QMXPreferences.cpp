@@ -204,7 +204,7 @@ bool CQMXPreferences::Load(CQMXTString& errors, bool trackChanges)
 bool CQMXPreferences::Reload(CQMXTString& errors)
 {
     // The stamp is taken before reading: a change that lands meanwhile only causes one more reload.
-    m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_uiHash);
+    m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_hash);
     std::string text;
     SQMXPrefFile file;
     if (!m_pImpl->OpenPreferenceFile(file, m_sName.c_str(), eQMXPrefRead, m_eType, false))
@@ -216,7 +216,7 @@ bool CQMXPreferences::Reload(CQMXTString& errors)
     const bool read = ReadAll(file.pFile, text, kMaxFileSize);
     m_pImpl->CloseFile(file, false);
     if (!m_bHashValid)
-        m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_uiHash);
+        m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_hash);
 
     auto doc = std::make_unique<TiXmlDocument>();
     const bool parsed = read && ParseDocument(*doc, text);
@@ -246,8 +246,8 @@ bool CQMXPreferences::RefreshIfChanged()
         return false;
     if (!m_bTrackChanges || m_bDirty)
         return true;
-    uint32_t hash = 0;
-    if (m_bHashValid && m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, hash) && hash == m_uiHash)
+    CQMXTHash hash;
+    if (m_bHashValid && m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, hash) && hash == m_hash)
         return true;
     m_sLastLoadMessages.clear();
     return Reload(m_sLastLoadMessages);
@@ -320,7 +320,7 @@ bool CQMXPreferences::Save(bool force)
     {
         m_bDirty = false;
         m_touched.clear();
-        m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_uiHash);
+        m_bHashValid = m_pImpl->LastModificationTimeHash(m_sName.c_str(), m_eType, m_hash);
     }
     if (locked)
         m_pImpl->Unlock();

@@ -162,7 +162,7 @@ class CQMXPreferences
     std::unique_ptr<CQMXPreferencesImpl> m_pImpl;
     CQMXTString m_sName;
     EPreferenceType m_eType;
-    uint32_t m_uiHash = 0;      // change stamp of the file when last read or written
+    CQMXTHash m_hash;           // change stamp of the file when last read or written
     bool m_bHashValid = false;
     bool m_bTrackChanges = false;
     bool m_bDirty = false;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "QMXTHash.h"
 #include "QMXTString.h"
 
 enum EPreferenceType : int
@@ -45,7 +46,7 @@ class CQMXPreferencesImpl
     // unchanged and no temporary file is left.
     virtual bool CloseFile(SQMXPrefFile& file, bool commit) = 0;
     // A hash that changes whenever the file is replaced or modified; false if it does not exist.
-    virtual bool LastModificationTimeHash(const char* name, EPreferenceType type, uint32_t& hash) = 0;
+    virtual bool LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash) = 0;
     // Serialises the read-merge-write of a save between processes. Lock returns false when no lock
     // could be had; the save then goes on without one.
     virtual bool Lock(const char* name, EPreferenceType type) = 0;

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -20,15 +21,6 @@ namespace
 {
 const char* const kConfigDir = "/.qmxconfig";
 const char* const kVendorDir = "/.qmxconfig/Corvell";
-
-// 32-bit FNV-1 over a run of bytes, continuing from hash.
-uint32_t Fnv1(uint32_t hash, const void* data, size_t size)
-{
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    for (size_t i = 0; i < size; ++i)
-        hash = (hash * 16777619u) ^ bytes[i];
-    return hash;
-}
 
 bool MakeDirectory(const CQMXTString& path)
 {
@@ -189,7 +181,7 @@ bool CQMXPreferencesUnix::CloseFile(SQMXPrefFile& file, bool commit)
     return ok && commit;
 }
 
-bool CQMXPreferencesUnix::LastModificationTimeHash(const char* name, EPreferenceType type, uint32_t& hash)
+bool CQMXPreferencesUnix::LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash)
 {
     const CQMXTString path = GetPreferenceFilePath(name, type);
     struct stat st;
@@ -197,7 +189,7 @@ bool CQMXPreferencesUnix::LastModificationTimeHash(const char* name, EPreference
         return false;
     const uint64_t fields[] = {static_cast<uint64_t>(st.st_ino), static_cast<uint64_t>(st.st_size),
                                static_cast<uint64_t>(st.st_mtim.tv_sec), static_cast<uint64_t>(st.st_mtim.tv_nsec)};
-    hash = Fnv1(0x811C9DC5u, fields, sizeof fields);
+    hash.MakeHash(fields, sizeof fields[0], sizeof fields / sizeof fields[0]);
     return true;
 }
 

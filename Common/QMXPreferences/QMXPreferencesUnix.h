@@ -6,8 +6,8 @@
 // directory, which is flushed with fsync and renamed over the real file. rename replaces the file
 // in one step, so the real file is never removed first and a reader always finds a whole file.
 // A missing file is created from the template the same way, and only if no other process created
-// it meanwhile. The change hash is FNV-1 over the file's inode, size and modification time (seconds
-// and nanoseconds). The save lock is flock on the preferences directory.
+// it meanwhile. The change hash is CQMXTHash (FNV-1) over the file's inode, size and modification
+// time (seconds and nanoseconds). The save lock is flock on the preferences directory.
 #pragma once
 
 #include "QMXPreferencesImpl.h"
@@ -22,7 +22,7 @@ class CQMXPreferencesUnix : public CQMXPreferencesImpl
     bool OpenPreferenceFile(SQMXPrefFile& file, const char* name, EQMXPrefFileMode mode,
                             EPreferenceType type, bool useTemporary) override;
     bool CloseFile(SQMXPrefFile& file, bool commit) override;
-    bool LastModificationTimeHash(const char* name, EPreferenceType type, uint32_t& hash) override;
+    bool LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash) override;
     bool Lock(const char* name, EPreferenceType type) override;
     void Unlock() override;
     CQMXTString GetHomeDirectory() override;
