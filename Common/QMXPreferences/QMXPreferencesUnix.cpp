@@ -178,7 +178,7 @@ bool CQMXPreferencesUnix::CloseFile(SQMXPrefFile& file, bool commit)
             unlink(file.sTempPath.c_str());
         file.sTempPath.clear();
     }
-    return ok && commit;
+    return ok;
 }
 
 bool CQMXPreferencesUnix::LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash)
