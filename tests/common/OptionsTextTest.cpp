@@ -260,6 +260,11 @@ TEST(OptionsText, AnyTextParsesWithoutHarm)
             ASSERT_GT(options.GetOption(format, CVectorOpt::eDataType), EQMXTDataNone);
             ASSERT_LT(options.GetOption(format, CVectorOpt::eDataType), EQMXTDataTypeCount);
         }
+        // What ToString writes reads back to the same text.
+        const CQMXTString written = options.ToString();
+        COptionsData again;
+        again.SetFromString(written.c_str());
+        ASSERT_STREQ(again.ToString().c_str(), written.c_str()) << "input: " << text;
     }
     COptionsData options;
     const std::string huge = "sClPostArgs=" + std::string(4u << 20, 'x');
