@@ -166,7 +166,7 @@ bool CQMXPreferencesUnix::CloseFile(SQMXPrefFile& file, bool commit)
         return false;
     bool ok = true;
     if (commit)
-        ok = std::fflush(file.pFile) == 0 && fsync(fileno(file.pFile)) == 0;
+        ok = std::fflush(file.pFile) == 0 && (!m_bSyncToDisk || fsync(fileno(file.pFile)) == 0);
     ok = (std::fclose(file.pFile) == 0) && ok;
     file.pFile = nullptr;
 
