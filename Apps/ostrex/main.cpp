@@ -15,6 +15,7 @@
 #include "AssimpContent.h"
 #include "CommandLine.h"
 #include "ConsoleSink.h"
+#include "ExportOptions.h"
 #include "Log.h"
 #include "SafeOutput.h"
 
@@ -126,43 +127,48 @@ class CImporterLogCapture
     std::vector<std::pair<int, std::string>> m_messages;
 };
 
-// The export options from the command line: defaults, then --profile, --config and --set in turn.
-// PENDING: the options class and the preferences store are not part of this build yet. Until they
-// are, only the defaults are available and any request for other options is refused.
-bool PrepareOptions(const SCommandLine& cl, std::string& error)
-{
-    if (cl.profile.empty() && cl.configFile.empty() && cl.settings.empty())
-        return true;
-    error = "--profile, --config and --set are not available in this build (no export options support)";
-    return false;
-}
-
-// Builds the scene model from the content and writes it to path (the output kind from
-// OutputFormatForPath(cl.output)).
-// PENDING: the scene builder is not part of this build yet. Until it is, the export fails honestly
-// and nothing is written.
-bool ExportScene(const SContent& content, const SCommandLine& cl, const std::string& path, std::string& error)
+// Builds the scene model from the content with the options and writes it to path (the options
+// carry the output kind).
+// PENDING: the scene builder (CTVO::Process, CTVO::Write) is not part of this build yet. Until it
+// is, the export fails honestly and nothing is written.
+bool ExportScene(const SContent& content, COptions& options, const std::string& path, std::string& error)
 {
     (void)content;
-    (void)cl;
+    (void)options;
     (void)path;
     error = "export not available in this build";
     return false;
 }
 
+// Reports an options problem: a usage error (exit 2) or a failure naming its file (exit 1).
+int OptionsFailure(const SOptionsOutcome& outcome)
+{
+    if (outcome.exitCode == eExitUsage)
+    {
+        std::fprintf(stderr, "ostrex: usage error: %s\n%s\n", outcome.error.c_str(),
+                     CommandLineHint().c_str());
+        return eExitUsage;
+    }
+    return Failure(outcome.subject, outcome.error);
+}
+
 int ListOptions(const SCommandLine& cl)
 {
-    (void)cl;
-    std::fprintf(
-        stderr, "ostrex: error: --list-options is not available in this build (no export options support)\n");
-    return eExitFailure;
+    COptions options;
+    const SOptionsOutcome outcome = PrepareExportOptions(cl, options);
+    if (!outcome.ok)
+        return OptionsFailure(outcome);
+    std::fputs(ListExportOptions(options).c_str(), stdout);
+    return eExitSuccess;
 }
 
 int Export(const SCommandLine& cl)
 {
     std::string error;
-    if (!PrepareOptions(cl, error))
-        return Failure(cl.output, error);
+    COptions options;
+    const SOptionsOutcome prepared = PrepareExportOptions(cl, options);
+    if (!prepared.ok)
+        return OptionsFailure(prepared);
 
     std::FILE* probe = std::fopen(cl.input.c_str(), "rb");
     if (!probe)
@@ -193,7 +199,8 @@ int Export(const SCommandLine& cl)
     importer.FreeScene();
 
     CSafeOutput output(cl.output);
-    if (!output.Begin(error) || !ExportScene(content, cl, output.TempPath(), error) || !output.Commit(error))
+    if (!output.Begin(error) || !ExportScene(content, options, output.TempPath(), error) ||
+        !output.Commit(error))
         return Failure(cl.output, error);
     for (const SEmbeddedTexture& texture : filled.textures)
     {
@@ -219,14 +226,13 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "ostrex: usage error: %s\n%s\n", cl.error.c_str(), CommandLineHint().c_str());
         return eExitUsage;
     case eCommandListOptions:
-        return ListOptions(cl);
     case eCommandExport:
         break;
     }
 
     CConsoleSink sink(stderr, CConsoleSink::IsTerminal(stderr), cl.verbosity);
     ILogSink* previous = SetLogSink(&sink);
-    const int code = Export(cl);
+    const int code = cl.action == eCommandListOptions ? ListOptions(cl) : Export(cl);
     sink.Finish();
     SetLogSink(previous);
     return code;

@@ -90,7 +90,20 @@ TEST_F(CliTest, HelpAndUsageErrors)
     EXPECT_EQ(run.code, 2);
     EXPECT_EQ(run.err,
               "ostrex: usage error: unknown option '--bogus'\nTry 'ostrex --help' for more information.\n");
+    run = Run({"in.obj", "out.tvo", "--set", "bNoSuchOption=1"});
+    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.err.rfind("ostrex: usage error: --set bNoSuchOption=1 sets nothing", 0), 0u) << run.err;
     EXPECT_TRUE(Entries().empty());
+}
+
+TEST_F(CliTest, ListOptionsPrintsTheOptionsAfterSettings)
+{
+    const SRun run = Run({"--list-options", "--set", "uiBoneLimit=5", "--set", "bExportSkin=1"});
+    EXPECT_EQ(run.code, 0) << run.err;
+    EXPECT_NE(run.out.find("\nuiBoneLimit=5 "), std::string::npos);
+    EXPECT_NE(run.out.find("\nbExportSkin=1 "), std::string::npos);
+    EXPECT_EQ(run.out.rfind("bFlipTextureV=0 ", 0), 0u);
+    EXPECT_TRUE(run.err.empty()) << run.err;
 }
 
 // Inputs that cannot be exported fail with one line naming the input and the reason, and create
