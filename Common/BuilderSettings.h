@@ -23,6 +23,29 @@ enum EExportFormatValue : uint32_t
     eExpSource = 2  // .cpp wrapping the .tvo (same text as the header)
 };
 
+// Vertex formats, in option order: the stream each option steers.
+enum EVertexFormatIndex : uint32_t
+{
+    eVFPosition = 0,
+    eVFNormal,
+    eVFTangent,
+    eVFBinormal,
+    eVFColour,
+    eVFBoneIndices,
+    eVFBoneWeights,
+    eVFUVW0, // UVW set i is eVFUVW0 + i, up to set 7
+    eVFCount = eVFUVW0 + 8
+};
+
+// Output format of one vertex stream: written or not, data type, component mask (bits 0-3 select
+// x, y, z, w; bit 7 belongs to the options window).
+struct SVertexFormat
+{
+    bool bExport;
+    uint32_t eType;
+    uint32_t nMask;
+};
+
 struct SBuilderSettings
 {
     bool bFlipTextureV = false;
@@ -46,11 +69,14 @@ struct SBuilderSettings
     uint32_t uiBoneLimit = 9;
     uint32_t uiPadDataTo = 4;
     uint32_t uiTSUseUVW = 0;
-    // Export flags of the vertex formats the assembly and geometry pass look at.
-    bool bExportNormals = true;
-    bool bExportColours = false;
-    bool bExportTangents = true;
-    bool bExportBinormals = true;
+    bool bUnpackMatrix = false;
+    SVertexFormat formats[eVFCount] = {
+        {true, 1, 0x87},  {true, 1, 0x87},  {true, 1, 0x87},  {true, 1, 0x87},  {false, 5, 0x0F},
+        {true, 10, 0x0F}, {true, 1, 0x0F},  {true, 1, 0x83},  {false, 1, 0x83}, {false, 1, 0x83},
+        {false, 1, 0x83}, {false, 1, 0x83}, {false, 1, 0x83}, {false, 1, 0x83}, {false, 1, 0x83},
+    };
 
     bool IsDirectX() const { return eCoordSystem == eCSDirectX; }
+    bool ExportNormals() const { return formats[eVFNormal].bExport; }
+    bool ExportColours() const { return formats[eVFColour].bExport; }
 };

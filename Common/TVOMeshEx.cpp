@@ -316,7 +316,7 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
         v.position[1] = p.y;
         v.position[2] = p.z;
         v.group = face.group;
-        if (settings.bExportNormals)
+        if (settings.ExportNormals())
         {
             const QMXTVECTOR3f& n = geom->normals[face.normal[c]];
             v.normal[0] = n.x;
@@ -331,7 +331,7 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
             v.uvw[s] = ch.uvw[ch.faces[faceIndex].idx[c]];
         }
         v.colour.clear();
-        if (settings.bExportColours && face.colour[c] >= 0)
+        if (settings.ExportColours() && face.colour[c] >= 0)
             v.colour.push_back(PackColour(geom->colours[face.colour[c]]));
         v.boneIndices.clear();
         v.boneWeights.clear();
@@ -376,7 +376,7 @@ bool CTVOMeshEx::Finalise(const SBuilderSettings& settings)
         std::memcpy(mesh.sFaces.pData, tris.Data(), static_cast<size_t>(nt) * 12);
 
     ok = ok && MakeStream(mesh.sVertex, EQMXTDataFloat, 3, nv);
-    ok = ok && MakeStream(mesh.sNormals, EQMXTDataFloat, settings.bExportNormals ? 3 : 0, nv);
+    ok = ok && MakeStream(mesh.sNormals, EQMXTDataFloat, settings.ExportNormals() ? 3 : 0, nv);
     ok = ok && MakeStream(mesh.sTangents, EQMXTDataFloat, 0, nv);
     ok = ok && MakeStream(mesh.sBinormals, EQMXTDataFloat, 0, nv);
     float* pos = reinterpret_cast<float*>(mesh.sVertex.pData);

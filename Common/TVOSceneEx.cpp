@@ -94,9 +94,9 @@ bool ValidateGeometry(const SGeomData& g, const SBuilderSettings& s)
         {
             if (!inRange(face.pos[c], g.positions.size()))
                 return false;
-            if (s.bExportNormals && !inRange(face.normal[c], g.normals.size()))
+            if (s.ExportNormals() && !inRange(face.normal[c], g.normals.size()))
                 return false;
-            if (s.bExportColours && face.colour[c] >= 0 && !inRange(face.colour[c], g.colours.size()))
+            if (s.ExportColours() && face.colour[c] >= 0 && !inRange(face.colour[c], g.colours.size()))
                 return false;
             for (const SMappingChannel& ch : g.channels)
                 if (!inRange(ch.faces[f].idx[c], ch.uvw.size()))

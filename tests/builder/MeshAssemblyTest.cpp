@@ -142,7 +142,7 @@ TEST(MeshAssembly, FacesBecomeWeldedStreams)
     g.faces[1].colour[2] = 0; // corner 2 of face 1 (position 3) has a colour
 
     SBuilderSettings s;
-    s.bExportColours = true;
+    s.formats[eVFColour].bExport = true;
     CTVOMeshEx m;
     m.Init(static_cast<uint32_t>(g.faces.size()), 1);
     for (uint32_t f = 0; f < g.faces.size(); ++f)
@@ -186,7 +186,7 @@ TEST(MeshAssembly, VIsFlippedWhenExactlyOneOfDirectXAndFlipHolds)
             SBuilderSettings s;
             s.eCoordSystem = static_cast<uint32_t>(cs);
             s.bFlipTextureV = flip != 0;
-            s.bExportNormals = false;
+            s.formats[eVFNormal].bExport = false;
             CTVOMeshEx m;
             m.Init(2, 1);
             m.AddFace(0, &g, nullptr, s);
