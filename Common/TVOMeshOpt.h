@@ -6,7 +6,7 @@
 // the data type and components its vertex format asks for, adapted to the coordinate system; the
 // mesh leaves it de-interleaved, for Process to interleave with the chosen padding.
 //
-// Coordinate system: with eCSDirectX the z component of positions, normals, tangents and
+// Coordinate system: with eCoordSystemDirectX the z component of positions, normals, tangents and
 // binormals is negated (a mirror through the xy plane, matching the z negation of node animation),
 // so the geometry pass reverses every triangle's winding to keep faces front-facing, and mesh
 // assembly already stored V as 1 - V. Tangents are generated before the mirror from the stored

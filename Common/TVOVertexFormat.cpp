@@ -33,12 +33,13 @@ bool MaskChannels(uint32_t mask, uint32_t n, int32_t channels[5])
 
 // One stream to its vertex format. Scalar streams are shredded before conversion (so any type can
 // be reduced), packed ones (colours) after conversion to a scalar type.
-bool FormatStream(CTVOData& d, uint32_t vertexCount, const SVertexFormat& fmt, bool mirrorZ, bool quantise,
+bool FormatStream(CTVOData& d, uint32_t vertexCount, const CVectorOpt& fmt, bool mirrorZ, bool quantise,
                   STVOMesh& mesh, bool isPosition)
 {
     if (d.n == 0 || !d.pData)
         return true;
-    if (!fmt.bExport || (fmt.nMask & 0xF) == 0)
+    const uint32_t mask = fmt.GetOption(CVectorOpt::eEnable);
+    if (!fmt.GetOption(CVectorOpt::eExport) || (mask & 0xF) == 0)
     {
         d.Reset();
         return true;
@@ -52,10 +53,10 @@ bool FormatStream(CTVOData& d, uint32_t vertexCount, const SVertexFormat& fmt, b
     }
     int32_t channels[5];
     const bool wasPacked = IsPacked(d.eType);
-    if (!wasPacked && MaskChannels(fmt.nMask, d.n, channels) &&
+    if (!wasPacked && MaskChannels(mask, d.n, channels) &&
         QMXTModelTVODataShred(d, vertexCount, channels) != 0)
         return false;
-    const EQMXTDataType target = static_cast<EQMXTDataType>(fmt.eType);
+    const EQMXTDataType target = fmt.GetOption(CVectorOpt::eDataType);
     if (isPosition && quantise && target != EQMXTDataFloat)
     {
         if (QMXTModelTVOScaleAndConvertVtxData(mesh, target) != 0)
@@ -63,7 +64,7 @@ bool FormatStream(CTVOData& d, uint32_t vertexCount, const SVertexFormat& fmt, b
     }
     else if (QMXTModelTVODataConvert(d, vertexCount, target) != 0)
         return false;
-    if (wasPacked && !IsPacked(d.eType) && MaskChannels(fmt.nMask, d.n, channels) &&
+    if (wasPacked && !IsPacked(d.eType) && MaskChannels(mask, d.n, channels) &&
         QMXTModelTVODataShred(d, vertexCount, channels) != 0)
         return false;
     return true;
@@ -87,12 +88,12 @@ bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
         bool mirror;
     };
     std::vector<SStream> streams = {
-        {&mesh.sVertex, eVFPosition, mirror},      {&mesh.sNormals, eVFNormal, mirror},
-        {&mesh.sTangents, eVFTangent, mirror},     {&mesh.sBinormals, eVFBinormal, mirror},
-        {&mesh.sVtxColours, eVFColour, false},     {&mesh.sBoneIdx, eVFBoneIndices, false},
-        {&mesh.sBoneWeight, eVFBoneWeights, false}};
+        {&mesh.sVertex, COptionsData::eVcOptPos, mirror},      {&mesh.sNormals, COptionsData::eVcOptNor, mirror},
+        {&mesh.sTangents, COptionsData::eVcOptTan, mirror},    {&mesh.sBinormals, COptionsData::eVcOptBin, mirror},
+        {&mesh.sVtxColours, COptionsData::eVcOptCol, false},   {&mesh.sBoneIdx, COptionsData::eVcOptBoneInd, false},
+        {&mesh.sBoneWeight, COptionsData::eVcOptBoneWt, false}};
     for (uint32_t i = 0; i < mesh.nNumUVW && i < 8; ++i)
-        streams.push_back({&mesh.psUVW[i], eVFUVW0 + i, false});
+        streams.push_back({&mesh.psUVW[i], COptionsData::eVcOptUVW0 + i, false});
     for (const SStream& st : streams)
         if (!FormatStream(*st.data, n, s.formats[st.format], st.mirror, s.bUnpackMatrix, mesh,
                           st.data == &mesh.sVertex))

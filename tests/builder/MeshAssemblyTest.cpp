@@ -142,7 +142,7 @@ TEST(MeshAssembly, FacesBecomeWeldedStreams)
     g.faces[1].colour[2] = 0; // corner 2 of face 1 (position 3) has a colour
 
     SBuilderSettings s;
-    s.formats[eVFColour].bExport = true;
+    s.formats[COptionsData::eVcOptCol].SetOption(CVectorOpt::eExport, true);
     CTVOMeshEx m;
     m.Init(static_cast<uint32_t>(g.faces.size()), 1);
     for (uint32_t f = 0; f < g.faces.size(); ++f)
@@ -184,9 +184,9 @@ TEST(MeshAssembly, VIsFlippedWhenExactlyOneOfDirectXAndFlipHolds)
         for (int flip = 0; flip <= 1; ++flip)
         {
             SBuilderSettings s;
-            s.eCoordSystem = static_cast<uint32_t>(cs);
+            s.eCoordSystem = static_cast<ECoordSystem>(cs);
             s.bFlipTextureV = flip != 0;
-            s.formats[eVFNormal].bExport = false;
+            s.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, false);
             CTVOMeshEx m;
             m.Init(2, 1);
             m.AddFace(0, &g, nullptr, s);

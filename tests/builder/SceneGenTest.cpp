@@ -281,7 +281,7 @@ TEST(SceneGen, SkinWithMissingVerticesIsIgnoredAndBadIndicesFail)
     EXPECT_FALSE(bad.GenA(&content, SBuilderSettings()));
     EXPECT_TRUE(sink.Has(eLogError, "Error: 'Cube' has geometry indices out of range."));
     SBuilderSettings noNormals;
-    noNormals.formats[eVFNormal].bExport = false; // the bad normal index is not read then
+    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, false); // the bad normal index is not read then
     CTVOSceneEx fine;
     EXPECT_TRUE(fine.GenA(&content, noNormals));
     content.nodes[0].geom.channels[0].faces.pop_back();

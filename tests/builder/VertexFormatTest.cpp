@@ -56,7 +56,7 @@ TEST(VertexFormat, DefaultsGiveShortIndicesTwoUVComponentsAndDropUnwrittenSets)
 TEST(VertexFormat, DirectXMirrorsZOfPositionsAndNormals)
 {
     SBuilderSettings s;
-    s.eCoordSystem = eCSDirectX;
+    s.eCoordSystem = eCoordSystemDirectX;
     CTVOMeshEx m;
     BuildQuad(m, s);
     ASSERT_TRUE(VertexFormatPass(m.mesh, s));
@@ -69,10 +69,10 @@ TEST(VertexFormat, DirectXMirrorsZOfPositionsAndNormals)
 TEST(VertexFormat, TypesMasksAndQuantisedPositions)
 {
     SBuilderSettings s;
-    s.formats[eVFNormal] = {true, EQMXTDataShortNorm, 0x84};   // z only
-    s.formats[eVFColour] = {true, EQMXTDataFloat, 0x09};       // components 0 and 3 of the packed colour
-    s.formats[eVFUVW0 + 1] = {true, EQMXTDataUnsignedByte, 0x02};
-    s.formats[eVFPosition] = {true, EQMXTDataUnsignedShort, 0x87};
+    s.formats[COptionsData::eVcOptNor] = CVectorOpt(true, EQMXTDataShortNorm, 0x84);   // z only
+    s.formats[COptionsData::eVcOptCol] = CVectorOpt(true, EQMXTDataFloat, 0x09);       // components 0 and 3 of the packed colour
+    s.formats[COptionsData::eVcOptUVW1] = CVectorOpt(true, EQMXTDataUnsignedByte, 0x02);
+    s.formats[COptionsData::eVcOptPos] = CVectorOpt(true, EQMXTDataUnsignedShort, 0x87);
     s.bUnpackMatrix = true;
     CTVOMeshEx m;
     BuildQuad(m, s);
@@ -98,7 +98,7 @@ TEST(VertexFormat, TypesMasksAndQuantisedPositions)
 TEST(VertexFormat, LargeMeshesKeep32BitIndicesAndUnwrittenStreamsGo)
 {
     SBuilderSettings s;
-    s.formats[eVFNormal].bExport = true;
+    s.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, true);
     CTVOMeshEx m;
     const SGeomData grid = GridGeometry(105); // 105 * 105 * 6 = 66150 unwelded corners, 11236 welded
     m.Init(static_cast<uint32_t>(grid.faces.size()), 1);
@@ -111,7 +111,7 @@ TEST(VertexFormat, LargeMeshesKeep32BitIndicesAndUnwrittenStreamsGo)
     ASSERT_TRUE(m.Finalise(s));
     ASSERT_GT(m.mesh.nNumVertex, 65536u);
     SBuilderSettings noNormals = s;
-    noNormals.formats[eVFNormal].bExport = false;
+    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, false);
     ASSERT_TRUE(VertexFormatPass(m.mesh, noNormals));
     EXPECT_EQ(m.mesh.sFaces.eType, EQMXTDataUnsignedInt);
     EXPECT_EQ(m.mesh.sNormals.n, 0u);
