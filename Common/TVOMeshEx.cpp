@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -36,13 +37,7 @@ uint32_t FinishHash(uint64_t h)
     return static_cast<uint32_t>(h);
 }
 
-uint32_t TableSizeFor(size_t entries)
-{
-    uint32_t size = 16;
-    while (size < entries * 2)
-        size <<= 1;
-    return size;
-}
+constexpr uint32_t kRecentSize = 16384; // a power of two
 
 bool SameBytes(const void* a, const void* b, size_t bytes)
 {
@@ -76,20 +71,23 @@ void CVertex::Init(uint32_t uvwCount)
     m_nColourWord = 7 + 3 * uvwCount;
     m_nKeyWords = m_nColourWord + 2;
     m_scratch.assign(m_nKeyWords, 0);
-    m_boneStart.assign(1, 0);
-    m_table.assign(TableSizeFor(0), 0);
+    m_boneStart.push_back(0);
+    m_table.assign(1024, 0);
+    m_nTableLimit = 768;
+    m_recent.assign(kRecentSize, 0);
 }
 
 void CVertex::Clear()
 {
     m_nCount = 0;
     m_nMaxInfluences = 0;
-    std::vector<uint32_t>().swap(m_key);
-    std::vector<uint32_t>().swap(m_hash);
-    std::vector<uint32_t>().swap(m_table);
-    std::vector<uint32_t>().swap(m_boneStart);
-    std::vector<int>().swap(m_boneIdx);
-    std::vector<float>().swap(m_boneWt);
+    m_key.clear();
+    std::vector<uint64_t>().swap(m_table);
+    std::vector<uint64_t>().swap(m_recent);
+    m_nTableLimit = 0;
+    m_boneStart.clear();
+    m_boneIdx.clear();
+    m_boneWt.clear();
     std::vector<uint32_t>().swap(m_scratch);
 }
 
@@ -144,29 +142,44 @@ uint32_t CVertex::HashKey(const uint32_t* key) const
 
 void CVertex::GrowTable()
 {
-    const uint32_t size = static_cast<uint32_t>(m_table.size()) * 2;
-    m_table.assign(size, 0);
-    const uint32_t mask = size - 1;
-    for (uint32_t i = 0; i < m_nCount; ++i)
-    {
-        uint32_t slot = m_hash[i] & mask;
-        while (m_table[slot])
-            slot = (slot + 1) & mask;
-        m_table[slot] = i + 1;
-    }
+    std::vector<uint64_t> old;
+    old.swap(m_table);
+    m_table.assign(old.size() * 2, 0);
+    m_nTableLimit = static_cast<uint32_t>(m_table.size() / 4 * 3);
+    const uint32_t mask = static_cast<uint32_t>(m_table.size()) - 1;
+    for (uint64_t entry : old)
+        if (entry)
+        {
+            uint32_t slot = static_cast<uint32_t>(entry >> 32) & mask;
+            while (m_table[slot])
+                slot = (slot + 1) & mask;
+            m_table[slot] = entry;
+        }
 }
 
-uint32_t CVertex::Append(const SOneVertex& v, const uint32_t* key, uint32_t hash)
+uint32_t CVertex::Append(const SOneVertex& v, const uint32_t* key)
 {
-    m_key.insert(m_key.end(), key, key + m_nKeyWords);
-    m_hash.push_back(hash);
+    std::memcpy(m_key.grow(m_nKeyWords), key, m_nKeyWords * sizeof(uint32_t));
     const size_t influences = v.boneIndices.size() < v.boneWeights.size() ? v.boneIndices.size() : v.boneWeights.size();
-    m_boneIdx.insert(m_boneIdx.end(), v.boneIndices.begin(), v.boneIndices.begin() + influences);
-    m_boneWt.insert(m_boneWt.end(), v.boneWeights.begin(), v.boneWeights.begin() + influences);
+    for (size_t k = 0; k < influences; ++k)
+    {
+        m_boneIdx.push_back(v.boneIndices[k]);
+        m_boneWt.push_back(v.boneWeights[k]);
+    }
     m_boneStart.push_back(static_cast<uint32_t>(m_boneIdx.size()));
     if (influences > m_nMaxInfluences)
         m_nMaxInfluences = static_cast<uint32_t>(influences);
     return m_nCount++;
+}
+
+uint32_t CVertex::Prepare(const SOneVertex& v, uint32_t* key) const
+{
+    MakeKey(v, key);
+    const uint32_t hash = HashKey(key);
+    // Start fetching both table slots; the caller prepares several corners before looking up.
+    __builtin_prefetch(&m_recent[hash & (kRecentSize - 1)]);
+    __builtin_prefetch(&m_table[hash & (m_table.size() - 1)]);
+    return hash;
 }
 
 uint32_t CVertex::FindOrCreate(const SOneVertex* v, bool useHash)
@@ -174,28 +187,51 @@ uint32_t CVertex::FindOrCreate(const SOneVertex* v, bool useHash)
     if (m_scratch.size() != m_nKeyWords)
         Init(m_nUVW);
     uint32_t* key = m_scratch.data();
-    MakeKey(*v, key);
-    const uint32_t hash = HashKey(key);
+    const uint32_t hash = Prepare(*v, key);
     if (!useHash)
     {
         for (uint32_t i = m_nCount; i-- > 0;)
             if (KeyEqual(Key(i), key))
                 return i;
     }
-    if ((static_cast<size_t>(m_nCount) + 1) * 2 > m_table.size())
+    return FindOrCreate(*v, key, hash, useHash);
+}
+
+uint32_t CVertex::FindOrCreate(const SOneVertex& v, const uint32_t* key, uint32_t hash, bool useHash)
+{
+    uint64_t& recent = m_recent[hash & (kRecentSize - 1)];
+    if (useHash && recent && static_cast<uint32_t>(recent >> 32) == hash)
+    {
+        const uint32_t i = static_cast<uint32_t>(recent) - 1;
+        if (KeyEqual(Key(i), key))
+            return i;
+    }
+    if (m_nCount >= m_nTableLimit)
         GrowTable();
     const uint32_t mask = static_cast<uint32_t>(m_table.size()) - 1;
     uint32_t slot = hash & mask;
-    while (m_table[slot])
+    while (const uint64_t entry = m_table[slot])
     {
-        const uint32_t i = m_table[slot] - 1;
-        if (useHash && m_hash[i] == hash && KeyEqual(Key(i), key))
-            return i;
+        if (useHash && static_cast<uint32_t>(entry >> 32) == hash)
+        {
+            const uint32_t i = static_cast<uint32_t>(entry) - 1;
+            if (KeyEqual(Key(i), key))
+            {
+                recent = entry;
+                return i;
+            }
+        }
         slot = (slot + 1) & mask;
     }
-    const uint32_t index = Append(*v, key, hash);
-    m_table[slot] = index + 1;
+    const uint32_t index = Append(v, key);
+    m_table[slot] = (static_cast<uint64_t>(hash) << 32) | (index + 1u);
+    recent = m_table[slot];
     return index;
+}
+
+uint32_t CVertex::KeyWords() const
+{
+    return m_nKeyWords;
 }
 
 // ---- CTris ----
@@ -203,41 +239,36 @@ uint32_t CVertex::FindOrCreate(const SOneVertex* v, bool useHash)
 void CTris::Init(uint32_t n)
 {
     Clear();
-    m_tris.reserve(static_cast<size_t>(n) * 3);
-    m_table.assign(TableSizeFor(n), 0);
-    m_nMask = static_cast<uint32_t>(m_table.size()) - 1;
+    // A node split by material gives each part the node's face count; start with a modest part of
+    // it and let realloc grow the store without copying.
+    const size_t start = n < 65536 ? n : 65536;
+    m_tris.reserve(start * 3);
+    m_next.reserve(start);
 }
 
 void CTris::Clear()
 {
-    std::vector<uint32_t>().swap(m_tris);
-    std::vector<uint32_t>().swap(m_table);
-    m_nMask = 0;
+    m_tris.clear();
+    std::vector<uint32_t>().swap(m_head);
+    m_next.clear();
 }
 
 uint32_t CTris::FindOrCreate(const uint32_t* tri)
 {
-    if ((m_tris.size() / 3 + 1) * 2 > m_table.size())
+    if (tri[0] >= m_head.size())
+        m_head.resize(std::max<size_t>({static_cast<size_t>(tri[0]) + 1, m_head.size() * 2, 1024}), 0);
+    for (uint32_t t = m_head[tri[0]]; t; t = m_next[t - 1])
     {
-        // More triangles than Init sized for: rebuild a larger table.
-        const std::vector<uint32_t> tris = m_tris;
-        Init(static_cast<uint32_t>(tris.size() / 3 + 1) * 2);
-        for (size_t i = 0; i < tris.size(); i += 3)
-            FindOrCreate(&tris[i]);
-    }
-    const uint32_t hash = FinishHash(MixWord(MixWord(MixWord(0x9e3779b97f4a7c15ull, tri[0]), tri[1]), tri[2]));
-    uint32_t slot = hash & m_nMask;
-    while (m_table[slot])
-    {
-        const uint32_t i = m_table[slot] - 1;
-        const uint32_t* t = &m_tris[static_cast<size_t>(i) * 3];
-        if (t[0] == tri[0] && t[1] == tri[1] && t[2] == tri[2])
-            return i;
-        slot = (slot + 1) & m_nMask;
+        const uint32_t* other = &m_tris[static_cast<size_t>(t - 1) * 3];
+        if (other[1] == tri[1] && other[2] == tri[2])
+            return t - 1;
     }
     const uint32_t index = Count();
-    m_tris.insert(m_tris.end(), tri, tri + 3);
-    m_table[slot] = index + 1;
+    m_tris.push_back(tri[0]);
+    m_tris.push_back(tri[1]);
+    m_tris.push_back(tri[2]);
+    m_next.push_back(m_head[tri[0]]);
+    m_head[tri[0]] = index + 1;
     return index;
 }
 
@@ -305,12 +336,15 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
     const SFace& face = geom->faces[faceIndex];
     if (face.IsDegenerate())
         return;
-    SOneVertex& v = m_corner;
     const size_t channels = geom->channels.size();
-    v.uvw.resize(channels);
-    uint32_t tri[3];
+    const uint32_t words = vertices.KeyWords();
+    if (m_keys.size() != 3 * static_cast<size_t>(words))
+        m_keys.assign(3 * static_cast<size_t>(words), 0);
+    uint32_t hash[3];
     for (int c = 0; c < 3; ++c)
     {
+        SOneVertex& v = m_corner[c];
+        v.uvw.resize(channels);
         const QMXTVECTOR3f& p = geom->positions[face.pos[c]];
         v.position[0] = p.x;
         v.position[1] = p.y;
@@ -341,8 +375,12 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
                 v.boneIndices.push_back(w.bone);
                 v.boneWeights.push_back(w.weight);
             }
-        tri[c] = vertices.FindOrCreate(&v, true);
+        hash[c] = vertices.Prepare(v, &m_keys[c * words]);
     }
+    // The three lookups run after all three keys are known, so their memory accesses overlap.
+    uint32_t tri[3];
+    for (int c = 0; c < 3; ++c)
+        tri[c] = vertices.FindOrCreate(m_corner[c], &m_keys[c * words], hash[c], true);
     tris.FindOrCreate(tri);
 }
 

@@ -11,6 +11,7 @@
 
 #include "BuilderSettings.h"
 #include "Content.h"
+#include "PodBuffer.h"
 #include "QMXTModelTVO.h"
 
 // One candidate vertex, built per face corner.
@@ -40,6 +41,11 @@ class CVertex
     // through a hash of the key; without, every vertex is compared from the last backwards. Both
     // give the same index. v must carry Init's number of uvw sets.
     uint32_t FindOrCreate(const SOneVertex* v, bool useHash);
+    // The same in two steps, so that several lookups can overlap: Prepare writes v's key (KeyWords()
+    // words) and returns its hash; FindOrCreate with that key and hash then does the lookup.
+    uint32_t Prepare(const SOneVertex& v, uint32_t* key) const;
+    uint32_t FindOrCreate(const SOneVertex& v, const uint32_t* key, uint32_t hash, bool useHash);
+    uint32_t KeyWords() const;
 
     uint32_t Count() const { return m_nCount; }
     const float* Position(uint32_t i) const { return Floats(i); }
@@ -61,7 +67,7 @@ class CVertex
     void MakeKey(const SOneVertex& v, uint32_t* key) const;
     bool KeyEqual(const uint32_t* a, const uint32_t* b) const;
     uint32_t HashKey(const uint32_t* key) const;
-    uint32_t Append(const SOneVertex& v, const uint32_t* key, uint32_t hash);
+    uint32_t Append(const SOneVertex& v, const uint32_t* key);
     void GrowTable();
 
     uint32_t m_nUVW = 0;
@@ -69,21 +75,27 @@ class CVertex
     uint32_t m_nColourWord = 7;
     uint32_t m_nCount = 0;
     uint32_t m_nMaxInfluences = 0;
-    std::vector<uint32_t> m_key;
-    std::vector<uint32_t> m_hash;      // hash of each vertex's key
-    std::vector<uint32_t> m_table;     // open addressing, vertex index + 1, 0 = empty
-    std::vector<uint32_t> m_boneStart; // Count() + 1 entries
-    std::vector<int> m_boneIdx;
-    std::vector<float> m_boneWt;
+    CPodBuffer<uint32_t> m_key;
+    // Open addressing: the key's hash in the high half, vertex index + 1 in the low half, 0 = empty.
+    std::vector<uint64_t> m_table;
+    // The same entries for the vertices met last, one per hash value modulo its size: host meshes
+    // repeat a vertex soon after its first corner, and this small table answers those from cache.
+    std::vector<uint64_t> m_recent;
+    uint32_t m_nTableLimit = 0; // entries before the table grows (three quarters full)
+    CPodBuffer<uint32_t> m_boneStart; // Count() + 1 entries
+    CPodBuffer<int> m_boneIdx;
+    CPodBuffer<float> m_boneWt;
     std::vector<uint32_t> m_scratch;   // key of the candidate
 };
 
 // The distinct triangles of one mesh: three vertex indices each, a triangle equal to an earlier one
-// (same indices in the same order) is not added again.
+// (same indices in the same order) is not added again. Equal triangles share their first index, so
+// each vertex keeps a chain of the triangles that start with it; vertices are made in the order
+// faces arrive, which keeps those lookups in cache.
 class CTris
 {
   public:
-    // Sizes the store for n triangles and empties it.
+    // Empties the store and prepares it for about n triangles (it grows beyond as needed).
     void Init(uint32_t n);
     // Index of the equal triangle, or of tri appended.
     uint32_t FindOrCreate(const uint32_t* tri);
@@ -92,9 +104,9 @@ class CTris
     void Clear();
 
   private:
-    std::vector<uint32_t> m_tris;
-    std::vector<uint32_t> m_table; // triangle index + 1, 0 = empty
-    uint32_t m_nMask = 0;
+    CPodBuffer<uint32_t> m_tris;
+    std::vector<uint32_t> m_head; // per first vertex: its latest triangle + 1, 0 = none
+    CPodBuffer<uint32_t> m_next;  // per triangle: the previous one with the same first vertex + 1
 };
 
 // A mesh under construction. After Finalise, mesh holds the scene model mesh and the stores are
@@ -126,7 +138,8 @@ class CTVOMeshEx
 
   private:
     uint32_t m_nUVW = 0;
-    SOneVertex m_corner; // reused for every corner, so building one allocates nothing
+    SOneVertex m_corner[3];        // reused for every face, so building one allocates nothing
+    std::vector<uint32_t> m_keys; // their keys
 };
 
 // Zeroed mesh record with an identity unpack matrix and the triangle-list primitive type.
