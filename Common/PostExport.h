@@ -14,8 +14,8 @@ struct SPostExportSettings
     std::string sClPostCWD;    // prefixed to the program's path (quoted) when not empty
     std::string sPathToDravik; // the viewer
     bool bDisplayInDravik = false;
-    uint32_t eExpFormat = 0;   // the viewer opens binary output only
-    std::string sOutputPath;   // the written file
+    uint32_t eExpFormat = 0; // the viewer opens binary output only
+    std::string sOutputPath; // the written file
 };
 
 // The command line run for sClPostTarget: with a working directory, the quoted path of the
@@ -25,3 +25,8 @@ std::string PostExportCommand(const SPostExportSettings& s);
 // The viewer's command line: the viewer, a blank and the quoted output path.
 std::string ViewerCommand(const SPostExportSettings& s);
 void RunPostExportActions(const SPostExportSettings& s);
+
+// The shell the actions run through (std::system by default). Tests install a stand-in to see the
+// commands and to play results the real shell rarely gives, such as -1. Returns the previous one.
+using PostExportShell = int (*)(const char* command);
+PostExportShell SetPostExportShell(PostExportShell shell);

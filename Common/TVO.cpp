@@ -1,5 +1,6 @@
 #include "TVO.h"
 
+#include <new>
 #include <sstream>
 
 #include "Bintuck.h"
@@ -35,11 +36,14 @@ void FlipNodeAnimation(STVOScene& scene)
         STVONode& n = scene.pNode[i];
         auto frames = [&](uint32_t flag) { return (n.nAnimationFlags & flag) ? scene.nNumFrame : 1u; };
         FlipKeys(n.pfAnimPosition,
-                 QMXTModelTVOGetAnimArraySize(n.pnAnimPositionIdx, frames(eTVOHasPositionAnimation), 3), 3, z, 1);
+                 QMXTModelTVOGetAnimArraySize(n.pnAnimPositionIdx, frames(eTVOHasPositionAnimation), 3), 3, z,
+                 1);
         FlipKeys(n.pfAnimRotation,
-                 QMXTModelTVOGetAnimArraySize(n.pnAnimRotationIdx, frames(eTVOHasRotationAnimation), 4), 4, z, 1);
+                 QMXTModelTVOGetAnimArraySize(n.pnAnimRotationIdx, frames(eTVOHasRotationAnimation), 4), 4, z,
+                 1);
         FlipKeys(n.pfAnimMatrix,
-                 QMXTModelTVOGetAnimArraySize(n.pnAnimMatrixIdx, frames(eTVOHasMatrixAnimation), 16), 16, matrix, 6);
+                 QMXTModelTVOGetAnimArraySize(n.pnAnimMatrixIdx, frames(eTVOHasMatrixAnimation), 16), 16,
+                 matrix, 6);
     }
 }
 
@@ -60,6 +64,20 @@ bool CTVO::Process(const SContent& content, const COptions& options)
 }
 
 bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
+{
+    // Nothing may leave the builder as an exception: running out of memory fails the export.
+    try
+    {
+        return RunStages(content, s);
+    }
+    catch (const std::bad_alloc&)
+    {
+        Log(eLogError, "Error: out of memory while building the scene.");
+        return false;
+    }
+}
+
+bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
 {
     DestroyScene();
     m_pScene = new CTVOSceneEx();
@@ -131,20 +149,27 @@ int WriteWithBintuck(const char* path, COptions& options, const char* history, C
 {
     if (!path || !scene)
         return 1;
-    const CQMXTString optionsText = options.ToString();
-    CSinkMemory binary;
-    if (scene->SaveTVO(binary, optionsText.c_str(), history) != 0)
+    try
+    {
+        const CQMXTString optionsText = options.ToString();
+        CSinkMemory binary;
+        if (scene->SaveTVO(binary, optionsText.c_str(), history) != 0)
+            return 1;
+        std::ostringstream text;
+        text << "/*\n"
+             << "\tExpOpt{\n"
+             << optionsText.c_str() << "\t}ExpOpt\n\n"
+             << "\tHistory{\n"
+             << (history ? history : "") << "\n\t}History\n"
+             << "*/\n";
+        WriteHeader(text, 0);
+        WrapData(text, binary.Data().data(), binary.Data().size(), EmbeddedFileName(path), 0);
+        return FileOut(path, text, std::ios_base::trunc) ? 0 : 1;
+    }
+    catch (const std::bad_alloc&)
+    {
         return 1;
-    std::ostringstream text;
-    text << "/*\n"
-         << "\tExpOpt{\n"
-         << optionsText.c_str() << "\t}ExpOpt\n\n"
-         << "\tHistory{\n"
-         << (history ? history : "") << "\n\t}History\n"
-         << "*/\n";
-    WriteHeader(text, 0);
-    WrapData(text, binary.Data().data(), binary.Data().size(), EmbeddedFileName(path), 0);
-    return FileOut(path, text, std::ios_base::trunc) ? 0 : 1;
+    }
 }
 
 bool CTVO::Write(const char* path, COptions& options, const char* history, bool runPostExport)

@@ -40,6 +40,7 @@ class CTVO
     CTVOSceneEx* Scene() const { return m_pScene; }
 
   private:
+    bool RunStages(const SContent& content, const SBuilderSettings& settings);
     void DestroyScene();
     CTVOSceneEx* m_pScene = nullptr;
 };

@@ -354,6 +354,24 @@ TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
             }
     }
     EXPECT_EQ(named.size(), 12u);
+
+    // Without a palette there are no batches; the vertices then name their bone nodes directly.
+    options.SetOption(COptionsData::eBoneLimit, 0u);
+    options.SetOption(COptionsData::eVcOptBoneInd, CVectorOpt::eDataType, EQMXTDataFloat);
+    CQMXTModelTVO whole;
+    ASSERT_TRUE(Export(content, options, Path("tube0.tvo"), whole));
+    const STVOMesh& w = whole.pMesh[0];
+    EXPECT_EQ(w.sBoneBatch.nBatchCnt, 0u);
+    for (uint32_t v = 0; v < w.nNumVertex; ++v)
+    {
+        float pos[4], idx[4];
+        ReadVertex(w, w.sVertex, v, pos);
+        ReadVertex(w, w.sBoneIdx, v, idx);
+        const int ring = static_cast<int>(std::lround(pos[1]));
+        const uint32_t node = static_cast<uint32_t>(idx[0]);
+        ASSERT_LT(node, whole.nNumNode);
+        EXPECT_EQ(std::string(whole.pNode[node].pszName), "bone" + std::to_string(ring * 12 / (rings + 1)));
+    }
 }
 
 TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
@@ -513,6 +531,83 @@ TEST_F(EndToEnd, TangentSpaceMessages)
     ASSERT_TRUE(tvo.Process(content, options));
     EXPECT_TRUE(sink.Has(eLogError, "Tangent-space generation failed due to too many split vertices."));
     EXPECT_EQ(tvo.Scene()->pMesh[0].sTangents.n, 0u);
+}
+
+TEST_F(EndToEnd, TangentsFollowIncreasingU)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    options.SetOption(COptionsData::eTangentSpace, true);
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("ts.tvo"), model));
+    const STVOMesh& m = model.pMesh[0];
+    ASSERT_EQ(m.sTangents.n, 3u);
+    ASSERT_EQ(m.sBinormals.n, 3u);
+    int front = 0;
+    for (uint32_t v = 0; v < m.nNumVertex; ++v)
+    {
+        float n[4], t[4], b[4];
+        ReadVertex(m, m.sNormals, v, n);
+        ReadVertex(m, m.sTangents, v, t);
+        ReadVertex(m, m.sBinormals, v, b);
+        if (n[2] != 1.0f)
+            continue;
+        // The front side maps u along +x and v along +y.
+        ++front;
+        EXPECT_NEAR(t[0], 1.0f, 1e-5f);
+        EXPECT_NEAR(b[1], 1.0f, 1e-5f);
+    }
+    EXPECT_EQ(front, 4);
+}
+
+TEST_F(EndToEnd, StripsUnindexedAndUnsortedForms)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions strips;
+    strips.SetOption(COptionsData::ePrimType, ePrimTriangleStrips);
+    strips.HandleOptimisations();
+    CQMXTModelTVO s;
+    ASSERT_TRUE(Export(content, strips, Path("strips.tvo"), s));
+    const STVOMesh& m = s.pMesh[0];
+    EXPECT_EQ(m.ePrimitiveType, unsigned(eTVOIndexedTriangleStrip));
+    ASSERT_GT(m.nNumStrips, 0u);
+    uint32_t total = 0;
+    for (uint32_t i = 0; i < m.nNumStrips; ++i)
+        total += m.pnStripLength[i];
+    EXPECT_EQ(total, 12u);
+    EXPECT_LT(m.nNumStrips, 12u); // the cube's sides join into longer strips
+
+    COptions flat;
+    flat.SetOption(COptionsData::eIndexed, false);
+    CQMXTModelTVO f;
+    ASSERT_TRUE(Export(content, flat, Path("flat.tvo"), f));
+    EXPECT_EQ(f.pMesh[0].nNumVertex, 36u); // one vertex a corner
+    EXPECT_EQ(f.pMesh[0].sFaces.n, 0u);
+
+    // "D3DX" sorting keeps the assembled order, like no sorting.
+    COptions none, d3dx;
+    none.SetOption(COptionsData::eUseCustomOptSettings, true);
+    none.SetOption(COptionsData::eTriSort, eTriSortNone);
+    d3dx.SetOption(COptionsData::eUseCustomOptSettings, true);
+    d3dx.SetOption(COptionsData::eTriSort, eTriSortD3DX);
+    CQMXTModelTVO a, b;
+    ASSERT_TRUE(Export(content, none, Path("none.tvo"), a));
+    ASSERT_TRUE(Export(content, d3dx, Path("d3dx.tvo"), b));
+    EXPECT_EQ(DescribeModelDifference(a, b), "");
+    for (uint32_t t = 0; t < 12; ++t)
+        EXPECT_EQ(Index(a.pMesh[0], 3 * t), t % 2 ? Index(a.pMesh[0], 3 * t - 3) : 4 * (t / 2)) << t;
+}
+
+TEST_F(EndToEnd, EmptySceneExportsAndReadsBack)
+{
+    SContent content;
+    COptions options;
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("empty.tvo"), model));
+    EXPECT_EQ(model.nNumNode, 0u);
+    EXPECT_EQ(model.nNumMesh, 0u);
 }
 
 TEST_F(EndToEnd, SkinWithoutDataIsIgnoredWithAWarning)

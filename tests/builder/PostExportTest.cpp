@@ -6,6 +6,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include "Log.h"
 #include "PostExport.h"
@@ -125,4 +126,35 @@ TEST_F(PostExportTest, ViewerOpensBinaryOutputOnly)
     std::remove((dir + "/record.txt").c_str());
     RunPostExportActions(s);
     EXPECT_FALSE(Recorded());
+}
+
+namespace
+{
+std::vector<std::string> g_commands;
+int FailingShell(const char* command)
+{
+    g_commands.push_back(command);
+    return -1; // the shell itself could not be started
+}
+} // namespace
+
+TEST(PostExport, AShellThatCannotStartIsReportedForTheViewer)
+{
+    g_commands.clear();
+    const PostExportShell previous = SetPostExportShell(FailingShell);
+    SPostExportSettings s;
+    s.sClPostTarget = "tool";
+    s.sClPostArgs = "-x";
+    s.bDisplayInDravik = true;
+    s.sPathToDravik = "/opt/viewer";
+    s.sOutputPath = "/out/a.tvo";
+    CRecordingLogSink sink;
+    RunPostExportActions(s);
+    SetPostExportShell(previous);
+    ASSERT_EQ(g_commands.size(), 2u);
+    EXPECT_EQ(g_commands[0], "tool -x");
+    EXPECT_EQ(g_commands[1], "/opt/viewer \"/out/a.tvo\"");
+    EXPECT_TRUE(sink.Has(eLogError, "Error: Unable to perform post-export options."));
+    EXPECT_TRUE(sink.Has(eLogError, "Error: Failed to open '/out/a.tvo' in '/opt/viewer'."));
+    EXPECT_EQ(sink.Count("Opening '/out/a.tvo' in '/opt/viewer'."), 0);
 }
