@@ -68,6 +68,30 @@ void AppendHexWord(std::string& text, uint32_t value)
     text += ',';
 }
 
+// The escape a byte needs inside a string literal (newlines aside), or null.
+const char* Escape(uint8_t c)
+{
+    switch (c)
+    {
+    case '\\':
+        return "\\\\";
+    case '\a':
+        return "\\a";
+    case '\t':
+        return "\\t";
+    case '\r':
+        return "\\r";
+    case '\f':
+        return "\\f";
+    case '\v':
+        return "\\v";
+    case '"':
+        return "\\\"";
+    default:
+        return nullptr;
+    }
+}
+
 bool IsHexDigit(uint8_t c)
 {
     return std::isxdigit(c) != 0;
@@ -110,30 +134,22 @@ void WriteString(std::ostream& out, const uint8_t* data, size_t size, const std:
             open = true;
         }
         const uint8_t c = data[i];
-        switch (c)
+        if (const char* escape = Escape(c))
+            out << escape;
+        else if (c == '\n')
         {
-        case '\\': out << "\\\\"; break;
-        case '\a': out << "\\a"; break;
-        case '\t': out << "\\t"; break;
-        case '\r': out << "\\r"; break;
-        case '\f': out << "\\f"; break;
-        case '\v': out << "\\v"; break;
-        case '"': out << "\\\""; break;
-        case '\n':
             out << "\\n\"";
             open = false;
-            break;
-        default:
-            if (c >= 0x20 && c < 0x7f)
-                out << static_cast<char>(c);
-            else
-            {
-                std::snprintf(hex, sizeof hex, "\\x%02x", c);
-                out << hex;
-                // A hex escape swallows every following hex digit: split the literal there.
-                if (i + 1 < size && IsHexDigit(data[i + 1]))
-                    out << "\"\"";
-            }
+        }
+        else if (c >= 0x20 && c < 0x7f)
+            out << static_cast<char>(c);
+        else
+        {
+            std::snprintf(hex, sizeof hex, "\\x%02x", c);
+            out << hex;
+            // A hex escape swallows every following hex digit: split the literal there.
+            if (i + 1 < size && IsHexDigit(data[i + 1]))
+                out << "\"\"";
         }
     }
     if (open)
@@ -150,11 +166,12 @@ void WriteDataFooter(std::ostream& out, size_t size, const std::string& fileName
         return;
     }
     out << "// Register " << fileName << " in memory file system at application startup time\n"
-        << "static CQMXTMemoryFileSystem RegisterFile" << varName << "(\"" << fileName << "\", " << varName << ", "
-        << size << ");\n\n";
+        << "static CQMXTMemoryFileSystem RegisterFile" << varName << "(\"" << fileName << "\", " << varName
+        << ", " << size << ");\n\n";
 }
 
-void WrapData(std::ostream& out, const uint8_t* data, size_t size, const std::string& fileName, unsigned flags)
+void WrapData(std::ostream& out, const uint8_t* data, size_t size, const std::string& fileName,
+              unsigned flags)
 {
     const std::string varName = FileToVarName(fileName);
     out << "// ******** Start: " << fileName << " ********\n\n";
@@ -207,7 +224,8 @@ bool WrapFiles(const char* outputPath, std::ios_base::openmode openMode, unsigne
             Log(eLogError, "Could not open %s for reading\n", path ? path : "");
             return false;
         }
-        const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in),
+                                         std::istreambuf_iterator<char>()};
         if (in.bad())
         {
             Log(eLogError, "Could not open %s for reading\n", path);

@@ -33,7 +33,8 @@ void WriteString(std::ostream& out, const uint8_t* data, size_t size, const std:
 void WriteDataFooter(std::ostream& out, size_t size, const std::string& fileName, const std::string& varName,
                      unsigned flags);
 // One wrapped file: start line, data (word array or text), footer and end line.
-void WrapData(std::ostream& out, const uint8_t* data, size_t size, const std::string& fileName, unsigned flags);
+void WrapData(std::ostream& out, const uint8_t* data, size_t size, const std::string& fileName,
+              unsigned flags);
 // Writes the stream's text to outputPath (truncating or appending); logs "Could not open output file
 // <name>" and returns false when the file can't be written. A failed truncating write removes the file.
 bool FileOut(const char* outputPath, const std::ostringstream& text, std::ios_base::openmode openMode);

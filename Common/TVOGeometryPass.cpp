@@ -52,8 +52,8 @@ bool BatchBones(STVOMesh& m, const SBuilderSettings& s)
     uint8_t* out = nullptr;
     const int result = m.sBoneBatch.Create(&outCount, &out, reinterpret_cast<uint32_t*>(m.sFaces.pData),
                                            m.nNumVertex, m.pInterleaved, Stride(m), Offset(m.sBoneWeight),
-                                           m.sBoneWeight.eType, Offset(m.sBoneIdx), m.sBoneIdx.eType, m.nNumFaces,
-                                           s.uiBoneLimit, m.sBoneWeight.n);
+                                           m.sBoneWeight.eType, Offset(m.sBoneIdx), m.sBoneIdx.eType,
+                                           m.nNumFaces, s.uiBoneLimit, m.sBoneWeight.n);
     if (result != CQMXTBoneBatches::eSuccess)
     {
         std::free(out);
@@ -107,15 +107,16 @@ bool GenerateTangentSpace(STVOMesh& m, const SBuilderSettings& s)
 
 bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
 {
-    bool tangents = s.bTangentSpace && (s.Exported(COptionsData::eVcOptTan) || s.Exported(COptionsData::eVcOptBin));
+    bool tangents =
+        s.bTangentSpace && (s.Exported(COptionsData::eVcOptTan) || s.Exported(COptionsData::eVcOptBin));
     if (tangents && m.nNumUVW <= s.uiTSUseUVW)
     {
         Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eTangentSpaceNoUVW),
             static_cast<int>(s.uiTSUseUVW));
         tangents = false;
     }
-    if (tangents && (!AddEmptyFloatStream(m.sTangents, m.nNumVertex) ||
-                     !AddEmptyFloatStream(m.sBinormals, m.nNumVertex)))
+    if (tangents &&
+        (!AddEmptyFloatStream(m.sTangents, m.nNumVertex) || !AddEmptyFloatStream(m.sBinormals, m.nNumVertex)))
         return false;
     // Mirroring z for DirectX turns every triangle over; reversing the corners keeps it facing out.
     if (s.IsDirectX() && m.nNumFaces && QMXTModelTVOReorderFaces(m, 0, 2, 1) != 0)

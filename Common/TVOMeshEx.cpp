@@ -160,7 +160,8 @@ void CVertex::GrowTable()
 uint32_t CVertex::Append(const SOneVertex& v, const uint32_t* key)
 {
     std::memcpy(m_key.grow(m_nKeyWords), key, m_nKeyWords * sizeof(uint32_t));
-    const size_t influences = v.boneIndices.size() < v.boneWeights.size() ? v.boneIndices.size() : v.boneWeights.size();
+    const size_t influences =
+        v.boneIndices.size() < v.boneWeights.size() ? v.boneIndices.size() : v.boneWeights.size();
     for (size_t k = 0; k < influences; ++k)
     {
         m_boneIdx.push_back(v.boneIndices[k]);
@@ -289,7 +290,7 @@ void FreeTVOMesh(STVOMesh& m)
     const bool interleaved = m.pInterleaved != nullptr;
     m.sFaces.Reset();
     std::free(m.pnStripLength);
-    CTVOData* streams[] = {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals,
+    CTVOData* streams[] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
                            &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
     for (CTVOData* s : streams)
         s->Reset(interleaved);
@@ -508,9 +509,9 @@ bool CTVOMeshEx::Compare(const CTVOMeshEx& other) const
     const bool interleaved = a.pInterleaved != nullptr;
     if (!SameStream(a.sFaces, b.sFaces, QMXTModelTVOCountIndices(a), false))
         return false;
-    const CTVOData* sa[] = {&a.sVertex, &a.sNormals, &a.sTangents, &a.sBinormals,
+    const CTVOData* sa[] = {&a.sVertex,     &a.sNormals, &a.sTangents,  &a.sBinormals,
                             &a.sVtxColours, &a.sBoneIdx, &a.sBoneWeight};
-    const CTVOData* sb[] = {&b.sVertex, &b.sNormals, &b.sTangents, &b.sBinormals,
+    const CTVOData* sb[] = {&b.sVertex,     &b.sNormals, &b.sTangents,  &b.sBinormals,
                             &b.sVtxColours, &b.sBoneIdx, &b.sBoneWeight};
     for (size_t i = 0; i < sizeof sa / sizeof sa[0]; ++i)
         if (!SameStream(*sa[i], *sb[i], a.nNumVertex, interleaved))
@@ -518,7 +519,8 @@ bool CTVOMeshEx::Compare(const CTVOMeshEx& other) const
     for (uint32_t i = 0; i < a.nNumUVW; ++i)
         if (!SameStream(a.psUVW[i], b.psUVW[i], a.nNumVertex, interleaved))
             return false;
-    if (interleaved && !SameBytes(a.pInterleaved, b.pInterleaved, static_cast<size_t>(a.sVertex.nStride) * a.nNumVertex))
+    if (interleaved &&
+        !SameBytes(a.pInterleaved, b.pInterleaved, static_cast<size_t>(a.sVertex.nStride) * a.nNumVertex))
         return false;
     const CQMXTBoneBatches& ba = a.sBoneBatch;
     const CQMXTBoneBatches& bb = b.sBoneBatch;

@@ -20,9 +20,9 @@ struct SOneVertex
     float position[3] = {0.0f, 0.0f, 0.0f};
     int group = 0;
     float normal[3] = {0.0f, 0.0f, 0.0f};
-    std::vector<QMXTVECTOR3f> uvw;  // one a mapping channel
-    std::vector<uint32_t> colour;   // the packed colour, when the corner has one
-    std::vector<int> boneIndices;   // skin influences of the position
+    std::vector<QMXTVECTOR3f> uvw; // one a mapping channel
+    std::vector<uint32_t> colour;  // the packed colour, when the corner has one
+    std::vector<int> boneIndices;  // skin influences of the position
     std::vector<float> boneWeights;
 
     // Position, normal, colour list, uvw list and group equal, floats compared as floats (a NaN
@@ -81,11 +81,11 @@ class CVertex
     // The same entries for the vertices met last, one per hash value modulo its size: host meshes
     // repeat a vertex soon after its first corner, and this small table answers those from cache.
     std::vector<uint64_t> m_recent;
-    uint32_t m_nTableLimit = 0; // entries before the table grows (three quarters full)
+    uint32_t m_nTableLimit = 0;       // entries before the table grows (three quarters full)
     CPodBuffer<uint32_t> m_boneStart; // Count() + 1 entries
     CPodBuffer<int> m_boneIdx;
     CPodBuffer<float> m_boneWt;
-    std::vector<uint32_t> m_scratch;   // key of the candidate
+    std::vector<uint32_t> m_scratch; // key of the candidate
 };
 
 // The distinct triangles of one mesh: three vertex indices each, a triangle equal to an earlier one
@@ -122,7 +122,8 @@ class CTVOMeshEx
     // Sizes the triangle store for faceCount faces and sets the number of uvw sets.
     void Init(uint32_t faceCount, uint32_t uvwCount);
     // Adds face faceIndex of geom; skin, when given, holds one entry a position.
-    void AddFace(uint32_t faceIndex, const SGeomData* geom, const SBonedVtx* skin, const SBuilderSettings& settings);
+    void AddFace(uint32_t faceIndex, const SGeomData* geom, const SBonedVtx* skin,
+                 const SBuilderSettings& settings);
     // Builds the vertex streams and the index list from the stores and frees the stores.
     bool Finalise(const SBuilderSettings& settings);
     // True when both meshes are equal in every stream, index, strip and batch.
@@ -138,7 +139,7 @@ class CTVOMeshEx
 
   private:
     uint32_t m_nUVW = 0;
-    SOneVertex m_corner[3];        // reused for every face, so building one allocates nothing
+    SOneVertex m_corner[3];       // reused for every face, so building one allocates nothing
     std::vector<uint32_t> m_keys; // their keys
 };
 

@@ -298,11 +298,12 @@ void GenNodeAnimation(STVONode& node, const CTVONodeEx& statics, uint32_t frameC
                       const SBuilderSettings& settings)
 {
     const SChannel channels[] = {
-        {&node.pnAnimPositionIdx, &node.pfAnimPosition, 3, statics.pfStaticPRS, eTVOHasPositionAnimation, "pos",
-         false},
-        {&node.pnAnimRotationIdx, &node.pfAnimRotation, 4, statics.pfStaticPRS + 3, eTVOHasRotationAnimation, "rot",
-         false},
-        {&node.pnAnimScaleIdx, &node.pfAnimScale, 7, statics.pfStaticPRS + 7, eTVOHasScaleAnimation, "scale", true},
+        {&node.pnAnimPositionIdx, &node.pfAnimPosition, 3, statics.pfStaticPRS, eTVOHasPositionAnimation,
+         "pos", false},
+        {&node.pnAnimRotationIdx, &node.pfAnimRotation, 4, statics.pfStaticPRS + 3, eTVOHasRotationAnimation,
+         "rot", false},
+        {&node.pnAnimScaleIdx, &node.pfAnimScale, 7, statics.pfStaticPRS + 7, eTVOHasScaleAnimation, "scale",
+         true},
         {&node.pnAnimMatrixIdx, &node.pfAnimMatrix, 16, statics.pfStaticMatrix, eTVOHasMatrixAnimation,
          "Transformation matrix", true},
     };

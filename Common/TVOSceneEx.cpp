@@ -141,8 +141,8 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
 
     const bool split = byMaterial.size() > 1;
     if (split)
-        Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eSplitIntoMeshes), cnode.name.c_str(),
-            static_cast<int>(byMaterial.size()));
+        Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eSplitIntoMeshes),
+            cnode.name.c_str(), static_cast<int>(byMaterial.size()));
 
     std::vector<uint32_t> children;
     unsigned counter = 0;
@@ -433,7 +433,8 @@ void CTVOSceneEx::ResolveBones(STVOMesh& mesh) const
         float bones[4], weights[4];
         uint8_t* pi = idxBase + static_cast<size_t>(v) * idx.nStride;
         QMXTVertexRead(bones, pi, idx.eType, count > 4 ? 4 : count);
-        QMXTVertexRead(weights, wtBase + static_cast<size_t>(v) * wt.nStride, wt.eType, count > 4 ? 4 : count);
+        QMXTVertexRead(weights, wtBase + static_cast<size_t>(v) * wt.nStride, wt.eType,
+                       count > 4 ? 4 : count);
         for (uint32_t k = 0; k < count && k < 4; ++k)
             if (weights[k] != 0.0f)
                 bones[k] = static_cast<float>(ResolveSourceIndex(static_cast<int32_t>(bones[k])));

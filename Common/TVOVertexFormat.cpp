@@ -87,11 +87,13 @@ bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
         uint32_t format;
         bool mirror;
     };
-    std::vector<SStream> streams = {
-        {&mesh.sVertex, COptionsData::eVcOptPos, mirror},      {&mesh.sNormals, COptionsData::eVcOptNor, mirror},
-        {&mesh.sTangents, COptionsData::eVcOptTan, mirror},    {&mesh.sBinormals, COptionsData::eVcOptBin, mirror},
-        {&mesh.sVtxColours, COptionsData::eVcOptCol, false},   {&mesh.sBoneIdx, COptionsData::eVcOptBoneInd, false},
-        {&mesh.sBoneWeight, COptionsData::eVcOptBoneWt, false}};
+    std::vector<SStream> streams = {{&mesh.sVertex, COptionsData::eVcOptPos, mirror},
+                                    {&mesh.sNormals, COptionsData::eVcOptNor, mirror},
+                                    {&mesh.sTangents, COptionsData::eVcOptTan, mirror},
+                                    {&mesh.sBinormals, COptionsData::eVcOptBin, mirror},
+                                    {&mesh.sVtxColours, COptionsData::eVcOptCol, false},
+                                    {&mesh.sBoneIdx, COptionsData::eVcOptBoneInd, false},
+                                    {&mesh.sBoneWeight, COptionsData::eVcOptBoneWt, false}};
     for (uint32_t i = 0; i < mesh.nNumUVW && i < 8; ++i)
         streams.push_back({&mesh.psUVW[i], COptionsData::eVcOptUVW0 + i, false});
     for (const SStream& st : streams)

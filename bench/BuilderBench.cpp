@@ -35,7 +35,8 @@ SContent MakeGrid(int n)
     g.channels[0].faces.reserve(corners / 3);
     const float step = 1.0f / static_cast<float>(n);
     auto corner = [&](int x, int y) { return QMXTVECTOR3f{x * step, y * step, 0.0f}; };
-    auto triangle = [&](QMXTVECTOR3f a, QMXTVECTOR3f b, QMXTVECTOR3f c) {
+    auto triangle = [&](QMXTVECTOR3f a, QMXTVECTOR3f b, QMXTVECTOR3f c)
+    {
         SFace f;
         CTriIdx t;
         const QMXTVECTOR3f p[3] = {a, b, c};
@@ -61,7 +62,8 @@ SContent MakeGrid(int n)
 
 const SContent& Grid()
 {
-    static const SContent grid = MakeGrid(std::getenv("OSTREX_GRID") ? std::atoi(std::getenv("OSTREX_GRID")) : 1000);
+    static const SContent grid =
+        MakeGrid(std::getenv("OSTREX_GRID") ? std::atoi(std::getenv("OSTREX_GRID")) : 1000);
     return grid;
 }
 
@@ -77,7 +79,10 @@ class CStageClock : public ILogSink
 {
   public:
     void OnLog(int, const std::string&) override {}
-    void OnProgress(int percent, const std::string& text) override { marks[std::to_string(percent) + text] = ThreadSeconds(); }
+    void OnProgress(int percent, const std::string& text) override
+    {
+        marks[std::to_string(percent) + text] = ThreadSeconds();
+    }
     double Between(const std::string& a, const std::string& b) const
     {
         auto i = marks.find(a), j = marks.find(b);
@@ -118,4 +123,10 @@ static void BM_BuilderGrid(benchmark::State& state)
     state.counters["W"] = clock.Between("95Saving", "100Complete");
     state.counters["triangles"] = static_cast<double>(content.nodes[0].geom.faces.size());
 }
-BENCHMARK(BM_BuilderGrid)->Arg(0)->Arg(1)->Arg(2)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_BuilderGrid)
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(2)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();

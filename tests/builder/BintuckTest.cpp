@@ -100,12 +100,14 @@ TEST(Bintuck, ShortTailsArePaddedAndTheTrueSizeIsRegistered)
     const uint8_t data[5] = {0xff, 0, 0, 0, 0x01};
     std::ostringstream out;
     WrapData(out, data, sizeof data, "my-scene.tvo", 0);
-    EXPECT_EQ(out.str(), "// ******** Start: my-scene.tvo ********\n\n"
-                         "// File data\n"
-                         "A32BIT _my_scene_tvo[] = {\n0xff,0x1,\n};\n\n"
-                         "// Register my-scene.tvo in memory file system at application startup time\n"
-                         "static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, 5);\n\n"
-                         "// ******** End: my-scene.tvo ********\n\n");
+    EXPECT_EQ(
+        out.str(),
+        "// ******** Start: my-scene.tvo ********\n\n"
+        "// File data\n"
+        "A32BIT _my_scene_tvo[] = {\n0xff,0x1,\n};\n\n"
+        "// Register my-scene.tvo in memory file system at application startup time\n"
+        "static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, 5);\n\n"
+        "// ******** End: my-scene.tvo ********\n\n");
     std::ostringstream plain;
     WriteDataFooter(plain, 5, "my-scene.tvo", "_my_scene_tvo", eBintuckNoRegistration);
     EXPECT_EQ(plain.str(), "static int _my_scene_tvo_size = 5;\n\n");
@@ -117,10 +119,13 @@ TEST(Bintuck, ShortTailsArePaddedAndTheTrueSizeIsRegistered)
 
 TEST(Bintuck, TextFormEscapesAndBreaksLinesAfterNewlines)
 {
-    const std::string input = std::string("a\\b\"c\td\n\x01" "F\x7f") + std::string(1, '\0') + "\a\r\f\v";
+    const std::string input = std::string("a\\b\"c\td\n\x01"
+                                          "F\x7f") +
+                              std::string(1, '\0') + "\a\r\f\v";
     std::ostringstream out;
     WriteString(out, reinterpret_cast<const uint8_t*>(input.data()), input.size(), "t.txt", "_t_txt", 0);
-    EXPECT_EQ(out.str(), "static const char _t_txt[] = \n\t\"a\\\\b\\\"c\\td\\n\"\n\t\"\\x01\"\"F\\x7f\\x00\\a\\r\\f\\v\";\n\n");
+    EXPECT_EQ(out.str(), "static const char _t_txt[] = "
+                         "\n\t\"a\\\\b\\\"c\\td\\n\"\n\t\"\\x01\"\"F\\x7f\\x00\\a\\r\\f\\v\";\n\n");
     std::ostringstream none;
     WriteString(none, nullptr, 0, "t.txt", "_t_txt", 0);
     EXPECT_EQ(none.str(), "static const char _t_txt[] = \"\";\n\n");
@@ -139,8 +144,8 @@ TEST(Bintuck, WrapFilesWritesHeaderAndEveryFileOrReportsTheFailure)
     const std::string text = ReadText(output);
     const std::string base = BaseName(input);
     EXPECT_EQ(text.rfind("// This file was created by Bintuck 1.1\n", 0), 0u);
-    EXPECT_NE(text.find("// ******** Start: " + base + " ********\n\n// File data\nA32BIT " + FileToVarName(base) +
-                        "[] = {\n0x44434241,0x48474645,\n};\n\n"),
+    EXPECT_NE(text.find("// ******** Start: " + base + " ********\n\n// File data\nA32BIT " +
+                        FileToVarName(base) + "[] = {\n0x44434241,0x48474645,\n};\n\n"),
               std::string::npos);
     EXPECT_NE(text.find("// ******** End: " + base + " ********\n\n"), std::string::npos);
 

@@ -36,5 +36,6 @@ TEST(BuilderStrings, EveryIndexGivesItsEnglishText)
         EXPECT_STREQ(CTVOBuilderStrings::CStrText(i), expected[i]) << i;
     EXPECT_STREQ(CTVOBuilderStrings::CStrText(20), "");
     EXPECT_STREQ(CTVOBuilderStrings::CStrText(-1), "");
-    EXPECT_STREQ(CTVOBuilderStrings::LangNameAsCStrText(CTVOBuilderStrings::eLangBritishEnglish), "British English");
+    EXPECT_STREQ(CTVOBuilderStrings::LangNameAsCStrText(CTVOBuilderStrings::eLangBritishEnglish),
+                 "British English");
 }

@@ -103,7 +103,7 @@ TEST_F(EndToEnd, CubeWeldsTo24VerticesAndEveryStageIsReported)
         EXPECT_EQ(perAxis[a], 4) << a;
 
     const std::vector<CRecordingLogSink::SProgress> expectedProgress = {
-        {0, "Export stage 1"}, {0, "Cube"}, {40, "Export stage 2"}, {50, "Export stage 3"},
+        {0, "Export stage 1"},      {0, "Cube"},    {40, "Export stage 2"}, {50, "Export stage 3"},
         {75, "Final export stage"}, {95, "Saving"}, {100, "Complete"}};
     ASSERT_EQ(sink.progress.size(), expectedProgress.size());
     for (size_t i = 0; i < expectedProgress.size(); ++i)
@@ -117,7 +117,9 @@ TEST_F(EndToEnd, CubeWeldsTo24VerticesAndEveryStageIsReported)
     // The options text and history travel in the file.
     char text[10240] = {0};
     char history[64] = {0};
-    ASSERT_EQ(CQMXTModelTVO().ReadFromFile(Path("cube.tvo").c_str(), text, sizeof text - 1, history, sizeof history - 1), 0);
+    ASSERT_EQ(CQMXTModelTVO().ReadFromFile(Path("cube.tvo").c_str(), text, sizeof text - 1, history,
+                                           sizeof history - 1),
+              0);
     EXPECT_EQ(std::string(text), std::string(options.ToString().c_str()));
     EXPECT_STREQ(history, "test history");
 }
@@ -153,7 +155,8 @@ TEST_F(EndToEnd, SplitNodeSharedMeshesAndOrderContract)
     EXPECT_EQ(model.pNode[sub0].nIdxMaterial, 2);
     EXPECT_EQ(model.pNode[sub1].nIdxMaterial, 5);
     EXPECT_EQ(model.pNode[box].nIdx, -1);
-    EXPECT_TRUE(sink.Has(eLogWarning, "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
 
     EXPECT_EQ(model.nNumMeshNode, 4u);
     EXPECT_EQ(model.nNumMesh, 3u); // A and B share one
@@ -231,7 +234,8 @@ TEST_F(EndToEnd, WorldSpaceFlattensAtTheStaticFrame)
     COptions options;
     options.SetOption(COptionsData::eExportModelSpace, false);
     options.SetOption(COptionsData::eStaticFrame, 2u);
-    auto minX = [](const CQMXTModelTVO& m) {
+    auto minX = [](const CQMXTModelTVO& m)
+    {
         float lowest = 1e30f;
         for (uint32_t v = 0; v < m.pMesh[0].nNumVertex; ++v)
         {
@@ -435,12 +439,16 @@ TEST_F(EndToEnd, SourceFormsEmbedTheSameSceneAndCarryTheOptions)
     text << in.rdbuf();
     const std::string h = text.str();
     EXPECT_EQ(h.rfind("/*\n\tExpOpt{\nbFlipTextureV=0\n", 0), 0u);
-    EXPECT_NE(h.find("\t}ExpOpt\n\n\tHistory{\none\ntwo\n\t}History\n*/\n// This file was created by Bintuck 1.1\n"),
-              std::string::npos);
-    EXPECT_NE(h.find("// ******** Start: my-scene.tvo ********\n\n// File data\nA32BIT _my_scene_tvo[] = {\n"),
-              std::string::npos);
-    EXPECT_NE(h.find("static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, "),
-              std::string::npos);
+    EXPECT_NE(
+        h.find(
+            "\t}ExpOpt\n\n\tHistory{\none\ntwo\n\t}History\n*/\n// This file was created by Bintuck 1.1\n"),
+        std::string::npos);
+    EXPECT_NE(
+        h.find("// ******** Start: my-scene.tvo ********\n\n// File data\nA32BIT _my_scene_tvo[] = {\n"),
+        std::string::npos);
+    EXPECT_NE(
+        h.find("static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, "),
+        std::string::npos);
     COptions back;
     EXPECT_GT(back.ReadConfig(Path("my-scene.h").c_str()), 0);
     EXPECT_EQ(back.GetOption(COptionsData::eBoneLimit), 7u);
@@ -518,8 +526,8 @@ TEST_F(EndToEnd, TangentSpaceMessages)
 
     options.SetOption(COptionsData::eTSUseUVW, 1u); // the cube has one uv set
     ASSERT_TRUE(tvo.Process(content, options));
-    EXPECT_TRUE(sink.Has(eLogWarning,
-                         "Warning: Tangent-space generation skipped due to no UVW data in mapping channel 1."));
+    EXPECT_TRUE(sink.Has(
+        eLogWarning, "Warning: Tangent-space generation skipped due to no UVW data in mapping channel 1."));
     EXPECT_EQ(tvo.Scene()->pMesh[0].sTangents.n, 0u);
 
     // Two corners of a face at the same place weld into one vertex: the generator refuses that
@@ -622,7 +630,8 @@ TEST_F(EndToEnd, SkinWithoutDataIsIgnoredWithAWarning)
     COptions options;
     CQMXTModelTVO model;
     ASSERT_TRUE(Export(content, options, Path("noskin.tvo"), model));
-    EXPECT_TRUE(sink.Has(eLogWarning, "Warning: Ignoring skinning information as some/all vertices do not have data."));
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: Ignoring skinning information as some/all vertices do not have data."));
     EXPECT_EQ(model.pMesh[0].sBoneIdx.n, 0u);
 }
 
@@ -632,7 +641,8 @@ TEST_F(EndToEnd, PostExportRunsAfterAWriteWhenAsked)
     content.AddNode(MeshNode("Cube", CubeGeometry()));
     COptions options;
     options.SetOption(COptionsData::eClPostTarget, CQMXTString("cp"));
-    options.SetOption(COptionsData::eClPostArgs, CQMXTString(("'" + Path("a.tvo") + "' '" + Path("copy.tvo") + "'").c_str()));
+    options.SetOption(COptionsData::eClPostArgs,
+                      CQMXTString(("'" + Path("a.tvo") + "' '" + Path("copy.tvo") + "'").c_str()));
     CTVO tvo;
     ASSERT_TRUE(tvo.Process(content, options));
     ASSERT_TRUE(tvo.Write(Path("a.tvo").c_str(), options, nullptr, false));

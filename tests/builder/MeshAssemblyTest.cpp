@@ -231,7 +231,8 @@ TEST(MeshAssembly, CompareSeesEveryDifference)
 {
     const SGeomData g = Quad();
     const SBuilderSettings s;
-    auto build = [&](CTVOMeshEx& m) {
+    auto build = [&](CTVOMeshEx& m)
+    {
         m.Init(2, 1);
         m.AddFace(0, &g, nullptr, s);
         m.AddFace(1, &g, nullptr, s);

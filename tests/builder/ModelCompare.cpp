@@ -49,12 +49,12 @@ std::string CompareMesh(const STVOMesh& a, const STVOMesh& b)
     std::string d = CompareStream(a, a.sFaces, b, b.sFaces, QMXTModelTVOCountIndices(a), true);
     if (!d.empty())
         return "faces " + d;
-    const CTVOData* sa[] = {&a.sVertex, &a.sNormals, &a.sTangents, &a.sBinormals,
+    const CTVOData* sa[] = {&a.sVertex,     &a.sNormals, &a.sTangents,  &a.sBinormals,
                             &a.sVtxColours, &a.sBoneIdx, &a.sBoneWeight};
-    const CTVOData* sb[] = {&b.sVertex, &b.sNormals, &b.sTangents, &b.sBinormals,
+    const CTVOData* sb[] = {&b.sVertex,     &b.sNormals, &b.sTangents,  &b.sBinormals,
                             &b.sVtxColours, &b.sBoneIdx, &b.sBoneWeight};
-    static const char* const names[] = {"positions", "normals", "tangents", "binormals",
-                                        "colours", "bone indices", "bone weights"};
+    static const char* const names[] = {"positions", "normals",      "tangents",    "binormals",
+                                        "colours",   "bone indices", "bone weights"};
     for (int i = 0; i < 7 && d.empty(); ++i)
     {
         d = CompareStream(a, *sa[i], b, *sb[i], a.nNumVertex);
@@ -94,8 +94,10 @@ std::string CompareNode(const STVONode& a, const STVONode& b, uint32_t frames)
         uint32_t key, flag;
     };
     const SChannel channels[] = {
-        {a.pnAnimPositionIdx, b.pnAnimPositionIdx, a.pfAnimPosition, b.pfAnimPosition, 3, eTVOHasPositionAnimation},
-        {a.pnAnimRotationIdx, b.pnAnimRotationIdx, a.pfAnimRotation, b.pfAnimRotation, 4, eTVOHasRotationAnimation},
+        {a.pnAnimPositionIdx, b.pnAnimPositionIdx, a.pfAnimPosition, b.pfAnimPosition, 3,
+         eTVOHasPositionAnimation},
+        {a.pnAnimRotationIdx, b.pnAnimRotationIdx, a.pfAnimRotation, b.pfAnimRotation, 4,
+         eTVOHasRotationAnimation},
         {a.pnAnimScaleIdx, b.pnAnimScaleIdx, a.pfAnimScale, b.pfAnimScale, 7, eTVOHasScaleAnimation},
         {a.pnAnimMatrixIdx, b.pnAnimMatrixIdx, a.pfAnimMatrix, b.pfAnimMatrix, 16, eTVOHasMatrixAnimation},
     };
@@ -121,10 +123,10 @@ std::string CompareMaterial(const STVOMaterial& a, const STVOMaterial& b)
         !SameBytes(a.pfMatAmbient, b.pfMatAmbient, 12) || !SameBytes(a.pfMatDiffuse, b.pfMatDiffuse, 12) ||
         !SameBytes(a.pfMatSpecular, b.pfMatSpecular, 12) || a.fMatShininess != b.fMatShininess)
         return "colours or textures";
-    if (a.eBlendSrcRGB != b.eBlendSrcRGB || a.eBlendSrcA != b.eBlendSrcA || a.eBlendDstRGB != b.eBlendDstRGB ||
-        a.eBlendDstA != b.eBlendDstA || a.eBlendOpRGB != b.eBlendOpRGB || a.eBlendOpA != b.eBlendOpA ||
-        !SameBytes(a.pfBlendColour, b.pfBlendColour, 16) || !SameBytes(a.pfBlendFactor, b.pfBlendFactor, 16) ||
-        a.nFlags != b.nFlags)
+    if (a.eBlendSrcRGB != b.eBlendSrcRGB || a.eBlendSrcA != b.eBlendSrcA ||
+        a.eBlendDstRGB != b.eBlendDstRGB || a.eBlendDstA != b.eBlendDstA || a.eBlendOpRGB != b.eBlendOpRGB ||
+        a.eBlendOpA != b.eBlendOpA || !SameBytes(a.pfBlendColour, b.pfBlendColour, 16) ||
+        !SameBytes(a.pfBlendFactor, b.pfBlendFactor, 16) || a.nFlags != b.nFlags)
         return "blending";
     if (a.nUserDataSize != b.nUserDataSize || !SameBytes(a.pUserData, b.pUserData, a.nUserDataSize))
         return "user data";
@@ -134,7 +136,8 @@ std::string CompareMaterial(const STVOMaterial& a, const STVOMaterial& b)
 
 std::string DescribeModelDifference(const STVOScene& a, const STVOScene& b)
 {
-    if (!SameBytes(a.pfColourBackground, b.pfColourBackground, 12) || !SameBytes(a.pfColourAmbient, b.pfColourAmbient, 12))
+    if (!SameBytes(a.pfColourBackground, b.pfColourBackground, 12) ||
+        !SameBytes(a.pfColourAmbient, b.pfColourAmbient, 12))
         return "scene colours";
     if (a.nNumCamera != b.nNumCamera || a.nNumLight != b.nNumLight || a.nNumMesh != b.nNumMesh ||
         a.nNumNode != b.nNumNode || a.nNumMeshNode != b.nNumMeshNode || a.nNumTexture != b.nNumTexture ||

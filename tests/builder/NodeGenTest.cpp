@@ -111,7 +111,7 @@ TEST(NodeGen, ScaleAndMatrixCompareBytesPositionComparesFloats)
     c.tm.stretch[0] = 0.0f;
     for (SNodeTM& f : c.frames)
     {
-        f.pos[0] = -0.0f;    // equal as a float: still
+        f.pos[0] = -0.0f;     // equal as a float: still
         f.stretch[0] = -0.0f; // different bytes: animated
     }
     SBuilt b;

@@ -70,7 +70,8 @@ CNode MeshNode(const std::string& name, const SGeomData& geom)
 SGeomData TubeGeometry(int rings, int sides)
 {
     SGeomData g;
-    auto corner = [&](int r, int s) {
+    auto corner = [&](int r, int s)
+    {
         const float a = 6.2831853f * static_cast<float>(s % sides) / static_cast<float>(sides);
         return QMXTVECTOR3f{std::cos(a), static_cast<float>(r), std::sin(a)};
     };

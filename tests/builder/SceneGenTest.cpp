@@ -62,7 +62,8 @@ TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
     CTVOSceneEx scene;
     ASSERT_TRUE(Build(scene, content));
 
-    EXPECT_TRUE(sink.Has(eLogWarning, "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
     ASSERT_EQ(scene.nNumNode, 4u);
     EXPECT_EQ(scene.nNumMeshNode, 2u);
     EXPECT_STREQ(scene.pNode[0].pszName, "Box-submesh0");
@@ -273,7 +274,8 @@ TEST(SceneGen, SkinWithMissingVerticesIsIgnoredAndBadIndicesFail)
     content.AddNode(cube);
     CTVOSceneEx scene;
     ASSERT_TRUE(Build(scene, content));
-    EXPECT_TRUE(sink.Has(eLogWarning, "Warning: Ignoring skinning information as some/all vertices do not have data."));
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: Ignoring skinning information as some/all vertices do not have data."));
     EXPECT_EQ(scene.pMesh[0].sBoneIdx.n, 0u);
 
     content.nodes[0].geom.faces[3].normal[1] = 1000;
@@ -281,7 +283,8 @@ TEST(SceneGen, SkinWithMissingVerticesIsIgnoredAndBadIndicesFail)
     EXPECT_FALSE(bad.GenA(&content, SBuilderSettings()));
     EXPECT_TRUE(sink.Has(eLogError, "Error: 'Cube' has geometry indices out of range."));
     SBuilderSettings noNormals;
-    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, false); // the bad normal index is not read then
+    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport,
+                                                         false); // the bad normal index is not read then
     CTVOSceneEx fine;
     EXPECT_TRUE(fine.GenA(&content, noNormals));
     content.nodes[0].geom.channels[0].faces.pop_back();

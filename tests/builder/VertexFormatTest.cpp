@@ -49,7 +49,7 @@ TEST(VertexFormat, DefaultsGiveShortIndicesTwoUVComponentsAndDropUnwrittenSets)
     EXPECT_EQ(mesh.psUVW[0].n, 2u);
     EXPECT_EQ(mesh.psUVW[0].nStride, 8u);
     EXPECT_EQ(Floats(mesh.psUVW[0])[2], 2.0f); // vertex 1: u = x = 2
-    EXPECT_EQ(mesh.sVtxColours.n, 0u);          // colours are off by default
+    EXPECT_EQ(mesh.sVtxColours.n, 0u);         // colours are off by default
     EXPECT_EQ(mesh.pInterleaved, nullptr);
 }
 
@@ -69,8 +69,9 @@ TEST(VertexFormat, DirectXMirrorsZOfPositionsAndNormals)
 TEST(VertexFormat, TypesMasksAndQuantisedPositions)
 {
     SBuilderSettings s;
-    s.formats[COptionsData::eVcOptNor] = CVectorOpt(true, EQMXTDataShortNorm, 0x84);   // z only
-    s.formats[COptionsData::eVcOptCol] = CVectorOpt(true, EQMXTDataFloat, 0x09);       // components 0 and 3 of the packed colour
+    s.formats[COptionsData::eVcOptNor] = CVectorOpt(true, EQMXTDataShortNorm, 0x84); // z only
+    s.formats[COptionsData::eVcOptCol] =
+        CVectorOpt(true, EQMXTDataFloat, 0x09); // components 0 and 3 of the packed colour
     s.formats[COptionsData::eVcOptUVW1] = CVectorOpt(true, EQMXTDataUnsignedByte, 0x02);
     s.formats[COptionsData::eVcOptPos] = CVectorOpt(true, EQMXTDataUnsignedShort, 0x87);
     s.bUnpackMatrix = true;
