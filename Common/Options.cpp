@@ -4,6 +4,9 @@
 #include <cstring>
 #include <string>
 #include <unistd.h>
+#include <vector>
+
+#include "QMXTModelTVO.h"
 
 namespace
 {
@@ -115,8 +118,13 @@ int COptions::ReadTextConfig(const char* path)
     return got ? SetFromString(text.c_str()) : 0;
 }
 
-int COptions::ReadSceneConfig(const char*)
+int COptions::ReadSceneConfig(const char* path)
 {
-    // The scene-file reader is not available yet.
-    return 0;
+    // Only the options text is read; the scene is not loaded. The buffer stays terminated because
+    // the reader fills at most kTextLimit bytes of it.
+    std::vector<char> text(kTextLimit + 1, '\0');
+    CQMXTModelTVO model;
+    if (model.ReadFromFile(path, text.data(), static_cast<uint32_t>(kTextLimit)) != 0)
+        return 0;
+    return SetFromString(text.data());
 }

@@ -31,10 +31,16 @@ int ChannelComponent(int32_t entry)
     }
 }
 
+// Bytes from one vertex to the next; a stride left at 0 means tightly packed.
+uint32_t StrideOf(const CTVOData& data)
+{
+    return data.nStride ? data.nStride : QMXTModelTVODataStride(data);
+}
+
 bool StreamReadable(const CTVOData& data, const char* what)
 {
     if (QMXTModelTVODataTypeSize(data.eType) == 0 || LogicalComponents(data) > 4 ||
-        data.nStride < QMXTModelTVODataStride(data))
+        StrideOf(data) < QMXTModelTVODataStride(data))
     {
         QMXTErrorOutputDebug("%s: the stream has an unknown type, more than four components or a short stride.\n",
                              what);
@@ -73,7 +79,7 @@ int QMXTModelTVODataShred(CTVOData& data, uint32_t vertexCount, const int32_t* c
     const uint32_t logical = LogicalComponents(data);
     const uint32_t outCount = entries < logical ? entries : logical;
     const uint32_t newN = IsPacked(data.eType) ? 1 : outCount;
-    const uint32_t oldStride = data.nStride;
+    const uint32_t oldStride = StrideOf(data);
     const uint32_t newStride = QMXTModelTVODataTypeSize(data.eType) * newN;
     // In place, front to back: the new stride is never larger, so vertex v is written no further
     // than where it was read from and never over a vertex still to be read.
@@ -107,7 +113,7 @@ int QMXTModelTVODataConvert(CTVOData& data, uint32_t vertexCount, EQMXTDataType 
     const uint32_t logical = LogicalComponents(data);
     const uint32_t newN = IsPacked(target) ? 1 : logical;
     const uint32_t newStride = QMXTModelTVODataTypeSize(target) * newN;
-    const uint32_t oldStride = data.nStride;
+    const uint32_t oldStride = StrideOf(data);
     uint8_t* out = data.pData;
     if (newStride != oldStride)
     {

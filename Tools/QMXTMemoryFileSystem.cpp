@@ -29,14 +29,15 @@ CQMXTMemoryFileSystem::CQMXTMemoryFileSystem(const char* fileName, const void* d
     RegisterMemoryFile(fileName, data, size, copy);
 }
 
-bool CQMXTMemoryFileSystem::RegisterMemoryFile(const char* fileName, const void* data, uint32_t size, bool copy)
+bool CQMXTMemoryFileSystem::RegisterMemoryFile(const char* fileName, const void* data, uint32_t size,
+                                               bool copy)
 {
     if (!fileName || (!data && size))
         return false;
     if (g_nNumFiles == g_nCapacity)
     {
-        SMemoryFile* grown =
-            static_cast<SMemoryFile*>(std::malloc((static_cast<size_t>(g_nCapacity) + kGrowth) * sizeof(SMemoryFile)));
+        SMemoryFile* grown = static_cast<SMemoryFile*>(
+            std::malloc((static_cast<size_t>(g_nCapacity) + kGrowth) * sizeof(SMemoryFile)));
         if (!grown)
             return false;
         if (g_nNumFiles)

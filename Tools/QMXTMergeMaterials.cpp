@@ -1,9 +1,11 @@
 // Merging of material settings from one scene into the same-named materials of another.
 #include <cstdlib>
 #include <cstring>
-#include <deque>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
@@ -11,9 +13,9 @@
 
 namespace
 {
-std::string NameOf(const char* s)
+std::string_view ViewOf(const char* s)
 {
-    return s ? s : "";
+    return s ? std::string_view(s) : std::string_view();
 }
 
 char* CopyOf(const char* s)
@@ -26,11 +28,10 @@ char* CopyOf(const char* s)
 }
 
 // Two different names, both with an extension, that agree on everything before it.
-bool SameBaseOtherExtension(const std::string& a, const std::string& b)
+bool SameBaseOtherExtension(std::string_view a, std::string_view b)
 {
     const size_t dotA = a.rfind('.'), dotB = b.rfind('.');
-    return a != b && dotA != std::string::npos && dotB != std::string::npos && dotA == dotB &&
-           a.compare(0, dotA, b, 0, dotB) == 0;
+    return a != b && dotA != std::string_view::npos && dotA == dotB && a.substr(0, dotA) == b.substr(0, dotB);
 }
 
 // Replaces an owned string; false (and the old string kept) when the copy fails.
@@ -72,7 +73,7 @@ bool MergeTextureSlot(const STVOScene& src, int32_t srcIdx, STVOScene& dst, int3
         return true;
     }
     char*& dstName = dst.pTexture[dstIdx].pszName;
-    if (SameBaseOtherExtension(NameOf(dstName), srcName))
+    if (SameBaseOtherExtension(ViewOf(dstName), srcName))
         return Replace(dstName, srcName);
     return true; // equal names, or another texture: the destination keeps its own
 }
@@ -103,21 +104,28 @@ int QMXTModelTVOMergeMaterials(const STVOScene& src, STVOScene& dst)
 {
     if (src.nNumMaterial == 0 || dst.nNumMaterial == 0 || !src.pMaterial || !dst.pMaterial)
         return 0;
-    // Destination materials by name, in order; a match takes the first and removes it.
-    std::unordered_map<std::string, std::deque<uint32_t>> unmatched;
-    for (uint32_t i = 0; i < dst.nNumMaterial; ++i)
-        unmatched[NameOf(dst.pMaterial[i].pszName)].push_back(i);
+    // Unmatched destination materials of each name as a list in material order: the head is the
+    // first unmatched one, and matching it moves the head along.
+    const uint32_t none = UINT32_MAX;
+    std::unordered_map<std::string_view, uint32_t> head;
+    std::vector<uint32_t> next(dst.nNumMaterial);
+    for (uint32_t i = dst.nNumMaterial; i-- > 0;)
+    {
+        const auto [it, added] = head.try_emplace(ViewOf(dst.pMaterial[i].pszName), i);
+        next[i] = added ? none : it->second;
+        it->second = i;
+    }
     for (uint32_t i = 0; i < src.nNumMaterial; ++i)
     {
-        auto found = unmatched.find(NameOf(src.pMaterial[i].pszName));
-        if (found == unmatched.end() || found->second.empty())
+        auto found = head.find(ViewOf(src.pMaterial[i].pszName));
+        if (found == head.end() || found->second == none)
             continue;
-        const uint32_t d = found->second.front();
-        found->second.pop_front();
+        const uint32_t d = found->second;
+        found->second = next[d];
         if (!MergeMaterial(src, src.pMaterial[i], dst, dst.pMaterial[d]))
         {
             QMXTErrorOutputDebug("MergeMaterials: out of memory merging material '%s'.\n",
-                                 NameOf(src.pMaterial[i].pszName).c_str());
+                                 std::string(ViewOf(src.pMaterial[i].pszName)).c_str());
             return 1;
         }
     }

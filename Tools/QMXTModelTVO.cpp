@@ -38,7 +38,7 @@ void ChannelKeys(const float* values, const uint32_t* indices, bool animated, ui
     }
     const uint32_t last = frameCount - 1;
     a = Key(values, indices, frame < last ? frame : last, keySize);
-    b = Key(values, indices, frame + 1 < last ? frame + 1 : last, keySize);
+    b = Key(values, indices, frame < last ? frame + 1 : last, keySize);
 }
 
 void FreeNode(STVONode& n)
@@ -150,7 +150,13 @@ void CQMXTModelTVO::SetFrame(float frame)
     m_pImpl->fFrame = frame;
     if (nNumFrame)
     {
-        m_pImpl->nFrame = static_cast<uint32_t>(frame);
+        // Truncation saturates: a negative, huge or NaN frame would make the conversion undefined.
+        if (!(frame > 0.0f))
+            m_pImpl->nFrame = 0;
+        else if (frame >= 4294967296.0f)
+            m_pImpl->nFrame = UINT32_MAX;
+        else
+            m_pImpl->nFrame = static_cast<uint32_t>(frame);
         m_pImpl->fBlend = frame - static_cast<float>(m_pImpl->nFrame);
     }
     else

@@ -31,13 +31,9 @@ bool DupChannel(uint32_t*& dstIdx, float*& dstVal, const uint32_t* idx, const fl
                 uint32_t frameCount, uint32_t keySize)
 {
     const uint32_t* usedIdx = animated && frameCount ? idx : nullptr;
-    size_t floats = 0;
-    if (val)
-    {
-        floats = animated && frameCount ? QMXTModelTVOGetAnimArraySize(usedIdx, frameCount, keySize) : keySize;
-        if (floats < keySize)
-            floats = keySize;
-    }
+    const size_t floats = !val ? 0
+                          : animated && frameCount ? QMXTModelTVOGetAnimArraySize(usedIdx, frameCount, keySize)
+                                                   : keySize;
     return DupArray(dstIdx, usedIdx, frameCount) && DupArray(dstVal, val, floats);
 }
 

@@ -33,8 +33,7 @@ bool HostIsBigEndian()
     return first == 0;
 }
 
-// Sizes met while reading a node: floats and index entries of the four channels, and the static
-// values of the older node layout.
+// Sizes met while reading a node: floats and index entries of its four channels.
 struct SNodeRead
 {
     uint32_t pnFloats[4] = {};
@@ -110,7 +109,7 @@ class CTVOReader
 
     CSource& m_src;
     STVOScene* m_pScene;
-    bool m_bSeen[7] = {}; // count fields met: cameras, lights, meshes, nodes, textures, materials
+    bool m_bSeen[6] = {}; // count fields met: cameras, lights, meshes, nodes, textures, materials
     uint32_t m_nCameras = 0, m_nLights = 0, m_nMeshes = 0, m_nNodes = 0, m_nTextures = 0, m_nMaterials = 0;
     std::vector<SNodeRead> m_nodes;
     std::vector<uint32_t> m_fovCounts;
@@ -237,8 +236,9 @@ bool CTVOReader::ReadScene()
                 return false;
             if (m_pScene->nFlags & eTVOSceneFixedPoint)
             {
-                QMXTErrorOutputDebug("Error: The TVO file is in fixed point format but the tools haven't been "
-                                     "compiled with fixed point enabled.\n");
+                QMXTErrorOutputDebug(
+                    "Error: The TVO file is in fixed point format but the tools haven't been "
+                    "compiled with fixed point enabled.\n");
                 return m_src.Fail("fixed-point vertex data is not supported");
             }
             return version || m_src.Fail("no version block before the scene");
@@ -311,75 +311,77 @@ bool CTVOReader::ReadTexts(char* options, uint32_t optionsSize, char* history, u
 bool CTVOReader::SceneBlock()
 {
     STVOScene& s = *m_pScene;
-    const bool ok = Children(eTVOScene, [&](uint32_t tag, uint32_t length) -> int {
-        switch (tag)
-        {
-        case eTVOSceneClearColour:
-            return F32s(length, s.pfColourBackground, 3);
-        case eTVOSceneAmbientColour:
-            return F32s(length, s.pfColourAmbient, 3);
-        case eTVOSceneNumCamera:
-            if (!Count(length, s.nNumCamera, s.pCamera, m_bSeen[0]))
-                return 0;
-            m_fovCounts.assign(s.nNumCamera, 0);
-            return 1;
-        case eTVOSceneNumLight:
-            return Count(length, s.nNumLight, s.pLight, m_bSeen[1]);
-        case eTVOSceneNumMesh:
-            return Count(length, s.nNumMesh, s.pMesh, m_bSeen[2]);
-        case eTVOSceneNumNode:
-            if (!Count(length, s.nNumNode, s.pNode, m_bSeen[3]))
-                return 0;
-            m_nodes.assign(s.nNumNode, SNodeRead());
-            return 1;
-        case eTVOSceneNumTexture:
-            return Count(length, s.nNumTexture, s.pTexture, m_bSeen[4]);
-        case eTVOSceneNumMaterial:
-            return Count(length, s.nNumMaterial, s.pMaterial, m_bSeen[5]);
-        case eTVOSceneNumMeshNode:
-            return U32(length, s.nNumMeshNode);
-        case eTVOSceneNumFrame:
-            return U32(length, s.nNumFrame);
-        case eTVOSceneFPS:
-            return U32(length, s.nFPS);
-        case eTVOSceneFlags:
-            return U32(length, s.nFlags);
-        case eTVOSceneUserData:
-            s.nUserDataSize = 0;
-            if (!m_src.ReadAfterAlloc(s.pUserData, length))
-                return 0;
-            s.nUserDataSize = length;
-            return 1;
-        case eTVOSceneCamera:
-            if (!NextRecord(s.nNumCamera, m_nCameras, "cameras"))
-                return 0;
-            ++m_nCameras;
-            return Camera(s.pCamera[m_nCameras - 1], m_fovCounts[m_nCameras - 1]);
-        case eTVOSceneLight:
-            if (!NextRecord(s.nNumLight, m_nLights, "lights"))
-                return 0;
-            return Light(s.pLight[m_nLights++]);
-        case eTVOSceneMaterial:
-            if (!NextRecord(s.nNumMaterial, m_nMaterials, "materials"))
-                return 0;
-            return Material(s.pMaterial[m_nMaterials++]);
-        case eTVOSceneMesh:
-            if (!NextRecord(s.nNumMesh, m_nMeshes, "meshes"))
-                return 0;
-            return Mesh(s.pMesh[m_nMeshes++]);
-        case eTVOSceneNode:
-            if (!NextRecord(s.nNumNode, m_nNodes, "nodes"))
-                return 0;
-            ++m_nNodes;
-            return Node(s.pNode[m_nNodes - 1], m_nodes[m_nNodes - 1]);
-        case eTVOSceneTexture:
-            if (!NextRecord(s.nNumTexture, m_nTextures, "textures"))
-                return 0;
-            return Texture(s.pTexture[m_nTextures++]);
-        default:
-            return -1;
-        }
-    });
+    const bool ok = Children(eTVOScene,
+                             [&](uint32_t tag, uint32_t length) -> int
+                             {
+                                 switch (tag)
+                                 {
+                                 case eTVOSceneClearColour:
+                                     return F32s(length, s.pfColourBackground, 3);
+                                 case eTVOSceneAmbientColour:
+                                     return F32s(length, s.pfColourAmbient, 3);
+                                 case eTVOSceneNumCamera:
+                                     if (!Count(length, s.nNumCamera, s.pCamera, m_bSeen[0]))
+                                         return 0;
+                                     m_fovCounts.assign(s.nNumCamera, 0);
+                                     return 1;
+                                 case eTVOSceneNumLight:
+                                     return Count(length, s.nNumLight, s.pLight, m_bSeen[1]);
+                                 case eTVOSceneNumMesh:
+                                     return Count(length, s.nNumMesh, s.pMesh, m_bSeen[2]);
+                                 case eTVOSceneNumNode:
+                                     if (!Count(length, s.nNumNode, s.pNode, m_bSeen[3]))
+                                         return 0;
+                                     m_nodes.assign(s.nNumNode, SNodeRead());
+                                     return 1;
+                                 case eTVOSceneNumTexture:
+                                     return Count(length, s.nNumTexture, s.pTexture, m_bSeen[4]);
+                                 case eTVOSceneNumMaterial:
+                                     return Count(length, s.nNumMaterial, s.pMaterial, m_bSeen[5]);
+                                 case eTVOSceneNumMeshNode:
+                                     return U32(length, s.nNumMeshNode);
+                                 case eTVOSceneNumFrame:
+                                     return U32(length, s.nNumFrame);
+                                 case eTVOSceneFPS:
+                                     return U32(length, s.nFPS);
+                                 case eTVOSceneFlags:
+                                     return U32(length, s.nFlags);
+                                 case eTVOSceneUserData:
+                                     s.nUserDataSize = 0;
+                                     if (!m_src.ReadAfterAlloc(s.pUserData, length))
+                                         return 0;
+                                     s.nUserDataSize = length;
+                                     return 1;
+                                 case eTVOSceneCamera:
+                                     if (!NextRecord(s.nNumCamera, m_nCameras, "cameras"))
+                                         return 0;
+                                     ++m_nCameras;
+                                     return Camera(s.pCamera[m_nCameras - 1], m_fovCounts[m_nCameras - 1]);
+                                 case eTVOSceneLight:
+                                     if (!NextRecord(s.nNumLight, m_nLights, "lights"))
+                                         return 0;
+                                     return Light(s.pLight[m_nLights++]);
+                                 case eTVOSceneMaterial:
+                                     if (!NextRecord(s.nNumMaterial, m_nMaterials, "materials"))
+                                         return 0;
+                                     return Material(s.pMaterial[m_nMaterials++]);
+                                 case eTVOSceneMesh:
+                                     if (!NextRecord(s.nNumMesh, m_nMeshes, "meshes"))
+                                         return 0;
+                                     return Mesh(s.pMesh[m_nMeshes++]);
+                                 case eTVOSceneNode:
+                                     if (!NextRecord(s.nNumNode, m_nNodes, "nodes"))
+                                         return 0;
+                                     ++m_nNodes;
+                                     return Node(s.pNode[m_nNodes - 1], m_nodes[m_nNodes - 1]);
+                                 case eTVOSceneTexture:
+                                     if (!NextRecord(s.nNumTexture, m_nTextures, "textures"))
+                                         return 0;
+                                     return Texture(s.pTexture[m_nTextures++]);
+                                 default:
+                                     return -1;
+                                 }
+                             });
     return ok && SceneEnd();
 }
 
@@ -392,18 +394,19 @@ bool CTVOReader::SceneEnd()
     {
         uint32_t met, count;
         const char* what;
-    } counts[] = {{m_nCameras, s.nNumCamera, "cameras"},     {m_nLights, s.nNumLight, "lights"},
+    } counts[] = {{m_nCameras, s.nNumCamera, "cameras"},       {m_nLights, s.nNumLight, "lights"},
                   {m_nMaterials, s.nNumMaterial, "materials"}, {m_nMeshes, s.nNumMesh, "meshes"},
-                  {m_nTextures, s.nNumTexture, "textures"},   {m_nNodes, s.nNumNode, "nodes"}};
+                  {m_nTextures, s.nNumTexture, "textures"},    {m_nNodes, s.nNumNode, "nodes"}};
     for (const auto& c : counts)
         if (c.met != c.count)
             return m_src.Fail("%u %s for a count of %u", c.met, c.what, c.count);
     if (static_cast<uint64_t>(s.nNumMeshNode) + s.nNumLight + s.nNumCamera > s.nNumNode)
-        return m_src.Fail("%u mesh nodes, %u lights and %u cameras need more than the %u nodes", s.nNumMeshNode,
-                          s.nNumLight, s.nNumCamera, s.nNumNode);
+        return m_src.Fail("%u mesh nodes, %u lights and %u cameras need more than the %u nodes",
+                          s.nNumMeshNode, s.nNumLight, s.nNumCamera, s.nNumNode);
     for (uint32_t i = 0; i < s.nNumCamera; ++i)
         if (s.pCamera[i].pfAnimFOV && m_fovCounts[i] != s.nNumFrame)
-            return m_src.Fail("camera %u: %u field-of-view keys for %u frames", i, m_fovCounts[i], s.nNumFrame);
+            return m_src.Fail("camera %u: %u field-of-view keys for %u frames", i, m_fovCounts[i],
+                              s.nNumFrame);
     for (uint32_t i = 0; i < s.nNumNode; ++i)
         if (!NodeChecks(i))
             return false;
@@ -419,8 +422,10 @@ bool CTVOReader::NodeChecks(uint32_t i)
     {
         const uint32_t* idx = ChannelIdx(n, c);
         if (idx && r.pnIndices[c] != frames)
-            return m_src.Fail("node %u: %u %s indices for %u frames", i, r.pnIndices[c], kChannelName[c], frames);
-        const uint64_t need = QMXTTVOChannelFloats(idx, (n.nAnimationFlags & kChannelFlag[c]) != 0, frames, kKeySize[c]);
+            return m_src.Fail("node %u: %u %s indices for %u frames", i, r.pnIndices[c], kChannelName[c],
+                              frames);
+        const uint64_t need =
+            QMXTTVOChannelFloats(idx, (n.nAnimationFlags & kChannelFlag[c]) != 0, frames, kKeySize[c]);
         if (ChannelValues(n, c) && r.pnFloats[c] < need)
             return m_src.Fail("node %u: %u %s floats where the animation needs %llu", i, r.pnFloats[c],
                               kChannelName[c], static_cast<unsigned long long>(need));
@@ -431,115 +436,121 @@ bool CTVOReader::NodeChecks(uint32_t i)
 bool CTVOReader::Camera(STVOCamera& c, uint32_t& fovCount)
 {
     c.nIdxTarget = -1;
-    return Children(eTVOSceneCamera, [&](uint32_t tag, uint32_t length) -> int {
-        switch (tag)
-        {
-        case eTVOCameraIdxTarget:
-            return I32(length, c.nIdxTarget);
-        case eTVOCameraFOV:
-            return F32(length, c.fFOV);
-        case eTVOCameraFar:
-            return F32(length, c.fFar);
-        case eTVOCameraNear:
-            return F32(length, c.fNear);
-        case eTVOCameraAnimFOV:
-            return Array32(length, c.pfAnimFOV, fovCount);
-        default:
-            return -1;
-        }
-    });
+    return Children(eTVOSceneCamera,
+                    [&](uint32_t tag, uint32_t length) -> int
+                    {
+                        switch (tag)
+                        {
+                        case eTVOCameraIdxTarget:
+                            return I32(length, c.nIdxTarget);
+                        case eTVOCameraFOV:
+                            return F32(length, c.fFOV);
+                        case eTVOCameraFar:
+                            return F32(length, c.fFar);
+                        case eTVOCameraNear:
+                            return F32(length, c.fNear);
+                        case eTVOCameraAnimFOV:
+                            return Array32(length, c.pfAnimFOV, fovCount);
+                        default:
+                            return -1;
+                        }
+                    });
 }
 
 bool CTVOReader::Light(STVOLight& l)
 {
     l.nIdxTarget = -1;
-    return Children(eTVOSceneLight, [&](uint32_t tag, uint32_t length) -> int {
-        switch (tag)
-        {
-        case eTVOLightIdxTarget:
-            return I32(length, l.nIdxTarget);
-        case eTVOLightColour:
-            return F32s(length, l.pfColour, 3);
-        case eTVOLightType:
-            return U32(length, l.eType);
-        case eTVOLightConstantAttenuation:
-            return F32(length, l.fConstantAttenuation);
-        case eTVOLightLinearAttenuation:
-            return F32(length, l.fLinearAttenuation);
-        case eTVOLightQuadraticAttenuation:
-            return F32(length, l.fQuadraticAttenuation);
-        case eTVOLightFalloffAngle:
-            return F32(length, l.fFalloffAngle);
-        case eTVOLightFalloffExponent:
-            return F32(length, l.fFalloffExponent);
-        default:
-            return -1;
-        }
-    });
+    return Children(eTVOSceneLight,
+                    [&](uint32_t tag, uint32_t length) -> int
+                    {
+                        switch (tag)
+                        {
+                        case eTVOLightIdxTarget:
+                            return I32(length, l.nIdxTarget);
+                        case eTVOLightColour:
+                            return F32s(length, l.pfColour, 3);
+                        case eTVOLightType:
+                            return U32(length, l.eType);
+                        case eTVOLightConstantAttenuation:
+                            return F32(length, l.fConstantAttenuation);
+                        case eTVOLightLinearAttenuation:
+                            return F32(length, l.fLinearAttenuation);
+                        case eTVOLightQuadraticAttenuation:
+                            return F32(length, l.fQuadraticAttenuation);
+                        case eTVOLightFalloffAngle:
+                            return F32(length, l.fFalloffAngle);
+                        case eTVOLightFalloffExponent:
+                            return F32(length, l.fFalloffExponent);
+                        default:
+                            return -1;
+                        }
+                    });
 }
 
 bool CTVOReader::Material(STVOMaterial& m)
 {
     for (int32_t& t : m.nIdxTexture)
         t = -1;
-    return Children(eTVOSceneMaterial, [&](uint32_t tag, uint32_t length) -> int {
-        if (tag == eTVOMatTexDiffuse)
-            return I32(length, m.nIdxTexture[0]);
-        if (tag >= eTVOMatTexAmbient && tag <= eTVOMatTexRefraction)
-            return I32(length, m.nIdxTexture[tag - eTVOMatTexAmbient + 1]);
-        switch (tag)
-        {
-        case eTVOMatFlags:
-            return U32(length, m.nFlags);
-        case eTVOMatName:
-            return String(length, m.pszName);
-        case eTVOMatOpacity:
-            return F32(length, m.fMatOpacity);
-        case eTVOMatAmbient:
-            return F32s(length, m.pfMatAmbient, 3);
-        case eTVOMatDiffuse:
-            return F32s(length, m.pfMatDiffuse, 3);
-        case eTVOMatSpecular:
-            return F32s(length, m.pfMatSpecular, 3);
-        case eTVOMatShininess:
-            return F32(length, m.fMatShininess);
-        case eTVOMatEffectFile:
-            return String(length, m.pszEffectFile);
-        case eTVOMatEffectName:
-            return String(length, m.pszEffectName);
-        case eTVOMatBlendSrcRGB:
-            return U32(length, m.eBlendSrcRGB);
-        case eTVOMatBlendSrcA:
-            return U32(length, m.eBlendSrcA);
-        case eTVOMatBlendDstRGB:
-            return U32(length, m.eBlendDstRGB);
-        case eTVOMatBlendDstA:
-            return U32(length, m.eBlendDstA);
-        case eTVOMatBlendOpRGB:
-            return U32(length, m.eBlendOpRGB);
-        case eTVOMatBlendOpA:
-            return U32(length, m.eBlendOpA);
-        case eTVOMatBlendColour:
-            return F32s(length, m.pfBlendColour, 4);
-        case eTVOMatBlendFactor:
-            return F32s(length, m.pfBlendFactor, 4);
-        case eTVOMatUserData:
-            m.nUserDataSize = 0;
-            if (!m_src.ReadAfterAlloc(m.pUserData, length))
-                return 0;
-            m.nUserDataSize = length;
-            return 1;
-        default:
-            return -1;
-        }
-    });
+    return Children(eTVOSceneMaterial,
+                    [&](uint32_t tag, uint32_t length) -> int
+                    {
+                        if (tag == eTVOMatTexDiffuse)
+                            return I32(length, m.nIdxTexture[0]);
+                        if (tag >= eTVOMatTexAmbient && tag <= eTVOMatTexRefraction)
+                            return I32(length, m.nIdxTexture[tag - eTVOMatTexAmbient + 1]);
+                        switch (tag)
+                        {
+                        case eTVOMatFlags:
+                            return U32(length, m.nFlags);
+                        case eTVOMatName:
+                            return String(length, m.pszName);
+                        case eTVOMatOpacity:
+                            return F32(length, m.fMatOpacity);
+                        case eTVOMatAmbient:
+                            return F32s(length, m.pfMatAmbient, 3);
+                        case eTVOMatDiffuse:
+                            return F32s(length, m.pfMatDiffuse, 3);
+                        case eTVOMatSpecular:
+                            return F32s(length, m.pfMatSpecular, 3);
+                        case eTVOMatShininess:
+                            return F32(length, m.fMatShininess);
+                        case eTVOMatEffectFile:
+                            return String(length, m.pszEffectFile);
+                        case eTVOMatEffectName:
+                            return String(length, m.pszEffectName);
+                        case eTVOMatBlendSrcRGB:
+                            return U32(length, m.eBlendSrcRGB);
+                        case eTVOMatBlendSrcA:
+                            return U32(length, m.eBlendSrcA);
+                        case eTVOMatBlendDstRGB:
+                            return U32(length, m.eBlendDstRGB);
+                        case eTVOMatBlendDstA:
+                            return U32(length, m.eBlendDstA);
+                        case eTVOMatBlendOpRGB:
+                            return U32(length, m.eBlendOpRGB);
+                        case eTVOMatBlendOpA:
+                            return U32(length, m.eBlendOpA);
+                        case eTVOMatBlendColour:
+                            return F32s(length, m.pfBlendColour, 4);
+                        case eTVOMatBlendFactor:
+                            return F32s(length, m.pfBlendFactor, 4);
+                        case eTVOMatUserData:
+                            m.nUserDataSize = 0;
+                            if (!m_src.ReadAfterAlloc(m.pUserData, length))
+                                return 0;
+                            m.nUserDataSize = length;
+                            return 1;
+                        default:
+                            return -1;
+                        }
+                    });
 }
 
 bool CTVOReader::Texture(STVOTexture& t)
 {
-    return Children(eTVOSceneTexture, [&](uint32_t tag, uint32_t length) -> int {
-        return tag == eTVOTexName ? String(length, t.pszName) : -1;
-    });
+    return Children(eTVOSceneTexture,
+                    [&](uint32_t tag, uint32_t length) -> int
+                    { return tag == eTVOTexName ? String(length, t.pszName) : -1; });
 }
 
 bool CTVOReader::Node(STVONode& n, SNodeRead& r)
@@ -548,54 +559,56 @@ bool CTVOReader::Node(STVONode& n, SNodeRead& r)
     // Static values of the older layout; a node that has any of them gets every missing channel filled.
     float position[3] = {0, 0, 0}, rotation[4] = {0, 0, 0, 1}, scale[7] = {1, 1, 1, 0, 0, 0, 0};
     bool legacy = false;
-    const bool ok = Children(eTVOSceneNode, [&](uint32_t tag, uint32_t length) -> int {
-        switch (tag)
-        {
-        case eTVONodeIdx:
-            return I32(length, n.nIdx);
-        case eTVONodeName:
-            return String(length, n.pszName);
-        case eTVONodeIdxMaterial:
-            return I32(length, n.nIdxMaterial);
-        case eTVONodeIdxParent:
-            return I32(length, n.nIdxParent);
-        case eTVONodeAnimFlags:
-            return U32(length, n.nAnimationFlags);
-        case eTVONodeStaticPosition:
-            legacy = true;
-            return F32s(length, position, 3);
-        case eTVONodeStaticRotation:
-            legacy = true;
-            return F32s(length, rotation, 4);
-        case eTVONodeStaticScale:
-            legacy = true;
-            return F32s(length, scale, 3);
-        case eTVONodeAnimPositionIdx:
-            return Array32(length, n.pnAnimPositionIdx, r.pnIndices[0]);
-        case eTVONodeAnimRotationIdx:
-            return Array32(length, n.pnAnimRotationIdx, r.pnIndices[1]);
-        case eTVONodeAnimScaleIdx:
-            return Array32(length, n.pnAnimScaleIdx, r.pnIndices[2]);
-        case eTVONodeAnimMatrixIdx:
-            return Array32(length, n.pnAnimMatrixIdx, r.pnIndices[3]);
-        case eTVONodeAnimPosition:
-            return Array32(length, n.pfAnimPosition, r.pnFloats[0]);
-        case eTVONodeAnimRotation:
-            return Array32(length, n.pfAnimRotation, r.pnFloats[1]);
-        case eTVONodeAnimScale:
-            return Array32(length, n.pfAnimScale, r.pnFloats[2]);
-        case eTVONodeAnimMatrix:
-            return Array32(length, n.pfAnimMatrix, r.pnFloats[3]);
-        case eTVONodeUserData:
-            n.nUserDataSize = 0;
-            if (!m_src.ReadAfterAlloc(n.pUserData, length))
-                return 0;
-            n.nUserDataSize = length;
-            return 1;
-        default:
-            return -1;
-        }
-    });
+    const bool ok = Children(eTVOSceneNode,
+                             [&](uint32_t tag, uint32_t length) -> int
+                             {
+                                 switch (tag)
+                                 {
+                                 case eTVONodeIdx:
+                                     return I32(length, n.nIdx);
+                                 case eTVONodeName:
+                                     return String(length, n.pszName);
+                                 case eTVONodeIdxMaterial:
+                                     return I32(length, n.nIdxMaterial);
+                                 case eTVONodeIdxParent:
+                                     return I32(length, n.nIdxParent);
+                                 case eTVONodeAnimFlags:
+                                     return U32(length, n.nAnimationFlags);
+                                 case eTVONodeStaticPosition:
+                                     legacy = true;
+                                     return F32s(length, position, 3);
+                                 case eTVONodeStaticRotation:
+                                     legacy = true;
+                                     return F32s(length, rotation, 4);
+                                 case eTVONodeStaticScale:
+                                     legacy = true;
+                                     return F32s(length, scale, 3);
+                                 case eTVONodeAnimPositionIdx:
+                                     return Array32(length, n.pnAnimPositionIdx, r.pnIndices[0]);
+                                 case eTVONodeAnimRotationIdx:
+                                     return Array32(length, n.pnAnimRotationIdx, r.pnIndices[1]);
+                                 case eTVONodeAnimScaleIdx:
+                                     return Array32(length, n.pnAnimScaleIdx, r.pnIndices[2]);
+                                 case eTVONodeAnimMatrixIdx:
+                                     return Array32(length, n.pnAnimMatrixIdx, r.pnIndices[3]);
+                                 case eTVONodeAnimPosition:
+                                     return Array32(length, n.pfAnimPosition, r.pnFloats[0]);
+                                 case eTVONodeAnimRotation:
+                                     return Array32(length, n.pfAnimRotation, r.pnFloats[1]);
+                                 case eTVONodeAnimScale:
+                                     return Array32(length, n.pfAnimScale, r.pnFloats[2]);
+                                 case eTVONodeAnimMatrix:
+                                     return Array32(length, n.pfAnimMatrix, r.pnFloats[3]);
+                                 case eTVONodeUserData:
+                                     n.nUserDataSize = 0;
+                                     if (!m_src.ReadAfterAlloc(n.pUserData, length))
+                                         return 0;
+                                     n.nUserDataSize = length;
+                                     return 1;
+                                 default:
+                                     return -1;
+                                 }
+                             });
     if (!ok || !legacy)
         return ok;
     const float* statics[3] = {position, rotation, scale};
@@ -621,120 +634,126 @@ bool CTVOReader::Mesh(STVOMesh& m)
     QMXTMatrixIdentityF(identity);
     std::memcpy(m.mUnpackMatrix, identity.f, sizeof m.mUnpackMatrix);
     SMeshRead r;
-    CTVOData* streams[7] = {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals,
+    CTVOData* streams[7] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
                             &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
-    const bool ok = Children(eTVOSceneMesh, [&](uint32_t tag, uint32_t length) -> int {
-        CQMXTBoneBatches& b = m.sBoneBatch;
-        switch (tag)
+    const bool ok = Children(
+        eTVOSceneMesh,
+        [&](uint32_t tag, uint32_t length) -> int
         {
-        case eTVOMeshNumVertex:
-            return U32(length, m.nNumVertex);
-        case eTVOMeshNumFaces:
-            return U32(length, m.nNumFaces);
-        case eTVOMeshNumUVW:
-        {
-            uint32_t n;
-            if (!U32(length, n))
-                return 0;
-            if (m.psUVW || r.nUVWRead)
-                return m_src.Fail("the UVW count is given twice or after UVW blocks");
-            if (n > m_src.Remaining() / kMinRecordBytes)
-                return m_src.Fail("%u UVW streams cannot fit in the %u bytes left", n, m_src.Remaining());
-            if (!SafeAlloc(m.psUVW, n))
-                return m_src.Fail("out of memory for %u UVW streams", n);
-            m.nNumUVW = n;
-            r.uvwBytes.assign(n, 0);
-            return 1;
-        }
-        case eTVOMeshStripLength:
-            return Array32(length, m.pnStripLength, r.nStrips);
-        case eTVOMeshNumStrips:
-            return U32(length, m.nNumStrips);
-        case eTVOMeshInterleaved:
-            if (r.bStreamMet)
-                return m_src.Fail("the interleaved block comes after vertex streams");
-            if (!m_src.ReadAfterAlloc(m.pInterleaved, length))
-                return 0;
-            if (!m.pInterleaved && !SafeAlloc(m.pInterleaved, 1)) // an empty block still marks the mesh
-                return m_src.Fail("out of memory");
-            r.nInterleavedBytes = length;
-            return 1;
-        case eTVOMeshBoneBatchBoneMax:
-            return U32(length, b.nBatchBoneMax);
-        case eTVOMeshBoneBatchCnt:
-            return U32(length, b.nBatchCnt);
-        case eTVOMeshBoneBatches:
-            return Array32(length, b.pnBatches, r.nBatchBones);
-        case eTVOMeshBoneBatchBoneCnt:
-            return Array32(length, b.pnBatchBoneCnt, r.nBatchBoneCnt);
-        case eTVOMeshBoneBatchOffset:
-            return Array32(length, b.pnBatchOffset, r.nBatchOffset);
-        case eTVOMeshUnpackMatrix:
-            return F32s(length, m.mUnpackMatrix, 16);
-        case eTVOMeshFaces:
-            return Data(tag, m.sFaces, r.nFacesBytes, false);
-        case eTVOMeshUVW:
-            if (r.nUVWRead >= m.nNumUVW)
-                return m_src.Fail("more UVW blocks than the UVW count %u", m.nNumUVW);
-            r.bStreamMet = true;
-            ++r.nUVWRead;
-            return Data(tag, m.psUVW[r.nUVWRead - 1], r.uvwBytes[r.nUVWRead - 1], m.pInterleaved != nullptr);
-        default:
-            if (tag >= eTVOMeshVertex && tag <= eTVOMeshBoneWeight)
+            CQMXTBoneBatches& b = m.sBoneBatch;
+            switch (tag)
             {
-                const int i = tag < eTVOMeshUVW ? static_cast<int>(tag - eTVOMeshVertex)
-                                                 : static_cast<int>(tag - eTVOMeshVtxColours) + 4;
-                r.bStreamMet = true;
-                return Data(tag, *streams[i], r.pnStreamBytes[i], m.pInterleaved != nullptr);
+            case eTVOMeshNumVertex:
+                return U32(length, m.nNumVertex);
+            case eTVOMeshNumFaces:
+                return U32(length, m.nNumFaces);
+            case eTVOMeshNumUVW:
+            {
+                uint32_t n;
+                if (!U32(length, n))
+                    return 0;
+                if (m.psUVW || r.nUVWRead)
+                    return m_src.Fail("the UVW count is given twice or after UVW blocks");
+                if (n > m_src.Remaining() / kMinRecordBytes)
+                    return m_src.Fail("%u UVW streams cannot fit in the %u bytes left", n, m_src.Remaining());
+                if (!SafeAlloc(m.psUVW, n))
+                    return m_src.Fail("out of memory for %u UVW streams", n);
+                m.nNumUVW = n;
+                r.uvwBytes.assign(n, 0);
+                return 1;
             }
-            return -1;
-        }
-    });
+            case eTVOMeshStripLength:
+                return Array32(length, m.pnStripLength, r.nStrips);
+            case eTVOMeshNumStrips:
+                return U32(length, m.nNumStrips);
+            case eTVOMeshInterleaved:
+                if (r.bStreamMet)
+                    return m_src.Fail("the interleaved block comes after vertex streams");
+                if (!m_src.ReadAfterAlloc(m.pInterleaved, length))
+                    return 0;
+                if (!m.pInterleaved && !SafeAlloc(m.pInterleaved, 1)) // an empty block still marks the mesh
+                    return m_src.Fail("out of memory");
+                r.nInterleavedBytes = length;
+                return 1;
+            case eTVOMeshBoneBatchBoneMax:
+                return U32(length, b.nBatchBoneMax);
+            case eTVOMeshBoneBatchCnt:
+                return U32(length, b.nBatchCnt);
+            case eTVOMeshBoneBatches:
+                return Array32(length, b.pnBatches, r.nBatchBones);
+            case eTVOMeshBoneBatchBoneCnt:
+                return Array32(length, b.pnBatchBoneCnt, r.nBatchBoneCnt);
+            case eTVOMeshBoneBatchOffset:
+                return Array32(length, b.pnBatchOffset, r.nBatchOffset);
+            case eTVOMeshUnpackMatrix:
+                return F32s(length, m.mUnpackMatrix, 16);
+            case eTVOMeshFaces:
+                return Data(tag, m.sFaces, r.nFacesBytes, false);
+            case eTVOMeshUVW:
+                if (r.nUVWRead >= m.nNumUVW)
+                    return m_src.Fail("more UVW blocks than the UVW count %u", m.nNumUVW);
+                r.bStreamMet = true;
+                ++r.nUVWRead;
+                return Data(tag, m.psUVW[r.nUVWRead - 1], r.uvwBytes[r.nUVWRead - 1],
+                            m.pInterleaved != nullptr);
+            default:
+                if (tag >= eTVOMeshVertex && tag <= eTVOMeshBoneWeight)
+                {
+                    const int i = tag < eTVOMeshUVW ? static_cast<int>(tag - eTVOMeshVertex)
+                                                    : static_cast<int>(tag - eTVOMeshVtxColours) + 4;
+                    r.bStreamMet = true;
+                    return Data(tag, *streams[i], r.pnStreamBytes[i], m.pInterleaved != nullptr);
+                }
+                return -1;
+            }
+        });
     return ok && MeshEnd(m, r);
 }
 
 bool CTVOReader::Data(uint32_t tag, CTVOData& d, uint32_t& bytes, bool interleaved)
 {
-    return Children(tag, [&](uint32_t child, uint32_t length) -> int {
-        switch (child)
-        {
-        case eTVODataType:
-        {
-            uint32_t type;
-            if (!U32(length, type))
-                return 0;
-            d.eType = static_cast<EQMXTDataType>(type);
-            return 1;
-        }
-        case eTVODataComponents:
-            return U32(length, d.n);
-        case eTVODataStride:
-            return U32(length, d.nStride);
-        case eTVODataData:
-        {
-            if (interleaved)
-            {
-                uint32_t offset;
-                if (!U32(length, offset))
-                    return 0;
-                QMXTModelTVODataSetOffset(d, offset);
-                return 1;
-            }
-            const uint32_t size = QMXTModelTVODataTypeSize(d.eType);
-            if (size == 0)
-                return m_src.Fail("data of unknown type %u", static_cast<uint32_t>(d.eType));
-            bytes = 0;
-            const bool read = size == 1   ? m_src.ReadAfterAlloc(d.pData, length)
-                              : size == 2 ? m_src.ReadAfterAlloc16(d.pData, length)
-                                          : m_src.ReadAfterAlloc32(d.pData, length);
-            if (read)
-                bytes = length;
-            return read;
-        }
-        default:
-            return -1;
-        }
-    });
+    return Children(tag,
+                    [&](uint32_t child, uint32_t length) -> int
+                    {
+                        switch (child)
+                        {
+                        case eTVODataType:
+                        {
+                            uint32_t type;
+                            if (!U32(length, type))
+                                return 0;
+                            d.eType = static_cast<EQMXTDataType>(type);
+                            return 1;
+                        }
+                        case eTVODataComponents:
+                            return U32(length, d.n);
+                        case eTVODataStride:
+                            return U32(length, d.nStride);
+                        case eTVODataData:
+                        {
+                            if (interleaved)
+                            {
+                                uint32_t offset;
+                                if (!U32(length, offset))
+                                    return 0;
+                                QMXTModelTVODataSetOffset(d, offset);
+                                return 1;
+                            }
+                            const uint32_t size = QMXTModelTVODataTypeSize(d.eType);
+                            if (size == 0)
+                                return m_src.Fail("data of unknown type %u", static_cast<uint32_t>(d.eType));
+                            bytes = 0;
+                            const bool read = size == 1   ? m_src.ReadAfterAlloc(d.pData, length)
+                                              : size == 2 ? m_src.ReadAfterAlloc16(d.pData, length)
+                                                          : m_src.ReadAfterAlloc32(d.pData, length);
+                            if (read)
+                                bytes = length;
+                            return read;
+                        }
+                        default:
+                            return -1;
+                        }
+                    });
 }
 
 // At the mesh's end marker: UVW blocks, strips, bone batches and every stream must agree with the
@@ -752,8 +771,8 @@ bool CTVOReader::MeshEnd(STVOMesh& m, SMeshRead& r)
         return m_src.Fail("strips of %llu triangles for a face count of %u",
                           static_cast<unsigned long long>(stripTriangles), m.nNumFaces);
     const CQMXTBoneBatches& b = m.sBoneBatch;
-    if (r.nBatchBones != static_cast<uint64_t>(b.nBatchBoneMax) * b.nBatchCnt || r.nBatchBoneCnt != b.nBatchCnt ||
-        r.nBatchOffset != b.nBatchCnt)
+    if (r.nBatchBones != static_cast<uint64_t>(b.nBatchBoneMax) * b.nBatchCnt ||
+        r.nBatchBoneCnt != b.nBatchCnt || r.nBatchOffset != b.nBatchCnt)
         return m_src.Fail("bone batch arrays that do not match %u batches of up to %u bones", b.nBatchCnt,
                           b.nBatchBoneMax);
     m.ePrimitiveType = m.nNumStrips ? eTVOIndexedTriangleStrip : eTVOIndexedTriangleList;
@@ -775,11 +794,11 @@ bool CTVOReader::MeshEnd(STVOMesh& m, SMeshRead& r)
             QMXTTVOSwapInterleaved(m);
         return true;
     }
-    const CTVOData* streams[7] = {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals,
+    const CTVOData* streams[7] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
                                   &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
     for (int i = 0; i < 7; ++i)
-        if (!StreamChecks(m, *streams[i], r.pnStreamBytes[i], QMXTTVOBlockName(i < 4 ? eTVOMeshVertex + i
-                                                                                       : eTVOMeshVtxColours + i - 4)))
+        if (!StreamChecks(m, *streams[i], r.pnStreamBytes[i],
+                          QMXTTVOBlockName(i < 4 ? eTVOMeshVertex + i : eTVOMeshVtxColours + i - 4)))
             return false;
     for (uint32_t i = 0; i < m.nNumUVW; ++i)
         if (!StreamChecks(m, m.psUVW[i], r.uvwBytes[i], "UVW"))
@@ -800,24 +819,27 @@ bool CTVOReader::StreamChecks(const STVOMesh& m, const CTVOData& d, uint32_t byt
         return m_src.Fail("%s: stride %u does not fit type %u with %u components", what, d.nStride,
                           static_cast<uint32_t>(d.eType), d.n);
     if (bytes != static_cast<uint64_t>(d.nStride) * m.nNumVertex)
-        return m_src.Fail("%s: %u bytes of data for %u vertices of %u bytes", what, bytes, m.nNumVertex, d.nStride);
+        return m_src.Fail("%s: %u bytes of data for %u vertices of %u bytes", what, bytes, m.nNumVertex,
+                          d.nStride);
     return true;
 }
 
 bool CTVOReader::FacesChecks(const STVOMesh& m, uint32_t bytes)
 {
     const CTVOData& f = m.sFaces;
-    const uint64_t indices = m.nNumStrips ? static_cast<uint64_t>(m.nNumFaces) + 2ull * m.nNumStrips
-                                          : 3ull * m.nNumFaces;
+    const uint64_t indices =
+        m.nNumStrips ? static_cast<uint64_t>(m.nNumFaces) + 2ull * m.nNumStrips : 3ull * m.nNumFaces;
     // A de-indexed mesh has no face data: one vertex a corner, in order.
     if (!f.pData)
         return indices == 0 || indices == m.nNumVertex ||
                m_src.Fail("%llu indices but no face data", static_cast<unsigned long long>(indices));
     if (f.eType != EQMXTDataUnsignedShort && f.eType != EQMXTDataUnsignedInt)
-        return m_src.Fail("faces of type %u (expected unsigned short or unsigned int)", static_cast<uint32_t>(f.eType));
+        return m_src.Fail("faces of type %u (expected unsigned short or unsigned int)",
+                          static_cast<uint32_t>(f.eType));
     const uint32_t size = QMXTModelTVODataTypeSize(f.eType);
     if (bytes != indices * size)
-        return m_src.Fail("%u bytes of faces for %llu indices", bytes, static_cast<unsigned long long>(indices));
+        return m_src.Fail("%u bytes of faces for %llu indices", bytes,
+                          static_cast<unsigned long long>(indices));
     for (uint64_t i = 0; i < indices; ++i)
     {
         uint32_t index;
@@ -844,8 +866,8 @@ bool CTVOReader::InterleavedChecks(const STVOMesh& m, uint32_t bytes)
 }
 } // namespace
 
-int CQMXTModelTVO::ReadFromSource(CSource& source, char* optionsBuffer, uint32_t optionsSize, char* historyBuffer,
-                                  uint32_t historySize)
+int CQMXTModelTVO::ReadFromSource(CSource& source, char* optionsBuffer, uint32_t optionsSize,
+                                  char* historyBuffer, uint32_t historySize)
 {
     if (optionsBuffer || historyBuffer)
     {
@@ -878,8 +900,8 @@ int CQMXTModelTVO::ReadFromSource(CSource& source, char* optionsBuffer, uint32_t
     return 1;
 }
 
-int CQMXTModelTVO::ReadFromFile(const char* path, char* optionsBuffer, uint32_t optionsSize, char* historyBuffer,
-                                uint32_t historySize)
+int CQMXTModelTVO::ReadFromFile(const char* path, char* optionsBuffer, uint32_t optionsSize,
+                                char* historyBuffer, uint32_t historySize)
 {
     CSourceStream source;
     if (!path || !source.Init(path))
@@ -922,7 +944,8 @@ int CQMXTModelTVO::CopyFromMemory(const STVOScene& scene)
         CSinkMemory sink;
         if (QMXTTVOWriteScene(scene, sink, nullptr, nullptr) != 0 || sink.Data().size() > UINT32_MAX)
             return 1;
-        const std::vector<STVOLight> lights(scene.pLight, scene.pLight + (scene.pLight ? scene.nNumLight : 0));
+        const std::vector<STVOLight> lights(scene.pLight,
+                                            scene.pLight + (scene.pLight ? scene.nNumLight : 0));
         std::vector<uint32_t> primitives;
         for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
             primitives.push_back(scene.pMesh[i].ePrimitiveType);

@@ -18,7 +18,7 @@
 //   Strips to list uses its own fixed corner order instead, (k-1, k-2, k) for every index k after
 //   the first three. For the third, fifth, ... triangle of a strip this is the reverse winding of
 //   the hardware reading. A list made that way turns back into strips that hold exactly its
-//   triangles, and those strips turn back into exactly that list.
+//   triangles, and (barring repeated indices) those strips turn back into exactly that list.
 // - Flattening leaves the destination's nodes exactly as the source's (transforms and animation):
 //   lights, cameras, bones and children hang off them and must not move. The meshes hold world-space
 //   data at the source's frame; their nodes' transforms are not to be applied to them again.
@@ -68,11 +68,12 @@ int QMXTModelTVOToggleStrips(STVOMesh& mesh);
 // stream of more than four components. Cost O(n), in place.
 int QMXTModelTVODataShred(CTVOData& data, uint32_t vertexCount, const int32_t* channels);
 
-// Re-encodes a stream (not of an interleaved mesh) in another type through QMXTVertexRead and
-// QMXTVertexWrite. The component count becomes old count x old type's components for a scalar
-// target and 1 for a packed target; the stride type size x components. Nothing happens when the
-// stream has no data or already has the type. Fails on an unknown target or a stream of more than
-// four components. Cost O(n); a new array when the stride changes, else in place.
+// Re-encodes a stream (not of an interleaved mesh; the face indices too) in another type through
+// QMXTVertexRead and QMXTVertexWrite; a stride of 0 is taken as tightly packed. The component count
+// becomes old count x old type's components for a scalar target and 1 for a packed target; the
+// stride type size x components. Nothing happens when the stream has no data or already has the
+// type. Fails on an unknown target or a stream of more than four components. Cost O(n); a new
+// array when the stride changes, else in place.
 int QMXTModelTVODataConvert(CTVOData& data, uint32_t vertexCount, EQMXTDataType target);
 
 // Quantises the positions into the range [m, M] of the target type and sets the unpack matrix,
@@ -82,9 +83,9 @@ int QMXTModelTVODataConvert(CTVOData& data, uint32_t vertexCount, EQMXTDataType 
 // normalised types [-1, 1]; byte [-127, 127]; unsigned int [0, 2^30]. Note that DEC3N and the two
 // unsigned normalised types cannot store part of those ranges (DEC3N holds [-1, 1], the unsigned
 // normalised types [0, 1]); such positions saturate.
-// The unpack matrix is set to identity first; a mesh without vertices succeeds at once. An
-// interleaved mesh must have float positions, which are scaled in place and stay float (the block
-// layout cannot change). Fails for a float or unknown target. Cost O(n).
+// A mesh without vertices, or without positions, succeeds with the identity. An interleaved mesh
+// must have float positions, which are scaled in place and stay float (the block layout cannot
+// change). Fails for a float or unknown target; a failed call changes nothing. Cost O(n).
 int QMXTModelTVOScaleAndConvertVtxData(STVOMesh& mesh, EQMXTDataType target);
 
 // Permutes the corners of every triangle of an indexed triangle list: new corners 0, 1, 2 are the
@@ -109,7 +110,8 @@ int QMXTModelTVOMergeMaterials(const STVOScene& src, STVOScene& dst);
 // and binormals by the inverse transpose, renormalised. A skinned mesh is transformed batch by
 // batch: each vertex met in the batch's triangles, once, by the batch's bone matrices
 // (GetBoneWorldMatrix) named by its bone indices, weighted by its bone weights. dst gets InitImpl at
-// the end. Fails (dst left empty) on a mesh node naming no mesh, a bone outside the nodes, an index
+// the end. Positions are taken as stored, so they should not yet be quantised (identity unpack
+// matrix). Fails (dst left empty) on a mesh node naming no mesh, a bone outside the nodes, an index
 // outside the vertices, or allocation failure. Cost O(total vertices + indices of the mesh nodes).
 int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst);
 

@@ -220,7 +220,8 @@ void WriteNode(CBlockWriter& w, const STVONode& n, uint32_t frameCount)
     for (const auto& c : channels)
     {
         w.Array(c.idxTag, c.idx, frameCount, 4);
-        const uint64_t floats = QMXTTVOChannelFloats(c.idx, (n.nAnimationFlags & c.flag) != 0, frameCount, c.keySize);
+        const uint64_t floats =
+            QMXTTVOChannelFloats(c.idx, (n.nAnimationFlags & c.flag) != 0, frameCount, c.keySize);
         w.Array(c.valTag, c.values, floats, 4);
     }
     w.Array(eTVONodeUserData, n.pUserData, n.nUserDataSize, 1);
@@ -229,7 +230,8 @@ void WriteNode(CBlockWriter& w, const STVONode& n, uint32_t frameCount)
 
 void WriteMaterial(CBlockWriter& w, const STVOMaterial& m)
 {
-    static const uint32_t kSlotTags[eTVOTexSlotCount] = {3001, 3009, 3010, 3011, 3012, 3013, 3014, 3015, 3016, 3017};
+    static const uint32_t kSlotTags[eTVOTexSlotCount] = {3001, 3009, 3010, 3011, 3012,
+                                                         3013, 3014, 3015, 3016, 3017};
     w.Begin(eTVOSceneMaterial);
     w.U32(eTVOMatFlags, m.nFlags);
     w.String(eTVOMatName, m.pszName);

@@ -77,9 +77,12 @@ SBox PositionBox(STVOMesh& mesh, uint32_t axes)
 int QMXTModelTVOScaleAndConvertVtxData(STVOMesh& mesh, EQMXTDataType target)
 {
     QMXTMATRIXf unpack;
-    std::memcpy(mesh.mUnpackMatrix, QMXTMatrixIdentityF(unpack).f, sizeof mesh.mUnpackMatrix);
+    QMXTMatrixIdentityF(unpack);
     if (mesh.nNumVertex == 0)
+    {
+        std::memcpy(mesh.mUnpackMatrix, unpack.f, sizeof mesh.mUnpackMatrix);
         return 0;
+    }
     const bool interleaved = QMXTIsInterleaved(mesh);
     if (interleaved && mesh.sVertex.eType != EQMXTDataFloat)
     {
@@ -92,10 +95,12 @@ int QMXTModelTVOScaleAndConvertVtxData(STVOMesh& mesh, EQMXTDataType target)
         QMXTErrorOutputDebug("ScaleAndConvertVtxData: no quantising range for type %u.\n", static_cast<unsigned>(target));
         return 1;
     }
-    if (!QMXTStreamPresent(mesh, mesh.sVertex))
-        return 0;
     if (!QMXTStreamsConsistent(mesh))
         return 1;
+    // Checked before anything changes, so a failed call leaves the mesh (and its matrix) as it was.
+    std::memcpy(mesh.mUnpackMatrix, unpack.f, sizeof mesh.mUnpackMatrix);
+    if (!QMXTStreamPresent(mesh, mesh.sVertex))
+        return 0;
     // Array positions of another type are brought to float first so the scaled values fit.
     if (!interleaved && QMXTModelTVODataConvert(mesh.sVertex, mesh.nNumVertex, EQMXTDataFloat) != 0)
         return 1;

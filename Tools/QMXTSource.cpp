@@ -17,8 +17,8 @@ uint16_t Assemble16(const uint8_t* b)
 
 uint32_t Assemble32(const uint8_t* b)
 {
-    return static_cast<uint32_t>(b[0]) | (static_cast<uint32_t>(b[1]) << 8) | (static_cast<uint32_t>(b[2]) << 16) |
-           (static_cast<uint32_t>(b[3]) << 24);
+    return static_cast<uint32_t>(b[0]) | (static_cast<uint32_t>(b[1]) << 8) |
+           (static_cast<uint32_t>(b[2]) << 16) | (static_cast<uint32_t>(b[3]) << 24);
 }
 } // namespace
 
@@ -180,7 +180,8 @@ bool CSource::Fail(const char* format, ...)
 bool CSource::FailTruncated(uint32_t size)
 {
     char reason[sizeof m_error.szReason];
-    std::snprintf(reason, sizeof reason, "unexpected end of data (%u bytes needed, %u left)", size, Remaining());
+    std::snprintf(reason, sizeof reason, "unexpected end of data (%u bytes needed, %u left)", size,
+                  Remaining());
     Record(Position(), reason);
     return false;
 }
@@ -192,7 +193,8 @@ std::string CSource::DescribeError() const
     char part[96];
     std::snprintf(part, sizeof part, "byte %u", m_error.nOffset);
     std::string text = part;
-    auto block = [&part](uint32_t tag) {
+    auto block = [&part](uint32_t tag)
+    {
         const uint32_t id = tag & ~static_cast<uint32_t>(eTVOEndBit);
         std::snprintf(part, sizeof part, "%s %u (%s)", (tag & eTVOEndBit) ? "end of block" : "block", id,
                       QMXTTVOBlockName(id));

@@ -33,8 +33,8 @@ struct SQMXTReadError
 {
     static constexpr uint32_t eMaxDepth = 8;
     bool bSet = false;
-    uint32_t nOffset = 0;    // byte offset where reading failed
-    uint32_t nTag = 0;       // the block being read there (0 at the top level, between blocks)
+    uint32_t nOffset = 0;            // byte offset where reading failed
+    uint32_t nTag = 0;               // the block being read there (0 at the top level, between blocks)
     uint32_t pnPath[eMaxDepth] = {}; // the containers around it, outermost first
     uint32_t nDepth = 0;
     char szReason[160] = {};
@@ -71,7 +71,7 @@ class CSource
     template <typename T> bool ReadAfterAlloc32(T*& p, uint32_t length) { return AllocRead(p, length, 4); }
 
     // Error context.
-    void EnterBlock();  // the block of the last marker becomes the innermost container
+    void EnterBlock(); // the block of the last marker becomes the innermost container
     void LeaveBlock();
     // Records the first failure at the start of the current block; always returns false.
     bool Fail(const char* format, ...) __attribute__((format(printf, 2, 3)));

@@ -7,7 +7,8 @@
 
 namespace
 {
-void Line(std::string& out, uint32_t offset, int depth, uint32_t tag, const char* what, uint32_t length, bool container)
+void Line(std::string& out, uint32_t offset, int depth, uint32_t tag, const char* what, uint32_t length,
+          bool container)
 {
     char text[192];
     const uint32_t id = tag & ~static_cast<uint32_t>(eTVOEndBit);

@@ -9,9 +9,9 @@
 
 namespace
 {
-const char* const kSlotNames[eTVOTexSlotCount] = {"diffuse", "ambient",    "specular colour", "specular level",
-                                                  "bump",    "emissive",   "glossiness",      "opacity",
-                                                  "reflection", "refraction"};
+const char* const kSlotNames[eTVOTexSlotCount] = {
+    "diffuse",  "ambient",    "specular colour", "specular level", "bump",
+    "emissive", "glossiness", "opacity",         "reflection",     "refraction"};
 const char* const kAnimNames[4] = {"position", "rotation", "scale", "matrix"};
 
 struct SStream
@@ -23,8 +23,11 @@ struct SStream
 // The streams of a mesh that are there (components or data), faces first.
 std::vector<SStream> Streams(const STVOMesh& m)
 {
-    std::vector<SStream> all = {{"faces", &m.sFaces},     {"positions", &m.sVertex}, {"normals", &m.sNormals},
-                                {"tangents", &m.sTangents}, {"binormals", &m.sBinormals}};
+    std::vector<SStream> all = {{"faces", &m.sFaces},
+                                {"positions", &m.sVertex},
+                                {"normals", &m.sNormals},
+                                {"tangents", &m.sTangents},
+                                {"binormals", &m.sBinormals}};
     for (uint32_t i = 0; m.psUVW && i < m.nNumUVW; ++i)
         all.push_back({"UVW " + std::to_string(i), &m.psUVW[i]});
     all.push_back({"vertex colours", &m.sVtxColours});
@@ -42,13 +45,17 @@ std::vector<SStream> Streams(const STVOMesh& m)
 
 const char* LightType(uint32_t type)
 {
-    return type == eTVOLightPoint ? "point" : type == eTVOLightDirectional ? "directional" : type == eTVOLightSpot ? "spot" : "unknown";
+    return type == eTVOLightPoint         ? "point"
+           : type == eTVOLightDirectional ? "directional"
+           : type == eTVOLightSpot        ? "spot"
+                                          : "unknown";
 }
 
 const char* TextureName(const STVOScene& s, int32_t idx)
 {
-    return idx >= 0 && static_cast<uint32_t>(idx) < s.nNumTexture && s.pTexture[idx].pszName ? s.pTexture[idx].pszName
-                                                                                               : nullptr;
+    return idx >= 0 && static_cast<uint32_t>(idx) < s.nNumTexture && s.pTexture[idx].pszName
+               ? s.pTexture[idx].pszName
+               : nullptr;
 }
 
 class CText
@@ -96,7 +103,8 @@ void NodesText(CText& t, const CQMXTModelTVO& s)
     {
         const STVONode& n = s.pNode[i];
         t.Line("  [%u] \"%s\" %s %d, parent %d, material %d, animation %s%s", i, n.pszName ? n.pszName : "",
-               TVONodeKind(s, i), n.nIdx, n.nIdxParent, n.nIdxMaterial, AnimationText(n.nAnimationFlags).c_str(),
+               TVONodeKind(s, i), n.nIdx, n.nIdxParent, n.nIdxMaterial,
+               AnimationText(n.nAnimationFlags).c_str(),
                n.nUserDataSize ? (", user data " + std::to_string(n.nUserDataSize) + " bytes").c_str() : "");
     }
 }
@@ -107,7 +115,8 @@ void MeshesText(CText& t, const CQMXTModelTVO& s)
     for (uint32_t i = 0; i < s.nNumMesh; ++i)
     {
         const STVOMesh& m = s.pMesh[i];
-        std::string layout = m.pInterleaved ? "interleaved, stride " + std::to_string(m.sVertex.nStride) : "separate streams";
+        std::string layout =
+            m.pInterleaved ? "interleaved, stride " + std::to_string(m.sVertex.nStride) : "separate streams";
         t.Line("  [%u] %u vertices, %u faces, %s, %u strips, %u bone batches (up to %u bones), %u UVW, %s", i,
                m.nNumVertex, m.nNumFaces, m.nNumStrips ? "triangle strips" : "triangle list", m.nNumStrips,
                m.sBoneBatch.nBatchCnt, m.sBoneBatch.nBatchBoneMax, m.nNumUVW, layout.c_str());
@@ -115,7 +124,8 @@ void MeshesText(CText& t, const CQMXTModelTVO& s)
         {
             const CTVOData& d = *st.data;
             const bool offset = m.pInterleaved && st.data != &m.sFaces;
-            t.Line("      %s: %s x%u, stride %u%s", st.name.c_str(), QMXTModelTVODataTypeName(d.eType), d.n, d.nStride,
+            t.Line("      %s: %s x%u, stride %u%s", st.name.c_str(), QMXTModelTVODataTypeName(d.eType), d.n,
+                   d.nStride,
                    offset ? (", offset " + std::to_string(QMXTModelTVODataOffset(d))).c_str() : "");
         }
     }
@@ -134,7 +144,8 @@ void MaterialsText(CText& t, const CQMXTModelTVO& s)
                 continue;
             const char* name = TextureName(s, m.nIdxTexture[slot]);
             textures += std::string(textures.empty() ? "" : ", ") + kSlotNames[slot] + " " +
-                        (name ? "\"" + std::string(name) + "\"" : "#" + std::to_string(m.nIdxTexture[slot]) + " (missing)");
+                        (name ? "\"" + std::string(name) + "\""
+                              : "#" + std::to_string(m.nIdxTexture[slot]) + " (missing)");
         }
         t.Line("  [%u] \"%s\" opacity %g, textures: %s%s%s", i, m.pszName ? m.pszName : "",
                static_cast<double>(m.fMatOpacity), textures.empty() ? "none" : textures.c_str(),
@@ -154,21 +165,24 @@ void LightsCamerasText(CText& t, const CQMXTModelTVO& s)
         const STVOLight& l = s.pLight[i];
         char extra[160] = "";
         if (l.eType == eTVOLightPoint || l.eType == eTVOLightSpot)
-            std::snprintf(extra, sizeof extra, ", attenuation %g %g %g", static_cast<double>(l.fConstantAttenuation),
-                          static_cast<double>(l.fLinearAttenuation), static_cast<double>(l.fQuadraticAttenuation));
+            std::snprintf(
+                extra, sizeof extra, ", attenuation %g %g %g", static_cast<double>(l.fConstantAttenuation),
+                static_cast<double>(l.fLinearAttenuation), static_cast<double>(l.fQuadraticAttenuation));
         char spot[96] = "";
         if (l.eType == eTVOLightSpot)
             std::snprintf(spot, sizeof spot, ", falloff %g exponent %g", static_cast<double>(l.fFalloffAngle),
                           static_cast<double>(l.fFalloffExponent));
-        t.Line("  [%u] %s, colour %g %g %g, target %d%s%s", i, LightType(l.eType), static_cast<double>(l.pfColour[0]),
-               static_cast<double>(l.pfColour[1]), static_cast<double>(l.pfColour[2]), l.nIdxTarget, extra, spot);
+        t.Line("  [%u] %s, colour %g %g %g, target %d%s%s", i, LightType(l.eType),
+               static_cast<double>(l.pfColour[0]), static_cast<double>(l.pfColour[1]),
+               static_cast<double>(l.pfColour[2]), l.nIdxTarget, extra, spot);
     }
     t.Line("cameras:");
     for (uint32_t i = 0; i < s.nNumCamera; ++i)
     {
         const STVOCamera& c = s.pCamera[i];
         t.Line("  [%u] field of view %g%s, near %g, far %g, target %d", i, static_cast<double>(c.fFOV),
-               c.pfAnimFOV ? " (animated)" : "", static_cast<double>(c.fNear), static_cast<double>(c.fFar), c.nIdxTarget);
+               c.pfAnimFOV ? " (animated)" : "", static_cast<double>(c.fNear), static_cast<double>(c.fFar),
+               c.nIdxTarget);
     }
 }
 } // namespace
@@ -189,8 +203,8 @@ std::string TVOSummaryText(const CQMXTModelTVO& s, const STVOFileFacts& f)
 {
     CText t;
     t.Line("file: %s, %u bytes, version %s", f.sPath.c_str(), f.nSize, kTVOVersion);
-    t.Line("scene: %u nodes (%u mesh nodes), %u meshes, %u materials, %u textures, %u lights, %u cameras", s.nNumNode,
-           s.nNumMeshNode, s.nNumMesh, s.nNumMaterial, s.nNumTexture, s.nNumLight, s.nNumCamera);
+    t.Line("scene: %u nodes (%u mesh nodes), %u meshes, %u materials, %u textures, %u lights, %u cameras",
+           s.nNumNode, s.nNumMeshNode, s.nNumMesh, s.nNumMaterial, s.nNumTexture, s.nNumLight, s.nNumCamera);
     if (s.nNumFrame)
         t.Line("frames: %u at %u fps", s.nNumFrame, s.nFPS);
     else

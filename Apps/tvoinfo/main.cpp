@@ -44,8 +44,9 @@ bool ReadText(const CQMXTResourceFile& file, bool history, std::string& text)
 {
     std::vector<char> buffer(static_cast<size_t>(file.Size()) + 1, 0);
     CQMXTModelTVO reader;
-    const int result = history ? reader.ReadFromMemory(file.DataPtr(), file.Size(), nullptr, 0, buffer.data(), file.Size())
-                               : reader.ReadFromMemory(file.DataPtr(), file.Size(), buffer.data(), file.Size());
+    const int result =
+        history ? reader.ReadFromMemory(file.DataPtr(), file.Size(), nullptr, 0, buffer.data(), file.Size())
+                : reader.ReadFromMemory(file.DataPtr(), file.Size(), buffer.data(), file.Size());
     if (result != 0)
         return false;
     text.assign(buffer.data());

@@ -1,7 +1,9 @@
 #include "QMXPrefValidate.h"
 
+#include <cctype>
 #include <cstring>
 #include <new>
+#include <string>
 
 #include <tinyxml.h>
 
@@ -27,6 +29,39 @@ void AppendLine(CQMXTString& messages, const char* format, int row)
 }
 
 bool CheckArray(const TiXmlElement* array, CQMXTString& messages);
+
+bool IsContainer(const TiXmlElement* element)
+{
+    return IsNamed(element, QMXPrefElementName(eQMXPrefDict)) || IsNamed(element, QMXPrefElementName(eQMXPrefArray));
+}
+
+// Brings damaged content into a form that TinyXML writes back exactly as it reads it: a dict or an
+// array keeps only elements and comments (stray text and unknown nodes go), any other element only
+// its leading text, which is what a lookup reads from it. Well-formed files are left unchanged.
+void Normalise(TiXmlElement* element)
+{
+    if (!IsContainer(element))
+    {
+        const TiXmlNode* first = element->FirstChild();
+        if (!first || (first->ToText() && !first->NextSibling()))
+            return;
+        const std::string text = first->ToText() ? first->Value() : "";
+        element->Clear();
+        if (!text.empty())
+            element->InsertEndChild(TiXmlText(text.c_str()));
+        return;
+    }
+    TiXmlNode* child = element->FirstChild();
+    while (child)
+    {
+        TiXmlNode* next = child->NextSibling();
+        if (TiXmlElement* inner = child->ToElement())
+            Normalise(inner);
+        else if (!child->ToComment())
+            element->RemoveChild(child);
+        child = next;
+    }
+}
 
 bool CheckContainer(const TiXmlElement* value, CQMXTString& messages);
 
@@ -87,11 +122,26 @@ bool CheckContainer(const TiXmlElement* value, CQMXTString& messages)
     return true;
 }
 
+// TinyXML writes a declaration's values without escaping them, so only plain values may stay.
+bool IsPlainValue(const char* value)
+{
+    for (; *value; ++value)
+        if (!std::isalnum(static_cast<unsigned char>(*value)) && !std::strchr("._-", *value))
+            return false;
+    return true;
+}
+
 bool EnsureDeclaration(TiXmlDocument& doc, const char* sourceName, CQMXTString& messages)
 {
     for (TiXmlNode* node = doc.FirstChild(); node; node = node->NextSibling())
-        if (node->ToDeclaration())
-            return true;
+        if (const TiXmlDeclaration* declaration = node->ToDeclaration())
+        {
+            if (IsPlainValue(declaration->Version()) && IsPlainValue(declaration->Encoding()) &&
+                IsPlainValue(declaration->Standalone()))
+                return true;
+            // A declaration that would not read back as written is replaced by the standard one.
+            return doc.ReplaceChild(node, TiXmlDeclaration("1.0", "utf-8", "")) != nullptr;
+        }
     Warn(messages, sourceName, "WARNING: No declaration found at the start. The declaration will be recreated.\n");
     TiXmlDeclaration declaration("1.0", "utf-8", "");
     TiXmlNode* first = doc.FirstChild();
@@ -142,5 +192,6 @@ bool QMXPrefValidate(TiXmlDocument& doc, const char* sourceName, CQMXTString& me
                     "ERROR: Failed to recreate <dict> tag. Out of memory!\n", "ERROR: Failed to link <dict> tag!\n");
     if (!dict)
         return false;
+    Normalise(dict);
     return CheckDict(dict, messages);
 }

@@ -17,3 +17,8 @@ bool QMXPrefParseReal(const char* text, double& value);
 std::string QMXPrefBase64Encode(const void* data, uint32_t length);
 // Characters outside the Base64 alphabet (line breaks, spaces) are skipped.
 std::vector<uint8_t> QMXPrefBase64Decode(const char* text);
+
+// Makes text valid UTF-8 in place: every byte that does not belong to a well-formed sequence is
+// taken as a Latin-1 character and re-encoded. Valid text is left as it is. TinyXML reads invalid
+// sequences differently from how it writes them back, so the store only parses valid text.
+void QMXPrefRepairUtf8(std::string& text);

@@ -100,7 +100,7 @@ bool ReadAll(FILE* file, std::string& text, size_t limit)
 }
 
 // Parses text into doc; false (with doc holding TinyXML's error) when it is not a whole document.
-bool ParseDocument(TiXmlDocument& doc, const std::string& text)
+bool ParseDocument(TiXmlDocument& doc, std::string text)
 {
     CKeepWhiteSpace keep;
     if (text.size() > kMaxFileSize || NestingDepth(text) > kMaxNesting)
@@ -108,6 +108,7 @@ bool ParseDocument(TiXmlDocument& doc, const std::string& text)
         doc.Parse("<", nullptr, TIXML_ENCODING_UTF8); // records a parse error to report
         return false;
     }
+    QMXPrefRepairUtf8(text);
     doc.Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
     return !doc.Error();
 }

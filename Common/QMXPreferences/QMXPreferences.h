@@ -28,6 +28,8 @@
 //  - The change check of tracking covers the file's identity (inode), size and modification time to
 //    the nanosecond, so several saves within one second are still seen.
 //  - Files larger than 16 MiB are not read; they are treated like an unparsable file.
+//  - The file is read as UTF-8; a byte that is not part of a well-formed sequence is taken as a
+//    Latin-1 character (so a string stored with such bytes reads back re-encoded as UTF-8).
 //
 // Not thread-safe: one object belongs to one thread. Several objects and processes may share a file.
 #pragma once

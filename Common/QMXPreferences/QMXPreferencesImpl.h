@@ -42,8 +42,8 @@ class CQMXPreferencesImpl
     virtual bool OpenPreferenceFile(SQMXPrefFile& file, const char* name, EQMXPrefFileMode mode,
                                     EPreferenceType type, bool useTemporary) = 0;
     // Closes the file. With commit, a temporary file is flushed to disk and renamed over the real
-    // file; without, it is removed. False when any step fails, in which case the real file is
-    // unchanged and no temporary file is left.
+    // file; without, it is removed. False when any step fails; a failed commit leaves the real file
+    // unchanged and no temporary file behind.
     virtual bool CloseFile(SQMXPrefFile& file, bool commit) = 0;
     // A hash that changes whenever the file is replaced or modified; false if it does not exist.
     virtual bool LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash) = 0;

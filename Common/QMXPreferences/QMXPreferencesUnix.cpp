@@ -166,7 +166,7 @@ bool CQMXPreferencesUnix::CloseFile(SQMXPrefFile& file, bool commit)
         return false;
     bool ok = true;
     if (commit)
-        ok = std::fflush(file.pFile) == 0 && fsync(fileno(file.pFile)) == 0;
+        ok = std::fflush(file.pFile) == 0 && (!m_bSyncToDisk || fsync(fileno(file.pFile)) == 0);
     ok = (std::fclose(file.pFile) == 0) && ok;
     file.pFile = nullptr;
 
@@ -178,7 +178,7 @@ bool CQMXPreferencesUnix::CloseFile(SQMXPrefFile& file, bool commit)
             unlink(file.sTempPath.c_str());
         file.sTempPath.clear();
     }
-    return ok && commit;
+    return ok;
 }
 
 bool CQMXPreferencesUnix::LastModificationTimeHash(const char* name, EPreferenceType type, CQMXTHash& hash)

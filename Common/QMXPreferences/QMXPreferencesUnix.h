@@ -15,7 +15,10 @@
 class CQMXPreferencesUnix : public CQMXPreferencesImpl
 {
   public:
-    CQMXPreferencesUnix() = default;
+    // syncToDisk: flush every committed file to the disk (fsync) before it replaces the old one, so
+    // a power loss leaves either file whole. Without it the replacement is still atomic for other
+    // processes; tools that save many times in a row may turn it off.
+    explicit CQMXPreferencesUnix(bool syncToDisk = true) : m_bSyncToDisk(syncToDisk) {}
     ~CQMXPreferencesUnix() override;
 
     CQMXTString GetPreferenceFilePath(const char* name, EPreferenceType type) override;
@@ -36,5 +39,6 @@ class CQMXPreferencesUnix : public CQMXPreferencesImpl
     bool CreateFromTemplate(const CQMXTString& path);
 
   private:
+    bool m_bSyncToDisk;
     int m_iLockFd = -1;
 };

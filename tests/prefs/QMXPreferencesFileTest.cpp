@@ -144,6 +144,40 @@ TEST_F(PrefsFile, BrokenPairsAreReportedWithTheirLines)
     EXPECT_EQ(value, 5);
 }
 
+TEST_F(PrefsFile, DamagedContentIsSavedInAFormThatReadsBack)
+{
+    // Each of these once made TinyXML write a file that it then read differently, losing values:
+    // a declaration with markup in its version, bytes that are not UTF-8 (a lead byte swallowing
+    // the closing quote), and a key with mixed content, which the writer re-indents.
+    const std::string files[] = {
+        "<?xml version=\"<?x ?>\"?><plist><dict><key>Kept</key><integer>1</integer></dict></plist>",
+        "<?xml version=\"1.0\"?><plist v=\"\xc7\xc7\"><dict><key>Kept</key><integer>1</integer>"
+        "<key>Latin</key><string>caf\xe9</string></dict></plist>",
+        "<?xml version=\"1.0\"?><plist><dict>junk<key>Kept<x/>tail</key><integer>1</integer>"
+        "<key>Fuzz<!-- c --></key></dict></plist>",
+    };
+    for (const std::string& text : files)
+    {
+        LoadText(text);
+        int value = 0;
+        EXPECT_EQ(prefs.GetValue("Kept", value), eQMXPrefSuccess) << text;
+        ASSERT_EQ(prefs.SetValue("Fuzz/Value", 2), eQMXPrefSuccess) << text;
+        ASSERT_TRUE(prefs.Save());
+        CQMXPreferences reader("Test");
+        CQMXTString errors;
+        ASSERT_TRUE(reader.Load(errors));
+        EXPECT_STREQ(errors.c_str(), "") << ReadWholeFile(path);
+        EXPECT_EQ(reader.GetValue("Kept", value), eQMXPrefSuccess);
+        EXPECT_EQ(reader.GetValue("Fuzz/Value", value), eQMXPrefSuccess);
+        EXPECT_EQ(value, 2);
+    }
+    // The stray Latin-1 byte was read as the character it stands for.
+    CQMXTString latin;
+    LoadText(files[1]);
+    EXPECT_EQ(prefs.GetValue("Latin", latin), eQMXPrefSuccess);
+    EXPECT_STREQ(latin.c_str(), "caf\xc3\xa9");
+}
+
 TEST_F(PrefsFile, NoUsableHomeGivesMessagesAndCodes)
 {
     // HOME naming a regular file: nothing can be created below it, even for root.

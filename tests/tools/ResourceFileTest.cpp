@@ -69,7 +69,8 @@ TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
     static int releases = 0;
     static const char bytes[] = "custom";
     CQMXTResourceFile::SetLoadReleaseFunctions(
-        [](const char* path, const void** data, uint32_t* size) -> void* {
+        [](const char* path, const void** data, uint32_t* size) -> void*
+        {
             if (std::strcmp(path, "custom.bin") != 0)
                 return nullptr;
             *data = bytes;

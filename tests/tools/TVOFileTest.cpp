@@ -20,7 +20,8 @@ using tvotest::CBytes;
 
 namespace
 {
-std::vector<uint8_t> Save(const CQMXTModelTVO& s, const char* options = nullptr, const char* history = nullptr)
+std::vector<uint8_t> Save(const CQMXTModelTVO& s, const char* options = nullptr,
+                          const char* history = nullptr)
 {
     CSinkMemory sink;
     EXPECT_EQ(s.SaveTVO(sink, options, history), 0);
@@ -52,7 +53,10 @@ struct SCapture
 {
     std::string text;
     QMXTErrorSink previous;
-    SCapture() { previous = QMXTSetErrorSink([this](const std::string& t) { text += t; }); }
+    SCapture()
+    {
+        previous = QMXTSetErrorSink([this](const std::string& t) { text += t; });
+    }
     ~SCapture() { QMXTSetErrorSink(previous); }
 };
 
@@ -81,12 +85,14 @@ TEST(TVOFile, GoldenBytesOfVersionOptionsSceneAndOneNode)
 
     // Spelt out byte by byte: tag, length, data, tag | 0x80000000, 0, all little-endian.
     std::vector<uint8_t> expected = {
-        0xE8, 0x03, 0, 0, 11, 0, 0, 0, 'A', 'B', '.', 'T', 'V', 'O', '.', '2', '.', '0', 0, // version
-        0xE8, 0x03, 0, 0x80, 0, 0, 0, 0,                                                    //
-        0xEA, 0x03, 0, 0, 4, 0, 0, 0, 'a', '=', '1', 0, 0xEA, 0x03, 0, 0x80, 0, 0, 0, 0,     // options
-        0xE9, 0x03, 0, 0, 0, 0, 0, 0,                                                       // scene
+        0xE8, 0x03, 0, 0,    11, 0, 0, 0, 'A', 'B', '.', 'T', 'V',  'O',  '.', '2',  '.', '0', 0, // version
+        0xE8, 0x03, 0, 0x80, 0,  0, 0, 0,                                                         //
+        0xEA, 0x03, 0, 0,    4,  0, 0, 0, 'a', '=', '1', 0,   0xEA, 0x03, 0,   0x80, 0,   0,   0,
+        0,                                // options
+        0xE9, 0x03, 0, 0,    0,  0, 0, 0, // scene
     };
-    auto leaf = [&expected](uint16_t tag, std::vector<uint8_t> data) {
+    auto leaf = [&expected](uint16_t tag, std::vector<uint8_t> data)
+    {
         const uint8_t lo = tag & 0xFF, hi = tag >> 8;
         expected.insert(expected.end(), {lo, hi, 0, 0, static_cast<uint8_t>(data.size()), 0, 0, 0});
         expected.insert(expected.end(), data.begin(), data.end());
@@ -296,7 +302,8 @@ TEST(TVOFile, HistorySkipFollowsTheOptionsSizeAsItAlwaysDid)
     const CBytes file = CBytes().Version().LeafStr(1003, "0123456789abcdef").Append(Scene(0));
     CQMXTModelTVO r;
     char options[8], history[4];
-    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size(), options, 8, history, 4), 1); // skipped: reaches the scene end
+    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size(), options, 8, history, 4),
+              1); // skipped: reaches the scene end
     EXPECT_EQ(std::string(history, 4), "0123");
 
     // With an options buffer as large as the block the rest is not skipped: the reader lands inside
@@ -305,14 +312,21 @@ TEST(TVOFile, HistorySkipFollowsTheOptionsSizeAsItAlwaysDid)
     source.Init(file.Data(), file.Size());
     char big[64];
     EXPECT_EQ(r.ReadFromSource(source, big, sizeof big, history, 4), 1);
-    EXPECT_NE(source.DescribeError().find("block 926299444 (unknown)"), std::string::npos) << source.DescribeError();
+    EXPECT_NE(source.DescribeError().find("block 926299444 (unknown)"), std::string::npos)
+        << source.DescribeError();
 }
 
 TEST(TVOFile, UnknownBlocksAreSkippedAtEveryLevel)
 {
     const uint8_t junk[5] = {1, 2, 3, 4, 5};
     CBytes node;
-    node.Begin(2013).Leaf(5999, junk, 5).LeafStr(5001, "n").LeafU32(5003, 0xFFFFFFFF).Begin(5998).End(5998).End(2013);
+    node.Begin(2013)
+        .Leaf(5999, junk, 5)
+        .LeafStr(5001, "n")
+        .LeafU32(5003, 0xFFFFFFFF)
+        .Begin(5998)
+        .End(5998)
+        .End(2013);
     CBytes mesh;
     mesh.Begin(2012).LeafU32(6000, 3).Leaf(6099, junk, 5);
     mesh.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 1).LeafU32(9002, 4).Leaf(9099, junk, 3);
@@ -338,7 +352,12 @@ TEST(TVOFile, OlderStaticNodeBlocksBecomeChannels)
     const float pos[3] = {1, 2, 3}, scale[3] = {2, 2, 2};
     const float anim[4] = {0, 0, 0, 1};
     CBytes node;
-    node.Begin(2013).LeafU32(5003, 0xFFFFFFFF).Leaf(5004, pos, 12).Leaf(5006, scale, 12).Leaf(5008, anim, 16).End(2013);
+    node.Begin(2013)
+        .LeafU32(5003, 0xFFFFFFFF)
+        .Leaf(5004, pos, 12)
+        .Leaf(5006, scale, 12)
+        .Leaf(5008, anim, 16)
+        .End(2013);
     const CBytes file = CBytes().Version().Append(Scene(1, node, 1));
     CQMXTModelTVO r;
     ASSERT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 0) << ReadError(file.b);
@@ -365,8 +384,9 @@ TEST(TVOFile, ByteOrderAndFixedPointAreRefusedWithTheirMessages)
     flags.LeafU32(2016, 1);
     const CBytes fixed = CBytes().Version().Append(Scene(0, flags));
     EXPECT_EQ(r.ReadFromMemory(fixed.Data(), fixed.Size()), 1);
-    EXPECT_EQ(capture.text, "Error: The TVO file is in fixed point format but the tools haven't been compiled with "
-                            "fixed point enabled.\n");
+    EXPECT_EQ(capture.text,
+              "Error: The TVO file is in fixed point format but the tools haven't been compiled with "
+              "fixed point enabled.\n");
 }
 
 TEST(TVOFile, CountsMustMatchTheRecordsMet)
@@ -396,14 +416,16 @@ TEST(TVOFile, MeshWithFewerUVWBlocksThanItsCountFails)
     const CBytes file = CBytes().Version().Append(scene);
     CQMXTModelTVO r;
     EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 1);
-    EXPECT_NE(ReadError(file.b).find("end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"),
-              std::string::npos)
+    EXPECT_NE(
+        ReadError(file.b).find("end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"),
+        std::string::npos)
         << ReadError(file.b);
 }
 
 TEST(TVOFile, SizesThatDoNotMatchTheCountsFail)
 {
-    auto meshFile = [](const CBytes& fields) {
+    auto meshFile = [](const CBytes& fields)
+    {
         CBytes scene;
         scene.Begin(1001).LeafU32(2004, 1).Begin(2012).Append(fields).End(2012).End(1001);
         return CBytes().Version().Append(scene).b;
@@ -425,7 +447,8 @@ TEST(TVOFile, SizesThatDoNotMatchTheCountsFail)
     CBytes strips;
     const uint32_t lengths[2] = {2, 2};
     strips.LeafU32(6001, 3).Leaf(6004, lengths, 8).LeafU32(6005, 2);
-    EXPECT_NE(ReadError(meshFile(strips)).find("strips of 4 triangles for a face count of 3"), std::string::npos);
+    EXPECT_NE(ReadError(meshFile(strips)).find("strips of 4 triangles for a face count of 3"),
+              std::string::npos);
 
     CBytes overlap; // normals start inside the positions
     overlap.LeafU32(6000, 1).Leaf(6014, pos, 24);
@@ -437,7 +460,8 @@ TEST(TVOFile, SizesThatDoNotMatchTheCountsFail)
     CBytes node;
     node.Begin(2013).LeafU32(5012, eTVOHasPositionAnimation).Leaf(5007, pos, 24).End(2013);
     const CBytes file = CBytes().Version().Append(Scene(1, node, 3));
-    EXPECT_NE(ReadError(file.b).find("node 0: 6 position floats where the animation needs 9"), std::string::npos);
+    EXPECT_NE(ReadError(file.b).find("node 0: 6 position floats where the animation needs 9"),
+              std::string::npos);
 }
 
 TEST(TVOFile, HugeCountsAndLengthsInATinyFileFailBeforeAllocating)
@@ -455,7 +479,8 @@ TEST(TVOFile, HugeCountsAndLengthsInATinyFileFailBeforeAllocating)
     // A leaf claiming almost 4 GiB of user data.
     CBytes length = CBytes().Version();
     length.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0);
-    EXPECT_NE(ReadError(length.b).find("unexpected end of data (4294967280 bytes needed, 4 left)"), std::string::npos);
+    EXPECT_NE(ReadError(length.b).find("unexpected end of data (4294967280 bytes needed, 4 left)"),
+              std::string::npos);
 }
 
 TEST(TVOFile, EveryTruncatedPrefixFailsCleanly)
@@ -468,7 +493,8 @@ TEST(TVOFile, EveryTruncatedPrefixFailsCleanly)
         CQMXTModelTVO r;
         // A copy of exactly n bytes, so the sanitizer sees any read past the prefix.
         std::vector<uint8_t> prefix(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
-        ASSERT_EQ(r.ReadFromMemory(prefix.empty() ? bytes.data() : prefix.data(), static_cast<uint32_t>(n)), 1)
+        ASSERT_EQ(r.ReadFromMemory(prefix.empty() ? bytes.data() : prefix.data(), static_cast<uint32_t>(n)),
+                  1)
             << "prefix of " << n << " bytes";
         ASSERT_FALSE(r.IsLoaded());
     }

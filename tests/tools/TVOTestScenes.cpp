@@ -47,7 +47,8 @@ void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count
 void Interleave(STVOMesh& m)
 {
     CTVOData* streams[] = {&m.sVertex,     &m.sNormals, &m.sTangents,   &m.sBinormals,
-                           &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight, nullptr, nullptr, nullptr, nullptr};
+                           &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight, nullptr,
+                           nullptr,        nullptr,     nullptr};
     for (uint32_t i = 0; i < m.nNumUVW && i < 4; ++i)
         streams[7 + i] = &m.psUVW[i];
     uint32_t stride = 0, offsets[11] = {};

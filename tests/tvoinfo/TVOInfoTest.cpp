@@ -35,7 +35,10 @@ std::string Slurp(const std::string& path)
 
 SRun RunTvoinfo(const std::string& args)
 {
-    const std::string out = testing::TempDir() + "tvoinfo.out", err = testing::TempDir() + "tvoinfo.err";
+    // Per-test capture files: CTest runs the tests of this binary in parallel processes.
+    const std::string stem = testing::TempDir() + "tvoinfo-" +
+                             testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string out = stem + ".out", err = stem + ".err";
     const std::string command = std::string(TVOINFO_PATH) + " " + args + " >" + out + " 2>" + err;
     SRun r;
     const int raw = std::system(command.c_str());
@@ -74,7 +77,8 @@ std::string WriteRich(const char* name, const char* options, const char* history
 QJsonObject Json(const std::string& text)
 {
     QJsonParseError error;
-    const QJsonDocument doc = QJsonDocument::fromJson(QByteArray(text.data(), static_cast<int>(text.size())), &error);
+    const QJsonDocument doc =
+        QJsonDocument::fromJson(QByteArray(text.data(), static_cast<int>(text.size())), &error);
     EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
     return doc.object();
 }
@@ -87,23 +91,30 @@ TEST(TVOInfo, SummaryNamesCountsNodesStreamsMaterialsLightsCamerasAndTexts)
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.err, "");
     const std::string& o = r.out;
-    EXPECT_TRUE(HasLine(o, "scene: 8 nodes (2 mesh nodes), 3 meshes, 2 materials, 2 textures, 3 lights, 2 cameras")) << o;
+    EXPECT_TRUE(
+        HasLine(o, "scene: 8 nodes (2 mesh nodes), 3 meshes, 2 materials, 2 textures, 3 lights, 2 cameras"))
+        << o;
     EXPECT_TRUE(HasLine(o, "frames: 4 at 25 fps"));
-    EXPECT_TRUE(HasLine(o, "  [0] \"MeshA\" mesh 0, parent 7, material 0, animation position rotation, user data 5 bytes"));
+    EXPECT_TRUE(HasLine(
+        o, "  [0] \"MeshA\" mesh 0, parent 7, material 0, animation position rotation, user data 5 bytes"));
     EXPECT_TRUE(HasLine(o, "  [3] \"Sun\" light 1, parent 7, material -1, animation static"));
     EXPECT_TRUE(HasLine(o, "  [6] \"Cam2\" camera 1, parent 7, material -1, animation static"));
     EXPECT_TRUE(HasLine(o, "  [7] \"Root\" other -1, parent -1, material -1, animation scale"));
-    EXPECT_TRUE(HasLine(o, "  [0] 6 vertices, 4 faces, triangle list, 0 strips, 2 bone batches (up to 2 bones), "
-                           "2 UVW, interleaved, stride 44"));
+    EXPECT_TRUE(HasLine(o,
+                        "  [0] 6 vertices, 4 faces, triangle list, 0 strips, 2 bone batches (up to 2 bones), "
+                        "2 UVW, interleaved, stride 44"));
     EXPECT_TRUE(HasLine(o, "      normals: short, normalised x3, stride 44, offset 12"));
     EXPECT_TRUE(HasLine(o, "      UVW 1: float x2, stride 44, offset 36"));
-    EXPECT_TRUE(HasLine(o, "  [1] 5 vertices, 3 faces, triangle strips, 2 strips, 0 bone batches (up to 0 bones), "
-                           "1 UVW, separate streams"));
+    EXPECT_TRUE(
+        HasLine(o, "  [1] 5 vertices, 3 faces, triangle strips, 2 strips, 0 bone batches (up to 0 bones), "
+                   "1 UVW, separate streams"));
     EXPECT_TRUE(HasLine(o, "      binormals: DEC3N x1, stride 4"));
-    EXPECT_TRUE(HasLine(o, "  [0] \"wood\" opacity 1, textures: diffuse \"wood.png\", bump \"wood_bump.png\", "
-                           "effect shaders.xef Lit"));
+    EXPECT_TRUE(HasLine(o,
+                        "  [0] \"wood\" opacity 1, textures: diffuse \"wood.png\", bump \"wood_bump.png\", "
+                        "effect shaders.xef Lit"));
     EXPECT_TRUE(HasLine(o, "  [1] directional, colour 1 0.6 0.25, target -1"));
-    EXPECT_TRUE(HasLine(o, "  [2] spot, colour 1 0.7 0.25, target 7, attenuation 1 0.5 0.25, falloff 0.7 exponent 2"));
+    EXPECT_TRUE(HasLine(
+        o, "  [2] spot, colour 1 0.7 0.25, target 7, attenuation 1 0.5 0.25, falloff 0.7 exponent 2"));
     EXPECT_TRUE(HasLine(o, "  [0] field of view 0.8 (animated), near 0.5, far 1000, target 7"));
     EXPECT_TRUE(HasLine(o, "  fScale=2"));
     EXPECT_TRUE(HasLine(o, "  exported by a test"));
@@ -134,7 +145,8 @@ TEST(TVOInfo, JsonCarriesTheSameFactsForScripts)
     EXPECT_EQ(streams[4].toObject()["offset"].toInt(), 36);
     EXPECT_EQ(streams[4].toObject()["type"].toString(), "float");
     EXPECT_EQ(j["meshes"].toArray()[1].toObject()["primitive"].toString(), "strips");
-    EXPECT_EQ(j["materials"].toArray()[0].toObject()["textures"].toObject()["bump"].toString(), "wood_bump.png");
+    EXPECT_EQ(j["materials"].toArray()[0].toObject()["textures"].toObject()["bump"].toString(),
+              "wood_bump.png");
     EXPECT_EQ(j["lights"].toArray()[2].toObject()["type"].toString(), "spot");
     EXPECT_TRUE(j["cameras"].toArray()[0].toObject()["fovAnimated"].toBool());
     EXPECT_EQ(j["options"].toString(), "bOpt=1\n");
@@ -189,7 +201,8 @@ TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
         const std::vector<std::string> err = Lines(r.err);
         ASSERT_EQ(err.size(), 1u) << mode << r.err;
         EXPECT_EQ(err[0].rfind("tvoinfo: " + path + ": byte ", 0), 0u) << err[0];
-        EXPECT_NE(err[0].find("block 2013 (node) in 1001 (scene): unexpected end of data"), std::string::npos) << err[0];
+        EXPECT_NE(err[0].find("block 2013 (node) in 1001 (scene): unexpected end of data"), std::string::npos)
+            << err[0];
     }
     EXPECT_EQ(RunTvoinfo(path).out, "");
 
