@@ -140,16 +140,17 @@ bool IsBetterThan(const SScore& a, const SScore& b)
     return a.nTri > b.nTri;
 }
 
-// A cached appraisal: valid within one growth while the star counters of the triangle's vertices
-// are unchanged.
+// A cached appraisal: valid within one growth while the star counters it depends on are unchanged.
 struct SAppraisal
 {
     uint32_t nGrowth = 0;
     uint32_t nTriangle = 0;
     uint32_t nStar = 0;
     size_t nCap = 0;
-    size_t nNewVtx = 0;
-    bool bWalked = false;
+    size_t nNewVtx = 0;   // corners of the triangle not yet in the option
+    bool bWalked = false; // accepted (otherwise rejected for want of vertex slots)
+    bool bFast = false;   // from the new corners only: counters over those, valid while no closed
+                          // triangle waits outside the option
     SScore score{};
 };
 
@@ -187,9 +188,9 @@ class CGeometrySorter
         }
         m_vWork.assign(nVtx, 0);
         m_vBest.assign(nVtx, 0);
-        m_tStamp.assign(nTri, {0, 0, 0});
         m_vFootprint.assign(nVtx, 0);
         m_vStar.assign(nVtx, 0);
+        m_vWorkTri.assign(nVtx, {0, 0});
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
         m_appraisals.resize(1024);
@@ -224,13 +225,19 @@ class CGeometrySorter
     }
 
   private:
-    const uint32_t* Tri(int32_t t) const { return m_pnIdx + size_t(t) * 3; }
+    const uint32_t* Tri(int32_t t) const { return m_tri[t].v; }
     const int32_t* TrisBegin(int32_t v) const { return m_triList.data() + m_triStart[v]; }
     const int32_t* TrisEnd(int32_t v) const { return m_triList.data() + m_triStart[v + 1]; }
 
     // Per vertex its triangles in triangle order; triangles that repeat an index stay out.
     void BuildTriangleLists()
     {
+        m_tri.resize(m_nTri);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+        {
+            const uint32_t* p = m_pnIdx + size_t(t) * 3;
+            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0};
+        }
         m_triStart.assign(size_t(m_nVtx) + 1, 0);
         m_degenerate.assign(m_nTri, 0);
         for (uint32_t t = 0; t < m_nTri; ++t)
@@ -255,7 +262,6 @@ class CGeometrySorter
         m_rem.resize(m_nVtx);
         for (uint32_t v = 0; v < m_nVtx; ++v)
             m_rem[v] = static_cast<int32_t>(m_triStart[v + 1] - m_triStart[v]);
-        m_used.assign(m_nTri, 0);
     }
 
     // Edges get dense numbers in order of first appearance; a later triangle finds an edge through
@@ -387,17 +393,38 @@ class CGeometrySorter
     {
         m_work.Clear();
         ++m_workStamp;
+        m_nClosedOutside = 0;
     }
+    // Counts an option triangle at v: v has candidates only while it has more unwritten triangles.
+    void CountWorkTriangle(uint32_t v)
+    {
+        ++m_vStar[v];
+        SWorkCount& n = m_vWorkTri[v];
+        n = {m_workStamp, n.nStamp == m_workStamp ? n.nCount + 1 : 1};
+    }
+    bool HasCandidates(int32_t v) const
+    {
+        const SWorkCount& n = m_vWorkTri[v];
+        return m_rem[v] > (n.nStamp == m_workStamp ? n.nCount : 0);
+    }
+
     void WorkAddVertex(int32_t v)
     {
         if (m_vWork[v] == m_workStamp)
             return;
         m_vWork[v] = m_workStamp;
         m_work.vtx.push_back(v);
-        // Appraisals of triangles at v's neighbours read whether v is in the option.
+        // Appraisals of triangles at v's neighbours read whether v is in the option; triangles whose
+        // corners are now all in the option but that it does not hold yet are counted.
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        {
+            const uint32_t* u = Tri(*p);
             for (int c = 0; c < 3; ++c)
-                ++m_vStar[Tri(*p)[c]];
+                ++m_vStar[u[c]];
+            if (!m_tri[*p].bUsed && m_tri[*p].nWork != m_workStamp && m_vWork[u[0]] == m_workStamp &&
+                m_vWork[u[1]] == m_workStamp && m_vWork[u[2]] == m_workStamp)
+                ++m_nClosedOutside;
+        }
     }
     void WorkAddEdgeUse(int32_t e, int32_t count)
     {
@@ -412,12 +439,14 @@ class CGeometrySorter
         m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], n + count) - EdgeTerm(m_edgeRem[e], n);
         n += count;
     }
+    // Adds a triangle whose corners are all in the option already.
     void WorkAddTriangle(int32_t t)
     {
-        m_tStamp[t].nWork = m_workStamp;
+        --m_nClosedOutside;
+        m_tri[t].nWork = m_workStamp;
         m_work.tri.push_back(t);
         for (int c = 0; c < 3; ++c)
-            ++m_vStar[Tri(t)[c]];
+            CountWorkTriangle(Tri(t)[c]);
         for (int c = 0; c < 3; ++c)
             WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
     }
@@ -432,7 +461,7 @@ class CGeometrySorter
         for (int32_t v : m_best.vtx)
             m_vBest[v] = m_bestStamp;
         for (int32_t t : m_best.tri)
-            m_tStamp[t].nBest = m_bestStamp;
+            m_tri[t].nBest = m_bestStamp;
     }
     void CopyBestToWork()
     {
@@ -441,10 +470,11 @@ class CGeometrySorter
             WorkAddVertex(v);
         for (int32_t t : m_best.tri)
         {
-            m_tStamp[t].nWork = m_workStamp;
+            --m_nClosedOutside;
+            m_tri[t].nWork = m_workStamp;
             m_work.tri.push_back(t);
             for (int c = 0; c < 3; ++c)
-                ++m_vStar[Tri(t)[c]];
+                CountWorkTriangle(Tri(t)[c]);
         }
         for (const SEdgeUse& e : m_best.edges)
         {
@@ -473,7 +503,7 @@ class CGeometrySorter
             for (const int32_t* p = TrisBegin(v); p != TrisEnd(v) && s.tri.size() < cap; ++p)
             {
                 const int32_t u = *p;
-                if (m_used[u] || m_tStamp[u].nWork == m_workStamp || m_tStamp[u].nScratch == m_scratchStamp)
+                if (m_tri[u].bUsed || m_tri[u].nWork == m_workStamp || m_tri[u].nScratch == m_scratchStamp)
                     continue;
                 const uint32_t* uv = Tri(u);
                 bool closes = true;
@@ -481,7 +511,7 @@ class CGeometrySorter
                     closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || m_vWork[uv[k]] == m_workStamp;
                 if (!closes)
                     continue;
-                m_tStamp[u].nScratch = m_scratchStamp;
+                m_tri[u].nScratch = m_scratchStamp;
                 s.tri.push_back(u);
                 for (int k = 0; k < 3; ++k)
                     ScratchAddEdgeUse(s, m_triEdge[size_t(u) * 3 + k]);
@@ -502,15 +532,93 @@ class CGeometrySorter
         s.nClosedDelta += EdgeTerm(m_edgeRem[e], 1);
     }
 
+    // The score of appraising t from the triangle lists of its new vertices only. Exact while no
+    // triangle outside the option has all its corners in it (then every triangle the walk would
+    // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
+    // order does not matter). False when it cannot decide.
+    bool AppraiseFast(int32_t t, bool& accepted, size_t& nNewVtx, SScore& score)
+    {
+        if (m_nClosedOutside != 0)
+            return false;
+        const uint32_t* tv = Tri(t);
+        uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
+        uint32_t nNew = 0;
+        for (int c = 0; c < 3; ++c)
+            if (m_vWork[tv[c]] != m_workStamp)
+            {
+                if (nNew == 2)
+                    return false;
+                nv[nNew++] = tv[c];
+            }
+        if (nNew == 0)
+            return false;
+        nNewVtx = nNew;
+        if (m_nVtxMax - m_work.vtx.size() < nNew)
+        {
+            accepted = false;
+            score = Score(0, nNew, 0);
+            return true;
+        }
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        size_t count = 0;
+        m_fastEdges.clear();
+        int delta = 0;
+        for (uint32_t i = 0; i < nNew; ++i)
+            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
+            {
+                const STriangle& u = m_tri[*p];
+                if (u.bUsed || u.nWork == m_workStamp)
+                    continue;
+                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
+                    continue; // met in the first new vertex's list
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = m_vWork[u.v[k]] == m_workStamp || u.v[k] == nv[0] || u.v[k] == nv[1];
+                if (!closes)
+                    continue;
+                if (++count > cap)
+                    return false;
+                for (int k = 0; k < 3; ++k)
+                {
+                    const int32_t e = m_triEdge[size_t(*p) * 3 + k];
+                    auto it = std::find_if(m_fastEdges.begin(), m_fastEdges.end(),
+                                           [e](const SEdgeUse& use) { return use.nEdge == e; });
+                    if (it == m_fastEdges.end())
+                    {
+                        m_fastEdges.push_back({e, 1});
+                        delta += EdgeTerm(m_edgeRem[e], 1);
+                    }
+                    else
+                    {
+                        delta += EdgeTerm(m_edgeRem[e], it->nCount + 1) - EdgeTerm(m_edgeRem[e], it->nCount);
+                        ++it->nCount;
+                    }
+                }
+            }
+        accepted = true;
+        score = Score(count, nNew, delta);
+        return true;
+    }
+
     // The score of appraising t, from the appraisal cache of this growth when nothing around t's
     // vertices has joined the option since and the triangle cap still allows it. False when t's new
     // vertices do not fit.
     bool AppraiseScore(int32_t t, SScore& score)
     {
         const uint32_t* tv = Tri(t);
-        const uint32_t star = m_vStar[tv[0]] + m_vStar[tv[1]] + m_vStar[tv[2]];
+        // Star counters over all corners, and over the corners not in the option (which is all the
+        // fast appraisal depends on).
+        uint32_t starAll = 0, starNew = 0, nNew = 0;
+        for (int c = 0; c < 3; ++c)
+        {
+            starAll += m_vStar[tv[c]];
+            if (m_vWork[tv[c]] != m_workStamp)
+            {
+                starNew += m_vStar[tv[c]];
+                ++nNew;
+            }
+        }
         const size_t cap = m_nTriMax - m_work.tri.size();
-        const size_t freeVtx = m_nVtxMax - m_work.vtx.size();
         SAppraisal* a = nullptr;
         const uint32_t mask = static_cast<uint32_t>(m_appraisals.size() - 1);
         for (uint32_t h = (uint32_t(t) * 2654435761u) & mask, probes = 0; probes < 8; h = (h + 1) & mask, ++probes)
@@ -522,20 +630,28 @@ class CGeometrySorter
                 break;
             }
         }
-        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) && a->nStar == star)
+        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) &&
+            (a->bFast ? m_nClosedOutside == 0 && a->nNewVtx == nNew && a->nStar == starNew : a->nStar == starAll))
         {
-            if (a->nNewVtx > freeVtx)
-                return false;
-            if (a->bWalked && (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap)))
+            if (!a->bWalked || a->nNewVtx > m_nVtxMax - m_work.vtx.size())
+                return false; // the free vertex slots only shrink during a growth
+            if (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap))
             {
                 score = a->score;
                 return true;
             }
         }
-        const bool accepted = Appraise(t, m_scratch[1]);
+        bool accepted;
+        size_t nNewVtx;
+        const bool fast = AppraiseFast(t, accepted, nNewVtx, score);
+        if (!fast)
+        {
+            accepted = Appraise(t, m_scratch[1]);
+            nNewVtx = m_scratch[1].vtx.size();
+            score = Score(m_scratch[1]);
+        }
         if (a)
-            *a = {m_growth, uint32_t(t), star, cap, m_scratch[1].vtx.size(), accepted, Score(m_scratch[1])};
-        score = Score(m_scratch[1]);
+            *a = {m_growth, uint32_t(t), fast ? starNew : starAll, cap, nNewVtx, accepted, fast, score};
         return accepted;
     }
 
@@ -553,11 +669,11 @@ class CGeometrySorter
             for (size_t i = 0; i < m_work.vtx.size(); ++i)
             {
                 const int32_t v = m_work.vtx[i];
-                if (m_rem[v] == 0)
+                if (!HasCandidates(v))
                     continue;
                 for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
                 {
-                    if (m_used[*p] || m_tStamp[*p].nWork == m_workStamp)
+                    if (m_tri[*p].bUsed || m_tri[*p].nWork == m_workStamp)
                         continue;
                     SScore score;
                     if (AppraiseScore(*p, score) && (kept < 0 || IsBetterThan(score, keptScore)))
@@ -567,9 +683,10 @@ class CGeometrySorter
                     }
                 }
             }
-            if (kept < 0)
+            // The winner's full appraisal gives its triangles in walk order (it cannot be refused
+            // here: its score was taken under the same option).
+            if (kept < 0 || !Appraise(kept, m_scratch[0]))
                 break;
-            Appraise(kept, m_scratch[0]);
             for (int32_t v : m_scratch[0].vtx)
                 WorkAddVertex(v);
             for (int32_t t : m_scratch[0].tri)
@@ -582,7 +699,7 @@ class CGeometrySorter
             {
                 Footprint(*footprint, v);
                 for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
-                    if (!m_used[*p])
+                    if (!m_tri[*p].bUsed)
                         for (int c = 0; c < 3; ++c)
                             Footprint(*footprint, int32_t(Tri(*p)[c]));
             }
@@ -699,7 +816,7 @@ class CGeometrySorter
             for (int32_t x : m_best.vtx)
                 m_vBest[x] = m_bestStamp;
             for (int32_t t : m_best.tri)
-                m_tStamp[t].nBest = m_bestStamp;
+                m_tri[t].nBest = m_bestStamp;
         }
         return true;
     }
@@ -711,9 +828,9 @@ class CGeometrySorter
         size_t n = 0;
         for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
             for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
-                if (!m_used[*q] && m_tStamp[*q].nBest != m_bestStamp && m_tStamp[*q].nScratch != m_scratchStamp)
+                if (!m_tri[*q].bUsed && m_tri[*q].nBest != m_bestStamp && m_tri[*q].nScratch != m_scratchStamp)
                 {
-                    m_tStamp[*q].nScratch = m_scratchStamp;
+                    m_tri[*q].nScratch = m_scratchStamp;
                     ++n;
                 }
         return n;
@@ -732,9 +849,9 @@ class CGeometrySorter
         }
         for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
             for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
-                if (!m_used[*q] && m_tStamp[*q].nBest != m_bestStamp)
+                if (!m_tri[*q].bUsed && m_tri[*q].nBest != m_bestStamp)
                 {
-                    m_tStamp[*q].nBest = m_bestStamp;
+                    m_tri[*q].nBest = m_bestStamp;
                     m_best.tri.push_back(*q);
                 }
     }
@@ -820,7 +937,7 @@ class CGeometrySorter
                 --m_edgeRem[m_triEdge[size_t(t) * 3 + c]];
                 m_pOut->push_back(Tri(t)[c]);
             }
-            m_used[t] = 1;
+            m_tri[t].bUsed = 1;
             ++m_nWritten;
         }
     }
@@ -853,7 +970,7 @@ class CGeometrySorter
             ++blockTri;
         };
         for (uint32_t t = 0; t < m_nTri; ++t)
-            if (!m_degenerate[t] && !m_used[t])
+            if (!m_degenerate[t] && !m_tri[t].bUsed)
                 flushTri(t);
         for (uint32_t t = 0; t < m_nTri; ++t)
             if (m_degenerate[t])
@@ -868,14 +985,17 @@ class CGeometrySorter
     std::vector<uint32_t> m_triStart;
     std::vector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
     std::vector<uint32_t> m_slot;
-    std::vector<uint8_t> m_used, m_degenerate;
+    std::vector<uint8_t> m_degenerate;
     std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
     CSlotBits m_rem1, m_remAny;              // slots whose vertex has exactly one / any triangle left
     SOption m_work, m_best, m_scratch[2];
-    // Option membership stamps (the arrays start at 0, the stamps at 1).
-    struct STriStamps
+    // Per triangle its corners, option membership stamps (the arrays start at 0, the stamps at 1)
+    // and the written flag, in one record.
+    struct STriangle
     {
+        uint32_t v[3];
         uint32_t nWork, nBest, nScratch;
+        uint8_t bUsed;
     };
     struct SEdgeStamp
     {
@@ -883,7 +1003,7 @@ class CGeometrySorter
         int32_t nSlot; // in the working option's edge list
     };
     std::vector<uint32_t> m_vWork, m_vBest;
-    std::vector<STriStamps> m_tStamp;
+    std::vector<STriangle> m_tri;
     std::vector<SEdgeStamp> m_eWork;
     uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
     std::vector<uint32_t>* m_pOut = nullptr;
@@ -902,6 +1022,14 @@ class CGeometrySorter
     // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
     std::vector<SAppraisal> m_appraisals;
     std::vector<uint32_t> m_vStar;
+    struct SWorkCount
+    {
+        uint32_t nStamp;
+        int32_t nCount;
+    };
+    std::vector<SWorkCount> m_vWorkTri; // option triangles at each vertex
+    size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
+    std::vector<SEdgeUse> m_fastEdges;
     uint32_t m_growth = 0;
 };
 
