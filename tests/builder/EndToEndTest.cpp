@@ -618,23 +618,6 @@ TEST_F(EndToEnd, EmptySceneExportsAndReadsBack)
     EXPECT_EQ(model.nNumMesh, 0u);
 }
 
-TEST_F(EndToEnd, SkinWithoutDataIsIgnoredWithAWarning)
-{
-    CRecordingLogSink sink;
-    SContent content;
-    CNode cube = MeshNode("Cube", CubeGeometry());
-    SModifier skin;
-    skin.vertices.resize(2);
-    cube.modifiers = {skin};
-    content.AddNode(cube);
-    COptions options;
-    CQMXTModelTVO model;
-    ASSERT_TRUE(Export(content, options, Path("noskin.tvo"), model));
-    EXPECT_TRUE(sink.Has(eLogWarning,
-                         "Warning: Ignoring skinning information as some/all vertices do not have data."));
-    EXPECT_EQ(model.pMesh[0].sBoneIdx.n, 0u);
-}
-
 TEST_F(EndToEnd, PostExportRunsAfterAWriteWhenAsked)
 {
     SContent content;

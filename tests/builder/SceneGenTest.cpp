@@ -30,24 +30,6 @@ int FindNode(const CTVOSceneEx& scene, const char* name)
 }
 } // namespace
 
-TEST(SceneGen, UnweldedCubeWeldsTo24VerticesWithNormals)
-{
-    SContent content;
-    content.AddNode(MeshNode("Cube", CubeGeometry()));
-    CTVOSceneEx scene;
-    ASSERT_TRUE(Build(scene, content));
-    ASSERT_EQ(scene.nNumMesh, 1u);
-    ASSERT_EQ(scene.nNumNode, 1u);
-    EXPECT_EQ(scene.nNumMeshNode, 1u);
-    const STVOMesh& m = scene.pMesh[0];
-    EXPECT_EQ(m.nNumFaces, 12u);
-    EXPECT_EQ(m.nNumVertex, 24u);
-    EXPECT_EQ(m.sNormals.n, 3u);
-    EXPECT_EQ(scene.pNode[0].nIdx, 0);
-    EXPECT_EQ(scene.pNode[0].nIdxMaterial, 0);
-    EXPECT_EQ(scene.pNode[0].nIdxParent, -1);
-}
-
 TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
 {
     CRecordingLogSink sink;
@@ -290,31 +272,4 @@ TEST(SceneGen, SkinWithMissingVerticesIsIgnoredAndBadIndicesFail)
     content.nodes[0].geom.channels[0].faces.pop_back();
     CTVOSceneEx badUV;
     EXPECT_FALSE(badUV.GenA(&content, noNormals));
-}
-
-TEST(SceneGen, AnimationStageKeepsMovingTracksOnly)
-{
-    SContent content;
-    content.info.endFrame = 4;
-    CNode still;
-    still.name = "still";
-    still.frames.resize(5);
-    CNode moving;
-    moving.name = "moving";
-    moving.frames.resize(5);
-    for (int f = 0; f < 5; ++f)
-        moving.frames[f].pos[0] = static_cast<float>(f);
-    content.AddNode(still);
-    content.AddNode(moving);
-    SBuilderSettings anim;
-    anim.bExportAnimations = true;
-    CTVOSceneEx scene;
-    ASSERT_TRUE(Build(scene, content, anim));
-    ASSERT_EQ(scene.nNumFrame, 5u);
-    EXPECT_EQ(scene.pNode[0].nAnimationFlags, 0u);
-    EXPECT_EQ(scene.pNode[1].nAnimationFlags, unsigned(eTVOHasPositionAnimation));
-    EXPECT_EQ(QMXTModelTVOGetAnimArraySize(scene.pNode[1].pnAnimPositionIdx, 5, 3), 15u);
-    EXPECT_EQ(scene.pNode[1].pfAnimPosition[12], 4.0f);
-    ASSERT_NE(scene.pNode[1].pfAnimRotation, nullptr); // the static key
-    EXPECT_EQ(scene.pNode[1].pfAnimRotation[3], 1.0f);
 }
