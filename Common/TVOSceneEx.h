@@ -3,7 +3,10 @@
 //
 // GenA turns the content into nodes, meshes, lights, cameras, materials and textures held in the
 // builder lists; GenB moves the lists into the model's arrays and resolves content indices into
-// node positions; GenC cleans up node animation; GenD runs the geometry pass on every mesh.
+// node positions; GenC cleans up node animation; GenD runs the geometry pass on every mesh. Bone
+// batches only exist once GenD has made them, so GenD resolves their bone tables (content index to
+// node position) as it makes them; a skinned mesh without batches gets the node positions in its
+// vertices' bone indices instead.
 //
 // Node order: mesh nodes first (nNumMeshNode of them), then one node per light, one per camera, the
 // remaining nodes, and last the parents of split meshes. A node split by material becomes one
