@@ -1,5 +1,6 @@
 #include "QMXTModelTVOFile.h"
 
+#include <cstddef>
 #include <utility>
 
 uint64_t QMXTTVOChannelFloats(const uint32_t* pIdx, bool animated, uint32_t frameCount, uint32_t keySize)

@@ -829,8 +829,9 @@ bool CTVOReader::FacesChecks(const STVOMesh& m, uint32_t bytes)
     const CTVOData& f = m.sFaces;
     const uint64_t indices =
         m.nNumStrips ? static_cast<uint64_t>(m.nNumFaces) + 2ull * m.nNumStrips : 3ull * m.nNumFaces;
+    // A de-indexed mesh has no face data: one vertex a corner, in order.
     if (!f.pData)
-        return indices == 0 ||
+        return indices == 0 || indices == m.nNumVertex ||
                m_src.Fail("%llu indices but no face data", static_cast<unsigned long long>(indices));
     if (f.eType != EQMXTDataUnsignedShort && f.eType != EQMXTDataUnsignedInt)
         return m_src.Fail("faces of type %u (expected unsigned short or unsigned int)",

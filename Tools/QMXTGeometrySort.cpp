@@ -1,0 +1,1099 @@
+// Vertex-cache triangle order by greedy block growth.
+//
+// The working model: per vertex its triangles (in triangle order) and the count not yet written; per
+// triangle its three edges and a written flag; per edge the count of unwritten triangles on it. A
+// mesh is a slice of one vertex list; vertices move inside it when a closed piece is split off.
+//
+// What keeps it near-linear: an edge is identified by the first triangle that holds its vertex pair
+// (found through the shorter of the two vertex triangle lists); the scans of a large mesh for vertices
+// with one or some triangles left use bit sets over the vertex list; membership of a vertex, triangle
+// or edge in a block option is a stamp, not a search.
+#include "QMXTGeometrySort.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+namespace
+{
+// Ordered bit set over vertex-list slots with a summary word per 64 words, for "next set slot".
+class CSlotBits
+{
+  public:
+    explicit CSlotBits(size_t n) : m_words((n + 63) / 64 + 1, 0), m_summary(m_words.size() / 64 + 1, 0) {}
+
+    bool Get(size_t i) const { return (m_words[i >> 6] >> (i & 63)) & 1u; }
+    void Assign(size_t i, bool on)
+    {
+        uint64_t& w = m_words[i >> 6];
+        const uint64_t bit = uint64_t(1) << (i & 63);
+        w = on ? (w | bit) : (w & ~bit);
+        const size_t wi = i >> 6;
+        const uint64_t sbit = uint64_t(1) << (wi & 63);
+        m_summary[wi >> 6] = w ? (m_summary[wi >> 6] | sbit) : (m_summary[wi >> 6] & ~sbit);
+    }
+    // First set slot in [from, end), or end.
+    size_t Next(size_t from, size_t end) const
+    {
+        if (from >= end)
+            return end;
+        size_t wi = from >> 6;
+        uint64_t w = m_words[wi] & (~uint64_t(0) << (from & 63));
+        if (!w)
+        {
+            // Next non-empty word after wi through the summary.
+            size_t si = (wi + 1) >> 6;
+            uint64_t s = (wi + 1) & 63 ? m_summary[si] & (~uint64_t(0) << ((wi + 1) & 63)) : m_summary[si];
+            const size_t lastWord = (end - 1) >> 6;
+            for (;;)
+            {
+                if (s)
+                {
+                    wi = (si << 6) + size_t(__builtin_ctzll(s));
+                    break;
+                }
+                if (++si > (lastWord >> 6))
+                    return end;
+                s = m_summary[si];
+            }
+            if (wi > lastWord)
+                return end;
+            w = m_words[wi];
+        }
+        const size_t i = (wi << 6) + size_t(__builtin_ctzll(w));
+        return i < end ? i : end;
+    }
+
+  private:
+    std::vector<uint64_t> m_words;
+    std::vector<uint64_t> m_summary;
+};
+
+struct SMesh
+{
+    uint32_t nStart;
+    uint32_t nLen;
+};
+
+struct SEdgeUse
+{
+    int32_t nEdge;
+    int32_t nCount; // the option's triangles on the edge
+};
+
+// A candidate block: vertices, triangles in order of addition, and edges with their use counts.
+struct SOption
+{
+    std::vector<int32_t> vtx, tri;
+    std::vector<SEdgeUse> edges;
+    int nClosedDelta = 0;
+    uint32_t nVtxMax = 0;
+
+    void Clear()
+    {
+        vtx.clear();
+        tri.clear();
+        edges.clear();
+        nClosedDelta = 0;
+    }
+    bool Empty() const { return vtx.empty(); }
+    bool Full(size_t nTriMax) const { return nVtxMax - vtx.size() < 3 || tri.size() == nTriMax; }
+};
+
+// The closed-edge term of an edge in an option: +1 when the option takes the last triangle of an edge
+// that has exactly one left, -1 when exactly one triangle is left outside the option.
+int EdgeTerm(int nRemaining, int nCount)
+{
+    const int d = nRemaining - nCount;
+    if (d == 0 && nRemaining == 1)
+        return 1;
+    return d == 1 ? -1 : 0;
+}
+
+// What IsBetterThan compares: triangles per vertex, then closed edges, then triangles.
+struct SScore
+{
+    size_t nTri;
+    float fRatio; // triangles per vertex, infinite without vertices
+    int nClosedDelta;
+};
+
+SScore Score(size_t nTri, size_t nVtx, int nClosedDelta)
+{
+    return {nTri, nVtx == 0 ? INFINITY : float(nTri) / float(nVtx), nClosedDelta};
+}
+
+SScore Score(const SOption& o)
+{
+    return Score(o.tri.size(), o.vtx.size(), o.nClosedDelta);
+}
+
+bool IsBetterThan(const SScore& a, const SScore& b)
+{
+    if (std::fabs(a.fRatio - b.fRatio) > 0.1f)
+        return a.fRatio > b.fRatio;
+    if (a.nClosedDelta != b.nClosedDelta)
+        return a.nClosedDelta > b.nClosedDelta;
+    return a.nTri > b.nTri;
+}
+
+// A cached appraisal: valid within one growth while the star counters it depends on are unchanged.
+struct SAppraisal
+{
+    uint32_t nGrowth = 0;
+    uint32_t nTriangle = 0;
+    uint32_t nStar = 0;
+    size_t nCap = 0;
+    size_t nNewVtx = 0;   // corners of the triangle not yet in the option
+    bool bWalked = false; // accepted (otherwise rejected for want of vertex slots)
+    bool bFast = false;   // from the new corners only: counters over those, valid while no closed
+                          // triangle waits outside the option
+    SScore score{};
+};
+
+// A full block grown from one start vertex, kept while none of the vertices it looked at changed.
+struct SGrownBlock
+{
+    uint32_t nGeneration = 0; // bumped when the slot is reused or invalidated
+    bool bValid = false;
+    std::vector<int32_t> vtx, tri;
+    std::vector<SEdgeUse> edges;
+    int nClosedDelta = 0;
+};
+
+bool IsDegenerate(const uint32_t* tri)
+{
+    return tri[0] == tri[1] || tri[1] == tri[2] || tri[0] == tri[2];
+}
+
+class CGeometrySorter
+{
+  public:
+    CGeometrySorter(const uint32_t* pnIdx, uint32_t nVtx, uint32_t nTri, uint32_t nVtxMax, uint32_t nTriMax)
+        : m_pnIdx(pnIdx), m_nVtx(nVtx), m_nTri(nTri), m_nVtxMax(nVtxMax), m_nTriMax(nTriMax),
+          m_lists(nVtxMax - 2), m_rem1(nVtx), m_remAny(nVtx)
+    {
+        BuildTriangleLists();
+        BuildEdges();
+        BuildMeshes();
+        for (SOption* o : {&m_work, &m_best, &m_scratch[0], &m_scratch[1]})
+        {
+            o->nVtxMax = o == &m_work || o == &m_best ? nVtxMax : 3;
+            o->vtx.reserve(nVtxMax);
+            o->tri.reserve(nTriMax);
+            o->edges.reserve(size_t(nTriMax) * 3);
+        }
+        m_vWork.assign(nVtx, 0);
+        m_vBest.assign(nVtx, 0);
+        m_vFootprint.assign(nVtx, 0);
+        m_vStar.assign(nVtx, 0);
+        m_vWorkTri.assign(nVtx, {0, 0});
+        m_blockOf.assign(nVtx, -1);
+        m_depHead.assign(nVtx, -1);
+        m_appraisals.resize(1024);
+    }
+
+    // Writes the new triangle order into out and the triangle count of each block into blocks.
+    void Sort(std::vector<uint32_t>& out, std::vector<uint32_t>& blocks)
+    {
+        out.reserve(size_t(m_nTri) * 3);
+        m_pOut = &out;
+        while (m_nWritten < m_nModelTri)
+        {
+            ClearWork();
+            m_best.Clear();
+            ++m_bestStamp;
+            m_scratch[0].Clear();
+            m_scratch[1].Clear();
+            const int n = Fill();
+            if (m_best.tri.empty() && n < 0)
+                break;
+            if (!m_best.tri.empty())
+                blocks.push_back(static_cast<uint32_t>(m_best.tri.size()));
+            Output();
+            if (n >= 0)
+            {
+                const SMesh m = m_lists[n].back();
+                m_lists[n].pop_back();
+                ResizeMesh(m);
+            }
+        }
+        FlushLeftovers(blocks);
+    }
+
+  private:
+    const uint32_t* Tri(int32_t t) const { return m_tri[t].v; }
+    const int32_t* TrisBegin(int32_t v) const { return m_triList.data() + m_triStart[v]; }
+    const int32_t* TrisEnd(int32_t v) const { return m_triList.data() + m_triStart[v + 1]; }
+
+    // Per vertex its triangles in triangle order; triangles that repeat an index stay out.
+    void BuildTriangleLists()
+    {
+        m_tri.resize(m_nTri);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+        {
+            const uint32_t* p = m_pnIdx + size_t(t) * 3;
+            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0};
+        }
+        m_triStart.assign(size_t(m_nVtx) + 1, 0);
+        m_degenerate.assign(m_nTri, 0);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+        {
+            if (IsDegenerate(Tri(t)))
+            {
+                m_degenerate[t] = 1;
+                continue;
+            }
+            ++m_nModelTri;
+            for (int c = 0; c < 3; ++c)
+                ++m_triStart[Tri(t)[c] + 1];
+        }
+        for (uint32_t v = 0; v < m_nVtx; ++v)
+            m_triStart[v + 1] += m_triStart[v];
+        m_triList.resize(m_triStart[m_nVtx]);
+        std::vector<uint32_t> fill(m_triStart.begin(), m_triStart.end() - 1);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+            if (!m_degenerate[t])
+                for (int c = 0; c < 3; ++c)
+                    m_triList[fill[Tri(t)[c]]++] = static_cast<int32_t>(t);
+        m_rem.resize(m_nVtx);
+        for (uint32_t v = 0; v < m_nVtx; ++v)
+            m_rem[v] = static_cast<int32_t>(m_triStart[v + 1] - m_triStart[v]);
+    }
+
+    // Edges get dense numbers in order of first appearance; a later triangle finds an edge through
+    // the first triangle holding its vertex pair (searched in the shorter vertex triangle list).
+    void BuildEdges()
+    {
+        m_triEdge.assign(size_t(m_nTri) * 3, -1);
+        int32_t nEdges = 0;
+        for (uint32_t t = 0; t < m_nTri; ++t)
+        {
+            if (m_degenerate[t])
+                continue;
+            for (int c = 0; c < 3; ++c)
+            {
+                const int32_t a = static_cast<int32_t>(Tri(t)[c]), b = static_cast<int32_t>(Tri(t)[(c + 1) % 3]);
+                const int32_t x = (TrisEnd(a) - TrisBegin(a)) <= (TrisEnd(b) - TrisBegin(b)) ? a : b;
+                const int32_t y = x == a ? b : a;
+                size_t owner = SIZE_MAX;
+                for (const int32_t* p = TrisBegin(x); owner == SIZE_MAX; ++p)
+                {
+                    const uint32_t* u = Tri(*p);
+                    for (int e = 0; e < 3 && owner == SIZE_MAX; ++e)
+                    {
+                        const int32_t ua = int32_t(u[e]), ub = int32_t(u[(e + 1) % 3]);
+                        if ((ua == x && ub == y) || (ua == y && ub == x))
+                            owner = size_t(*p) * 3 + e;
+                    }
+                }
+                const size_t self = size_t(t) * 3 + c;
+                m_triEdge[self] = owner == self ? nEdges++ : m_triEdge[owner];
+            }
+        }
+        m_edgeRem.assign(size_t(nEdges), 0);
+        for (int32_t e : m_triEdge)
+            if (e >= 0)
+                ++m_edgeRem[e];
+        m_eWork.assign(size_t(nEdges), {0, 0});
+    }
+
+    // Connected groups by shared triangles, breadth first, laid out in one vertex list.
+    void BuildMeshes()
+    {
+        m_list.resize(m_nVtx);
+        m_slot.assign(m_nVtx, 0);
+        std::vector<uint8_t> placed(m_nVtx, 0);
+        uint32_t end = 0;
+        for (uint32_t v = 0; v < m_nVtx; ++v)
+        {
+            if (placed[v])
+                continue;
+            const uint32_t start = end;
+            placed[v] = 1;
+            m_list[end++] = static_cast<int32_t>(v);
+            for (uint32_t k = start; k < end; ++k)
+                for (const int32_t* p = TrisBegin(m_list[k]); p != TrisEnd(m_list[k]); ++p)
+                    for (int c = 0; c < 3; ++c)
+                    {
+                        const uint32_t w = Tri(*p)[c];
+                        if (!placed[w])
+                        {
+                            placed[w] = 1;
+                            m_list[end++] = static_cast<int32_t>(w);
+                        }
+                    }
+            if (end - start > 2)
+                PushMesh({start, end - start});
+        }
+        for (uint32_t s = 0; s < m_nVtx; ++s)
+        {
+            m_slot[m_list[s]] = s;
+            UpdateBits(m_list[s]);
+        }
+    }
+
+    void PushMesh(SMesh m) { m_lists[std::min(m.nLen, m_nVtxMax) - 3].push_back(m); }
+    std::vector<SMesh>& Large() { return m_lists[m_nVtxMax - 3]; }
+
+    void UpdateBits(int32_t v)
+    {
+        m_rem1.Assign(m_slot[v], m_rem[v] == 1);
+        m_remAny.Assign(m_slot[v], m_rem[v] != 0);
+    }
+
+    void SwapSlots(uint32_t s, uint32_t d)
+    {
+        if (s == d)
+            return;
+        std::swap(m_list[s], m_list[d]);
+        m_slot[m_list[s]] = s;
+        m_slot[m_list[d]] = d;
+        UpdateBits(m_list[s]);
+        UpdateBits(m_list[d]);
+    }
+
+    // Keeps only the vertices with triangles left, in order, and puts the mesh back on its list.
+    void ResizeMesh(SMesh m)
+    {
+        uint32_t w = m.nStart;
+        for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
+            if (m_rem[m_list[p]] != 0)
+                SwapSlots(p, w++);
+        const uint32_t len = w - m.nStart;
+        if (len >= 3)
+            PushMesh({m.nStart, len});
+    }
+
+    // Moves the option's vertices to the front of the large mesh and splits them off as a mesh.
+    void SplitMesh(const std::vector<int32_t>& vtx)
+    {
+        const uint32_t n = static_cast<uint32_t>(vtx.size());
+        const uint32_t start = Large().back().nStart;
+        for (uint32_t k = 0; k < n; ++k)
+            SwapSlots(m_slot[vtx[k]], start + k);
+        if (n >= 3)
+            PushMesh({start, n});
+        SMesh& m = Large().back();
+        m.nStart += n;
+        m.nLen -= n;
+        if (m.nLen < m_nVtxMax)
+        {
+            const SMesh rest = m;
+            Large().pop_back();
+            ResizeMesh(rest);
+        }
+    }
+
+    // Working option membership by stamps.
+    void ClearWork()
+    {
+        m_work.Clear();
+        ++m_workStamp;
+        m_nClosedOutside = 0;
+    }
+    // Counts an option triangle at v: v has candidates only while it has more unwritten triangles.
+    void CountWorkTriangle(uint32_t v)
+    {
+        ++m_vStar[v];
+        SWorkCount& n = m_vWorkTri[v];
+        n = {m_workStamp, n.nStamp == m_workStamp ? n.nCount + 1 : 1};
+    }
+    bool HasCandidates(int32_t v) const
+    {
+        const SWorkCount& n = m_vWorkTri[v];
+        return m_rem[v] > (n.nStamp == m_workStamp ? n.nCount : 0);
+    }
+
+    void WorkAddVertex(int32_t v)
+    {
+        if (m_vWork[v] == m_workStamp)
+            return;
+        m_vWork[v] = m_workStamp;
+        m_work.vtx.push_back(v);
+        // Appraisals of triangles at v's neighbours read whether v is in the option; triangles whose
+        // corners are now all in the option but that it does not hold yet are counted.
+        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        {
+            const uint32_t* u = Tri(*p);
+            for (int c = 0; c < 3; ++c)
+                ++m_vStar[u[c]];
+            if (!m_tri[*p].bUsed && m_tri[*p].nWork != m_workStamp && m_vWork[u[0]] == m_workStamp &&
+                m_vWork[u[1]] == m_workStamp && m_vWork[u[2]] == m_workStamp)
+                ++m_nClosedOutside;
+        }
+    }
+    void WorkAddEdgeUse(int32_t e, int32_t count)
+    {
+        if (m_eWork[e].nStamp != m_workStamp)
+        {
+            m_eWork[e] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            m_work.edges.push_back({e, count});
+            m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], count);
+            return;
+        }
+        int32_t& n = m_work.edges[m_eWork[e].nSlot].nCount;
+        m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], n + count) - EdgeTerm(m_edgeRem[e], n);
+        n += count;
+    }
+    // Adds a triangle whose corners are all in the option already.
+    void WorkAddTriangle(int32_t t)
+    {
+        --m_nClosedOutside;
+        m_tri[t].nWork = m_workStamp;
+        m_work.tri.push_back(t);
+        for (int c = 0; c < 3; ++c)
+            CountWorkTriangle(Tri(t)[c]);
+        for (int c = 0; c < 3; ++c)
+            WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
+    }
+
+    void CopyWorkToBest()
+    {
+        m_best.vtx = m_work.vtx;
+        m_best.tri = m_work.tri;
+        m_best.edges = m_work.edges;
+        m_best.nClosedDelta = m_work.nClosedDelta;
+        ++m_bestStamp;
+        for (int32_t v : m_best.vtx)
+            m_vBest[v] = m_bestStamp;
+        for (int32_t t : m_best.tri)
+            m_tri[t].nBest = m_bestStamp;
+    }
+    void CopyBestToWork()
+    {
+        ClearWork();
+        for (int32_t v : m_best.vtx)
+            WorkAddVertex(v);
+        for (int32_t t : m_best.tri)
+        {
+            --m_nClosedOutside;
+            m_tri[t].nWork = m_workStamp;
+            m_work.tri.push_back(t);
+            for (int c = 0; c < 3; ++c)
+                CountWorkTriangle(Tri(t)[c]);
+        }
+        for (const SEdgeUse& e : m_best.edges)
+        {
+            m_eWork[e.nEdge] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            m_work.edges.push_back(e);
+        }
+        m_work.nClosedDelta = m_best.nClosedDelta;
+    }
+
+    // Scratch option of triangle t: t and every triangle around its vertices that it closes against
+    // the working option. False when t's new vertices do not fit.
+    bool Appraise(int32_t t, SOption& s)
+    {
+        s.Clear();
+        ++m_scratchStamp;
+        const uint32_t* tv = Tri(t);
+        for (int c = 0; c < 3; ++c)
+            if (m_vWork[tv[c]] != m_workStamp)
+                s.vtx.push_back(static_cast<int32_t>(tv[c]));
+        if (m_nVtxMax - m_work.vtx.size() < s.vtx.size())
+            return false;
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        for (int c = 0; c < 3; ++c)
+        {
+            const int32_t v = static_cast<int32_t>(tv[c]);
+            for (const int32_t* p = TrisBegin(v); p != TrisEnd(v) && s.tri.size() < cap; ++p)
+            {
+                const int32_t u = *p;
+                if (m_tri[u].bUsed || m_tri[u].nWork == m_workStamp || m_tri[u].nScratch == m_scratchStamp)
+                    continue;
+                const uint32_t* uv = Tri(u);
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || m_vWork[uv[k]] == m_workStamp;
+                if (!closes)
+                    continue;
+                m_tri[u].nScratch = m_scratchStamp;
+                s.tri.push_back(u);
+                for (int k = 0; k < 3; ++k)
+                    ScratchAddEdgeUse(s, m_triEdge[size_t(u) * 3 + k]);
+            }
+        }
+        return true;
+    }
+    void ScratchAddEdgeUse(SOption& s, int32_t e)
+    {
+        for (SEdgeUse& use : s.edges)
+            if (use.nEdge == e)
+            {
+                s.nClosedDelta += EdgeTerm(m_edgeRem[e], use.nCount + 1) - EdgeTerm(m_edgeRem[e], use.nCount);
+                ++use.nCount;
+                return;
+            }
+        s.edges.push_back({e, 1});
+        s.nClosedDelta += EdgeTerm(m_edgeRem[e], 1);
+    }
+
+    // The score of appraising t from the triangle lists of its new vertices only. Exact while no
+    // triangle outside the option has all its corners in it (then every triangle the walk would
+    // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
+    // order does not matter). False when it cannot decide.
+    bool AppraiseFast(int32_t t, bool& accepted, size_t& nNewVtx, SScore& score)
+    {
+        if (m_nClosedOutside != 0)
+            return false;
+        const uint32_t* tv = Tri(t);
+        uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
+        uint32_t nNew = 0;
+        for (int c = 0; c < 3; ++c)
+            if (m_vWork[tv[c]] != m_workStamp)
+            {
+                if (nNew == 2)
+                    return false;
+                nv[nNew++] = tv[c];
+            }
+        if (nNew == 0)
+            return false;
+        nNewVtx = nNew;
+        if (m_nVtxMax - m_work.vtx.size() < nNew)
+        {
+            accepted = false;
+            score = Score(0, nNew, 0);
+            return true;
+        }
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        size_t count = 0;
+        m_fastEdges.clear();
+        int delta = 0;
+        for (uint32_t i = 0; i < nNew; ++i)
+            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
+            {
+                const STriangle& u = m_tri[*p];
+                if (u.bUsed || u.nWork == m_workStamp)
+                    continue;
+                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
+                    continue; // met in the first new vertex's list
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = m_vWork[u.v[k]] == m_workStamp || u.v[k] == nv[0] || u.v[k] == nv[1];
+                if (!closes)
+                    continue;
+                if (++count > cap)
+                    return false;
+                for (int k = 0; k < 3; ++k)
+                {
+                    const int32_t e = m_triEdge[size_t(*p) * 3 + k];
+                    auto it = std::find_if(m_fastEdges.begin(), m_fastEdges.end(),
+                                           [e](const SEdgeUse& use) { return use.nEdge == e; });
+                    if (it == m_fastEdges.end())
+                    {
+                        m_fastEdges.push_back({e, 1});
+                        delta += EdgeTerm(m_edgeRem[e], 1);
+                    }
+                    else
+                    {
+                        delta += EdgeTerm(m_edgeRem[e], it->nCount + 1) - EdgeTerm(m_edgeRem[e], it->nCount);
+                        ++it->nCount;
+                    }
+                }
+            }
+        accepted = true;
+        score = Score(count, nNew, delta);
+        return true;
+    }
+
+    // The score of appraising t, from the appraisal cache of this growth when nothing around t's
+    // vertices has joined the option since and the triangle cap still allows it. False when t's new
+    // vertices do not fit.
+    bool AppraiseScore(int32_t t, SScore& score)
+    {
+        const uint32_t* tv = Tri(t);
+        // Star counters over all corners, and over the corners not in the option (which is all the
+        // fast appraisal depends on).
+        uint32_t starAll = 0, starNew = 0, nNew = 0;
+        for (int c = 0; c < 3; ++c)
+        {
+            starAll += m_vStar[tv[c]];
+            if (m_vWork[tv[c]] != m_workStamp)
+            {
+                starNew += m_vStar[tv[c]];
+                ++nNew;
+            }
+        }
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        SAppraisal* a = nullptr;
+        const uint32_t mask = static_cast<uint32_t>(m_appraisals.size() - 1);
+        for (uint32_t h = (uint32_t(t) * 2654435761u) & mask, probes = 0; probes < 8; h = (h + 1) & mask, ++probes)
+        {
+            SAppraisal& slot = m_appraisals[h];
+            if (slot.nGrowth != m_growth || slot.nTriangle == uint32_t(t))
+            {
+                a = &slot;
+                break;
+            }
+        }
+        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) &&
+            (a->bFast ? m_nClosedOutside == 0 && a->nNewVtx == nNew && a->nStar == starNew : a->nStar == starAll))
+        {
+            if (!a->bWalked || a->nNewVtx > m_nVtxMax - m_work.vtx.size())
+                return false; // the free vertex slots only shrink during a growth
+            if (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap))
+            {
+                score = a->score;
+                return true;
+            }
+        }
+        bool accepted;
+        size_t nNewVtx;
+        const bool fast = AppraiseFast(t, accepted, nNewVtx, score);
+        if (!fast)
+        {
+            accepted = Appraise(t, m_scratch[1]);
+            nNewVtx = m_scratch[1].vtx.size();
+            score = Score(m_scratch[1]);
+        }
+        if (a)
+            *a = {m_growth, uint32_t(t), fast ? starNew : starAll, cap, nNewVtx, accepted, fast, score};
+        return accepted;
+    }
+
+    // Grows the working option by the best appraised candidate until nothing fits: the first
+    // accepted candidate, replaced by any later one that is better, in the order of the option's
+    // vertices and their triangles. With a footprint given, records every vertex whose state the
+    // growth read.
+    void AddBestTriangles(std::vector<int32_t>* footprint = nullptr)
+    {
+        ++m_growth;
+        while (m_work.tri.size() < m_nTriMax)
+        {
+            int32_t kept = -1;
+            SScore keptScore{};
+            for (size_t i = 0; i < m_work.vtx.size(); ++i)
+            {
+                const int32_t v = m_work.vtx[i];
+                if (!HasCandidates(v))
+                    continue;
+                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+                {
+                    if (m_tri[*p].bUsed || m_tri[*p].nWork == m_workStamp)
+                        continue;
+                    SScore score;
+                    if (AppraiseScore(*p, score) && (kept < 0 || IsBetterThan(score, keptScore)))
+                    {
+                        kept = *p;
+                        keptScore = score;
+                    }
+                }
+            }
+            // The winner's full appraisal gives its triangles in walk order (it cannot be refused
+            // here: its score was taken under the same option).
+            if (kept < 0 || !Appraise(kept, m_scratch[0]))
+                break;
+            for (int32_t v : m_scratch[0].vtx)
+                WorkAddVertex(v);
+            for (int32_t t : m_scratch[0].tri)
+                WorkAddTriangle(t);
+        }
+        // Everything read: the option's vertices and those of every unwritten triangle at them (each
+        // triangle appraised is one of these, or joined the option).
+        if (footprint)
+            for (int32_t v : m_work.vtx)
+            {
+                Footprint(*footprint, v);
+                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+                    if (!m_tri[*p].bUsed)
+                        for (int c = 0; c < 3; ++c)
+                            Footprint(*footprint, int32_t(Tri(*p)[c]));
+            }
+    }
+
+    void Footprint(std::vector<int32_t>& footprint, int32_t v)
+    {
+        if (m_vFootprint[v] != m_footprintStamp)
+        {
+            m_vFootprint[v] = m_footprintStamp;
+            footprint.push_back(v);
+        }
+    }
+
+    // The block grown from v, from the cache when none of the vertices it read has changed since.
+    // Null when the growth did not fill up (the working option then holds the closed piece).
+    const SGrownBlock* GrowFrom(int32_t v)
+    {
+        int32_t& slot = m_blockOf[v];
+        if (slot >= 0 && m_blocks[slot].bValid)
+            return &m_blocks[slot];
+        ClearWork();
+        WorkAddVertex(v);
+        ++m_footprintStamp;
+        m_footprintScratch.clear();
+        AddBestTriangles(&m_footprintScratch);
+        if (!m_work.Full(m_nTriMax))
+            return nullptr;
+        if (slot < 0)
+        {
+            if (m_freeBlocks.empty())
+            {
+                slot = static_cast<int32_t>(m_blocks.size());
+                m_blocks.emplace_back();
+            }
+            else
+            {
+                slot = m_freeBlocks.back();
+                m_freeBlocks.pop_back();
+            }
+        }
+        SGrownBlock& b = m_blocks[slot];
+        ++b.nGeneration;
+        b.bValid = true;
+        b.vtx = m_work.vtx;
+        b.tri = m_work.tri;
+        b.edges = m_work.edges;
+        b.nClosedDelta = m_work.nClosedDelta;
+        // Each vertex read remembers the block, so that a change there invalidates it.
+        for (int32_t x : m_footprintScratch)
+        {
+            int32_t node;
+            if (m_freeDeps.empty())
+            {
+                node = static_cast<int32_t>(m_deps.size());
+                m_deps.emplace_back();
+            }
+            else
+            {
+                node = m_freeDeps.back();
+                m_freeDeps.pop_back();
+            }
+            m_deps[node] = {slot, b.nGeneration, m_depHead[x]};
+            m_depHead[x] = node;
+        }
+        return &b;
+    }
+
+    // Invalidates the grown blocks that read vertex v.
+    void VertexChanged(int32_t v)
+    {
+        for (int32_t node = m_depHead[v]; node >= 0;)
+        {
+            const SDependency d = m_deps[node];
+            if (m_blocks[d.nBlock].nGeneration == d.nGeneration)
+                m_blocks[d.nBlock].bValid = false;
+            m_freeDeps.push_back(node);
+            node = d.nNext;
+        }
+        m_depHead[v] = -1;
+    }
+
+    void DropGrownBlock(int32_t v)
+    {
+        if (m_blockOf[v] >= 0)
+        {
+            SGrownBlock& b = m_blocks[m_blockOf[v]];
+            ++b.nGeneration;
+            b.bValid = false;
+            m_freeBlocks.push_back(m_blockOf[v]);
+            m_blockOf[v] = -1;
+        }
+    }
+
+    // Grows a block from one vertex of the large mesh. A block that does not fill up is a closed
+    // piece: it is split off and false returned. A full block replaces the best when better.
+    bool FillFrom(int32_t v)
+    {
+        const SGrownBlock* b = GrowFrom(v);
+        if (!b)
+        {
+            for (int32_t x : m_work.vtx)
+                DropGrownBlock(x);
+            SplitMesh(m_work.vtx);
+            return false;
+        }
+        if (m_best.Empty() || IsBetterThan(Score(b->tri.size(), b->vtx.size(), b->nClosedDelta), Score(m_best)))
+        {
+            m_best.vtx = b->vtx;
+            m_best.tri = b->tri;
+            m_best.edges = b->edges;
+            m_best.nClosedDelta = b->nClosedDelta;
+            ++m_bestStamp;
+            for (int32_t x : m_best.vtx)
+                m_vBest[x] = m_bestStamp;
+            for (int32_t t : m_best.tri)
+                m_tri[t].nBest = m_bestStamp;
+        }
+        return true;
+    }
+
+    // Counts the unwritten triangles of a mesh that are not yet in the best option.
+    size_t NewTriangles(SMesh m)
+    {
+        ++m_scratchStamp;
+        size_t n = 0;
+        for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
+            for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
+                if (!m_tri[*q].bUsed && m_tri[*q].nBest != m_bestStamp && m_tri[*q].nScratch != m_scratchStamp)
+                {
+                    m_tri[*q].nScratch = m_scratchStamp;
+                    ++n;
+                }
+        return n;
+    }
+
+    void PackWhole(SMesh m)
+    {
+        for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
+        {
+            const int32_t v = m_list[p];
+            if (m_vBest[v] != m_bestStamp)
+            {
+                m_vBest[v] = m_bestStamp;
+                m_best.vtx.push_back(v);
+            }
+        }
+        for (uint32_t p = m.nStart; p < m.nStart + m.nLen; ++p)
+            for (const int32_t* q = TrisBegin(m_list[p]); q != TrisEnd(m_list[p]); ++q)
+                if (!m_tri[*q].bUsed && m_tri[*q].nBest != m_bestStamp)
+                {
+                    m_tri[*q].nBest = m_bestStamp;
+                    m_best.tri.push_back(*q);
+                }
+    }
+
+    // Chooses the next block into the best option. Returns the index of a mesh list whose last mesh
+    // the block started from (to be compacted after output), or -1.
+    int Fill()
+    {
+        for (bool restart = true; restart;)
+        {
+            restart = false;
+            if (Large().empty())
+                break;
+            const SMesh m = Large().back();
+            const uint32_t end = m.nStart + m.nLen;
+            for (size_t p = m_rem1.Next(m.nStart, end); p < end; p = m_rem1.Next(p + 1, end))
+                if (!FillFrom(m_list[p]))
+                {
+                    restart = true;
+                    break;
+                }
+            if (restart)
+                continue;
+            if (m_best.Empty())
+            {
+                const size_t p = m_remAny.Next(m.nStart, end);
+                if (p < end && !FillFrom(m_list[p]))
+                {
+                    restart = true;
+                    continue;
+                }
+                if (m_best.Empty())
+                {
+                    Large().pop_back();
+                    restart = true;
+                    continue;
+                }
+            }
+            if (m_best.Full(m_nTriMax))
+                return -1;
+        }
+
+        // Pack small meshes whole, largest that fits first.
+        for (int j = int(m_nVtxMax) - int(m_best.vtx.size()) - 3; j >= 0 && m_nVtxMax - m_best.vtx.size() >= 3;)
+        {
+            if (!m_lists[j].empty() && m_best.tri.size() + NewTriangles(m_lists[j].back()) <= m_nTriMax)
+            {
+                PackWhole(m_lists[j].back());
+                m_lists[j].pop_back();
+                j = std::min(j, int(m_nVtxMax) - int(m_best.vtx.size()) - 3);
+            }
+            else
+                --j;
+        }
+        if (m_best.Full(m_nTriMax))
+            return -1;
+
+        // Fill the rest from the first vertex of the largest remaining piece (not one of 3 vertices).
+        CopyBestToWork();
+        int n = int(m_nVtxMax) - 3;
+        while (n >= 1 && m_lists[n].empty())
+            --n;
+        if (n < 1)
+            return -1;
+        WorkAddVertex(m_list[m_lists[n].back().nStart]);
+        AddBestTriangles();
+        CopyWorkToBest();
+        return n;
+    }
+
+    // Writes the best option's triangles and marks them written; their vertices change.
+    void Output()
+    {
+        for (int32_t t : m_best.tri)
+        {
+            for (int c = 0; c < 3; ++c)
+            {
+                const int32_t v = static_cast<int32_t>(Tri(t)[c]);
+                --m_rem[v];
+                UpdateBits(v);
+                VertexChanged(v);
+                DropGrownBlock(v);
+                --m_edgeRem[m_triEdge[size_t(t) * 3 + c]];
+                m_pOut->push_back(Tri(t)[c]);
+            }
+            m_tri[t].bUsed = 1;
+            ++m_nWritten;
+        }
+    }
+
+    // Triangles no block took (only possible for pieces of more triangles than a block holds, which
+    // a piece of three vertices with repeated triangles can be) and triangles that repeat an index, in
+    // input order, in blocks within both limits.
+    void FlushLeftovers(std::vector<uint32_t>& blocks)
+    {
+        std::vector<uint32_t> blockVtx;
+        uint32_t blockTri = 0;
+        auto flushTri = [&](uint32_t t) {
+            const uint32_t* tv = Tri(int32_t(t));
+            size_t added = 0;
+            for (int c = 0; c < 3; ++c)
+                added += std::count(blockVtx.begin(), blockVtx.end(), tv[c]) == 0 &&
+                         std::find(tv, tv + c, tv[c]) == tv + c;
+            if (blockTri == m_nTriMax || blockVtx.size() + added > m_nVtxMax)
+            {
+                blocks.push_back(blockTri);
+                blockTri = 0;
+                blockVtx.clear();
+            }
+            for (int c = 0; c < 3; ++c)
+            {
+                if (std::count(blockVtx.begin(), blockVtx.end(), tv[c]) == 0)
+                    blockVtx.push_back(tv[c]);
+                m_pOut->push_back(tv[c]);
+            }
+            ++blockTri;
+        };
+        for (uint32_t t = 0; t < m_nTri; ++t)
+            if (!m_degenerate[t] && !m_tri[t].bUsed)
+                flushTri(t);
+        for (uint32_t t = 0; t < m_nTri; ++t)
+            if (m_degenerate[t])
+                flushTri(t);
+        if (blockTri)
+            blocks.push_back(blockTri);
+    }
+
+    const uint32_t* m_pnIdx;
+    uint32_t m_nVtx, m_nTri, m_nVtxMax, m_nTriMax;
+    uint32_t m_nModelTri = 0, m_nWritten = 0;
+    std::vector<uint32_t> m_triStart;
+    std::vector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
+    std::vector<uint32_t> m_slot;
+    std::vector<uint8_t> m_degenerate;
+    std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
+    CSlotBits m_rem1, m_remAny;              // slots whose vertex has exactly one / any triangle left
+    SOption m_work, m_best, m_scratch[2];
+    // Per triangle its corners, option membership stamps (the arrays start at 0, the stamps at 1)
+    // and the written flag, in one record.
+    struct STriangle
+    {
+        uint32_t v[3];
+        uint32_t nWork, nBest, nScratch;
+        uint8_t bUsed;
+    };
+    struct SEdgeStamp
+    {
+        uint32_t nStamp;
+        int32_t nSlot; // in the working option's edge list
+    };
+    std::vector<uint32_t> m_vWork, m_vBest;
+    std::vector<STriangle> m_tri;
+    std::vector<SEdgeStamp> m_eWork;
+    uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
+    std::vector<uint32_t>* m_pOut = nullptr;
+    // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
+    struct SDependency
+    {
+        int32_t nBlock;
+        uint32_t nGeneration;
+        int32_t nNext;
+    };
+    std::vector<SGrownBlock> m_blocks;
+    std::vector<int32_t> m_blockOf, m_freeBlocks, m_footprintScratch, m_depHead, m_freeDeps;
+    std::vector<SDependency> m_deps;
+    std::vector<uint32_t> m_vFootprint;
+    uint32_t m_footprintStamp = 0;
+    // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
+    std::vector<SAppraisal> m_appraisals;
+    std::vector<uint32_t> m_vStar;
+    struct SWorkCount
+    {
+        uint32_t nStamp;
+        int32_t nCount;
+    };
+    std::vector<SWorkCount> m_vWorkTri; // option triangles at each vertex
+    size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
+    std::vector<SEdgeUse> m_fastEdges;
+    uint32_t m_growth = 0;
+};
+
+// New vertex numbers by first use; records move with them.
+bool Renumber(uint8_t* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_t nVertexNum, size_t nIdxNum)
+{
+    std::vector<uint32_t> newNum(nVertexNum, UINT32_MAX);
+    uint8_t* scratch = static_cast<uint8_t*>(std::malloc(size_t(nVertexNum) * nStride + 1));
+    if (!scratch)
+        return false;
+    uint32_t next = 0;
+    for (size_t i = 0; i < nIdxNum; ++i)
+    {
+        uint32_t& n = newNum[pnIdx[i]];
+        if (n == UINT32_MAX)
+        {
+            std::memcpy(scratch + size_t(next) * nStride, pVertices + size_t(pnIdx[i]) * nStride, nStride);
+            n = next++;
+        }
+        pnIdx[i] = n;
+    }
+    std::memcpy(pVertices, scratch, size_t(next) * nStride);
+    std::free(scratch);
+    return true;
+}
+} // namespace
+
+int QMXTGeometrySort(void* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_t nVertexNum, uint32_t nTriNum,
+                     uint32_t nBlockVertexMax, uint32_t nBlockTriMax, uint32_t nFlags, uint32_t* pnBlockNum,
+                     uint32_t* pnBlockTri)
+{
+    const bool reorder = nFlags & eQMXTGeometrySortReorder;
+    const bool renumber = !(nFlags & eQMXTGeometrySortKeepVertices);
+    if (nBlockVertexMax < 4 || nBlockTriMax < 1 || (nTriNum && !pnIdx))
+        return 1;
+    if (renumber && nVertexNum && (!pVertices || nStride == 0))
+        return 1;
+    const size_t nIdxNum = size_t(nTriNum) * 3;
+    for (size_t i = 0; i < nIdxNum; ++i)
+        if (pnIdx[i] >= nVertexNum)
+            return 1;
+    try
+    {
+        std::vector<uint32_t> blocks;
+        if (reorder && nTriNum)
+        {
+            std::vector<uint32_t> out;
+            CGeometrySorter(pnIdx, nVertexNum, nTriNum, nBlockVertexMax, nBlockTriMax).Sort(out, blocks);
+            if (renumber && !Renumber(static_cast<uint8_t*>(pVertices), out.data(), nStride, nVertexNum, nIdxNum))
+                return 1;
+            std::copy(out.begin(), out.end(), pnIdx);
+        }
+        else if (renumber && !Renumber(static_cast<uint8_t*>(pVertices), pnIdx, nStride, nVertexNum, nIdxNum))
+            return 1;
+        if (pnBlockNum)
+        {
+            *pnBlockNum = static_cast<uint32_t>(blocks.size());
+            if (pnBlockTri)
+                std::copy(blocks.begin(), blocks.end(), pnBlockTri);
+        }
+        return 0;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
+}

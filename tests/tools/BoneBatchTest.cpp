@@ -1,0 +1,315 @@
+// Bone batching: equality with the plain reference, batch tables that resolve every influence, vertex
+// duplication, the bone limit with zero weights, and argument failures.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "GeometryReference.h"
+#include "GeometryTestMeshes.h"
+#include "QMXTBoneBatches.h"
+
+using namespace geomtest;
+
+namespace
+{
+// One skinned vertex layout: a 4-byte tag, the weights, the indices.
+struct SLayout
+{
+    uint32_t eTypeWeight, eTypeIdx, nBonesPerVtx;
+    uint32_t nOffsetWeight = 4, nOffsetIdx = 0, nStride = 0;
+
+    SLayout(uint32_t w, uint32_t i, uint32_t n) : eTypeWeight(w), eTypeIdx(i), nBonesPerVtx(n)
+    {
+        nOffsetIdx = nOffsetWeight + QMXTModelTVODataElementBytes(w, n);
+        nStride = nOffsetIdx + QMXTModelTVODataElementBytes(i, n) + 2;
+    }
+};
+
+struct SSkin
+{
+    std::vector<uint8_t> vertices;
+    std::vector<uint32_t> bone;   // per vertex and slot, the original bone
+    std::vector<float> weight;    // per vertex and slot
+};
+
+// Vertices tagged with their number; each influence a bone of the pool, some with zero weight.
+SSkin MakeSkin(std::mt19937& rng, uint32_t nVertex, const SLayout& l, uint32_t nBones, uint32_t zeroPct)
+{
+    SSkin s;
+    s.vertices.assign(size_t(nVertex) * l.nStride, 0xAB);
+    std::uniform_int_distribution<uint32_t> bone(0, nBones - 1), pct(0, 99);
+    for (uint32_t v = 0; v < nVertex; ++v)
+    {
+        uint8_t* rec = &s.vertices[size_t(v) * l.nStride];
+        std::memcpy(rec, &v, 4);
+        float w[4] = {0, 0, 0, 0}, b[4] = {0, 0, 0, 0};
+        for (uint32_t k = 0; k < l.nBonesPerVtx; ++k)
+        {
+            b[k] = float(bone(rng));
+            w[k] = pct(rng) < zeroPct ? 0.0f : 0.25f + 0.25f * float(k % 3);
+        }
+        QMXTVertexWrite(rec + l.nOffsetWeight, l.eTypeWeight, l.nBonesPerVtx, w);
+        QMXTVertexWrite(rec + l.nOffsetIdx, l.eTypeIdx, l.nBonesPerVtx, b);
+        for (uint32_t k = 0; k < l.nBonesPerVtx; ++k)
+        {
+            s.bone.push_back(uint32_t(b[k]));
+            s.weight.push_back(w[k]);
+        }
+    }
+    return s;
+}
+
+// Overwrites one vertex's influences, in the record and in the expectations.
+void SetInfluences(SSkin& s, const SLayout& l, uint32_t v, const float* bones, const float* weights)
+{
+    QMXTVertexWrite(&s.vertices[size_t(v) * l.nStride + l.nOffsetIdx], l.eTypeIdx, l.nBonesPerVtx, bones);
+    QMXTVertexWrite(&s.vertices[size_t(v) * l.nStride + l.nOffsetWeight], l.eTypeWeight, l.nBonesPerVtx, weights);
+    for (uint32_t k = 0; k < l.nBonesPerVtx; ++k)
+    {
+        s.bone[v * l.nBonesPerVtx + k] = uint32_t(bones[k]);
+        s.weight[v * l.nBonesPerVtx + k] = weights[k];
+    }
+}
+
+struct SBatched
+{
+    int nResult;
+    uint32_t nVertexNum = 0;
+    std::vector<uint8_t> vertices;
+    std::vector<uint32_t> idx, bones, counts, offsets;
+};
+
+SBatched Batch(const SSkin& s, uint32_t nVertex, std::vector<uint32_t> idx, const SLayout& l, uint32_t limit)
+{
+    SBatched r;
+    CQMXTBoneBatches batches;
+    uint8_t* out = nullptr;
+    r.nResult = batches.Create(&r.nVertexNum, &out, idx.data(), nVertex, s.vertices.data(), l.nStride,
+                               l.nOffsetWeight, l.eTypeWeight, l.nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3),
+                               limit, l.nBonesPerVtx);
+    r.idx = idx;
+    if (r.nResult == 0)
+    {
+        r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
+        r.bones.assign(batches.pnBatches, batches.pnBatches + size_t(batches.nBatchCnt) * batches.nBatchBoneMax);
+        r.counts.assign(batches.pnBatchBoneCnt, batches.pnBatchBoneCnt + batches.nBatchCnt);
+        r.offsets.assign(batches.pnBatchOffset, batches.pnBatchOffset + batches.nBatchCnt);
+        EXPECT_EQ(batches.nBatchBoneMax, limit);
+    }
+    else
+    {
+        EXPECT_EQ(batches.nBatchCnt, 0u);
+        EXPECT_EQ(batches.pnBatches, nullptr);
+    }
+    std::free(out);
+    batches.Release();
+    return r;
+}
+
+uint32_t TagOf(const SBatched& r, const SLayout& l, uint32_t v)
+{
+    uint32_t tag;
+    std::memcpy(&tag, &r.vertices[size_t(v) * l.nStride], 4);
+    return tag;
+}
+
+// Every output vertex's local indices lead, through its batch, back to its original bones.
+void ExpectInfluencesResolve(const SSkin& s, const SBatched& r, const SLayout& l, uint32_t limit, uint32_t nTri)
+{
+    ASSERT_FALSE(r.offsets.empty());
+    EXPECT_EQ(r.offsets[0], 0u);
+    for (size_t b = 0; b < r.offsets.size(); ++b)
+    {
+        const uint32_t end = b + 1 < r.offsets.size() ? r.offsets[b + 1] : nTri;
+        ASSERT_LE(r.offsets[b], end);
+        ASSERT_LE(r.counts[b], limit);
+        for (uint32_t t = r.offsets[b]; t < end; ++t)
+            for (int c = 0; c < 3; ++c)
+            {
+                const uint32_t out = r.idx[t * 3 + c];
+                const uint32_t orig = TagOf(r, l, out);
+                float local[4];
+                QMXTVertexRead(local, &r.vertices[size_t(out) * l.nStride + l.nOffsetIdx], l.eTypeIdx,
+                               l.nBonesPerVtx);
+                for (uint32_t k = 0; k < l.nBonesPerVtx; ++k)
+                {
+                    if (s.weight[orig * l.nBonesPerVtx + k] == 0.0f)
+                        continue;
+                    ASSERT_LT(uint32_t(local[k]), r.counts[b]);
+                    EXPECT_EQ(r.bones[b * limit + uint32_t(local[k])], s.bone[orig * l.nBonesPerVtx + k]);
+                }
+            }
+    }
+}
+} // namespace
+
+TEST(BoneBatch, MatchesThePlainReferenceOnManyMeshes)
+{
+    const SLayout layouts[] = {SLayout(EQMXTDataFloat, EQMXTDataFloat, 4),
+                               SLayout(EQMXTDataUnsignedByteNorm, EQMXTDataUBYTE4, 3),
+                               SLayout(EQMXTDataFloat, EQMXTDataUnsignedShort, 2),
+                               SLayout(EQMXTDataUnsignedShortNorm, EQMXTDataUnsignedByte, 1)};
+    std::mt19937 rng(41);
+    size_t compared = 0, failures = 0;
+    for (uint32_t seed = 41; seed <= 44; ++seed)
+        for (const SIndexMesh& m : MeshZoo(seed, 150, 80))
+        {
+            const SLayout& l = layouts[rng() % 4];
+            const uint32_t nBones = 3 + rng() % 28, limit = 4 + rng() % 9;
+            const SSkin s = MakeSkin(rng, m.nVertexNum, l, nBones, rng() % 40);
+            const SBatched fast = Batch(s, m.nVertexNum, m.idx, l, limit);
+            const ref::SBatchResult slow = ref::BoneBatches(s.vertices, m.nVertexNum, m.idx, l.nStride, l.nOffsetWeight,
+                                                            l.eTypeWeight, l.nOffsetIdx, l.eTypeIdx, limit, l.nBonesPerVtx);
+            ASSERT_EQ(fast.nResult, slow.nResult) << m.sName;
+            ASSERT_EQ(fast.idx, slow.idx) << m.sName;
+            if (fast.nResult == 0)
+            {
+                ASSERT_EQ(fast.nVertexNum, slow.nVertexNum) << m.sName;
+                ASSERT_EQ(fast.vertices, slow.vertices) << m.sName;
+                ASSERT_EQ(fast.bones, slow.bones) << m.sName;
+                ASSERT_EQ(fast.counts, slow.counts) << m.sName;
+                ASSERT_EQ(fast.offsets, slow.offsets) << m.sName;
+                ExpectInfluencesResolve(s, fast, l, limit, m.TriNum());
+            }
+            else
+                ++failures;
+            ++compared;
+        }
+    EXPECT_GT(compared, 600u);
+    EXPECT_GT(failures, 0u);            // some triangles needed more bones than the palette
+    EXPECT_LT(failures, compared / 2);
+}
+
+TEST(BoneBatch, OneBatchWhenAllTrianglesShareTheirBones)
+{
+    const SLayout l(EQMXTDataFloat, EQMXTDataFloat, 3);
+    const SIndexMesh grid = Grid(4, 3);
+    std::mt19937 rng(1);
+    SSkin s = MakeSkin(rng, grid.nVertexNum, l, 1, 0);
+    for (uint32_t v = 0; v < grid.nVertexNum; ++v)
+    {
+        const float bones[3] = {7, 2, 5}, w[3] = {0.5f, 0.25f, 0.25f};
+        SetInfluences(s, l, v, bones, w);
+    }
+    const SBatched r = Batch(s, grid.nVertexNum, grid.idx, l, 9);
+    ASSERT_EQ(r.nResult, 0);
+    EXPECT_EQ(r.offsets, std::vector<uint32_t>{0});
+    EXPECT_EQ(r.counts, std::vector<uint32_t>{3});
+    EXPECT_EQ(std::vector<uint32_t>(r.bones.begin(), r.bones.begin() + 3), (std::vector<uint32_t>{7, 2, 5}));
+    EXPECT_EQ(r.nVertexNum, grid.nVertexNum);
+    float local[4];
+    QMXTVertexRead(local, &r.vertices[l.nOffsetIdx], l.eTypeIdx, 3);
+    EXPECT_EQ(local[0], 0.0f);
+    EXPECT_EQ(local[1], 1.0f);
+    EXPECT_EQ(local[2], 2.0f);
+}
+
+TEST(BoneBatch, SharedVertexInTwoBatchesIsDuplicated)
+{
+    // Two triangles share vertices 1 and 2; their bones (0..3 and 4..7 plus shared) overflow a
+    // palette of 5 together, so they land in two batches.
+    const SLayout l(EQMXTDataFloat, EQMXTDataFloat, 2);
+    std::mt19937 rng(2);
+    SSkin s = MakeSkin(rng, 4, l, 1, 0);
+    const float bones[4][2] = {{0, 1}, {2, 3}, {3, 2}, {4, 5}};
+    for (uint32_t v = 0; v < 4; ++v)
+    {
+        const float w[2] = {0.5f, 0.5f};
+        SetInfluences(s, l, v, bones[v], w);
+    }
+    const SBatched r = Batch(s, 4, {0, 1, 2, 2, 1, 3}, l, 5);
+    ASSERT_EQ(r.nResult, 0);
+    EXPECT_EQ(r.offsets, (std::vector<uint32_t>{0, 1}));
+    EXPECT_EQ(r.nVertexNum, 6u);
+    EXPECT_EQ(TagOf(r, l, r.idx[1]), 1u);
+    EXPECT_EQ(TagOf(r, l, r.idx[4]), 1u);
+    EXPECT_NE(r.idx[1], r.idx[4]);
+    float a[4], b[4];
+    QMXTVertexRead(a, &r.vertices[r.idx[1] * l.nStride + l.nOffsetIdx], l.eTypeIdx, 2);
+    QMXTVertexRead(b, &r.vertices[r.idx[4] * l.nStride + l.nOffsetIdx], l.eTypeIdx, 2);
+    EXPECT_EQ(a[0], 2.0f); // bone 2 is the third of batch 0 (0, 1, 2, 3)
+    EXPECT_EQ(b[0], 1.0f); // and the second of batch 1 (3, 2, 4, 5)
+    ExpectInfluencesResolve(s, r, l, 5, 2);
+}
+
+TEST(BoneBatch, ZeroWeightsDoNotCountTowardsTheLimit)
+{
+    // One triangle whose vertices name ten distinct bones.
+    const SLayout l(EQMXTDataFloat, EQMXTDataFloat, 4);
+    std::mt19937 rng(3);
+    SSkin s = MakeSkin(rng, 3, l, 1, 0);
+    const float bones[3][4] = {{0, 1, 2, 3}, {4, 5, 6, 7}, {8, 9, 0, 1}};
+    auto setWeights = [&](float last) {
+        for (uint32_t v = 0; v < 3; ++v)
+        {
+            float w[4] = {0.25f, 0.25f, 0.25f, v == 2 ? 0.0f : 0.25f};
+            if (v == 2)
+                w[1] = last;
+            SetInfluences(s, l, v, bones[v], w);
+        }
+    };
+    setWeights(0.5f); // bone 9 counts: ten bones
+    const std::vector<uint32_t> tri = {0, 1, 2};
+    EXPECT_EQ(Batch(s, 3, tri, l, 9).nResult, CQMXTBoneBatches::eFailed);
+    EXPECT_EQ(Batch(s, 3, tri, l, 9).idx, tri);
+    setWeights(0.0f); // bone 9 has zero weight: nine bones
+    const SBatched ok = Batch(s, 3, tri, l, 9);
+    ASSERT_EQ(ok.nResult, 0);
+    EXPECT_EQ(ok.counts, std::vector<uint32_t>{9});
+    ExpectInfluencesResolve(s, ok, l, 9, 1);
+}
+
+TEST(BoneBatch, UnusedVerticesAreDropped)
+{
+    const SLayout l(EQMXTDataFloat, EQMXTDataUnsignedShort, 2);
+    std::mt19937 rng(4);
+    const SSkin s = MakeSkin(rng, 10, l, 4, 0);
+    const SBatched r = Batch(s, 10, {7, 3, 9}, l, 9);
+    ASSERT_EQ(r.nResult, 0);
+    EXPECT_EQ(r.nVertexNum, 3u);
+    EXPECT_EQ(TagOf(r, l, r.idx[0]), 7u);
+    EXPECT_EQ(TagOf(r, l, r.idx[2]), 9u);
+}
+
+TEST(BoneBatch, RejectsBadArgumentsWithoutTouchingTheIndices)
+{
+    const SLayout l(EQMXTDataFloat, EQMXTDataFloat, 2);
+    std::mt19937 rng(5);
+    const SSkin s = MakeSkin(rng, 4, l, 4, 0);
+    const std::vector<uint32_t> tri = {0, 1, 2, 2, 1, 3};
+    CQMXTBoneBatches b;
+    uint32_t n = 77;
+    uint8_t* out = nullptr;
+    for (uint32_t perVtx : {0u, 5u})
+    {
+        std::vector<uint32_t> idx = tri;
+        EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, s.vertices.data(), l.nStride, l.nOffsetWeight, l.eTypeWeight,
+                           l.nOffsetIdx, l.eTypeIdx, 2, 9, perVtx),
+                  CQMXTBoneBatches::eFailed);
+        EXPECT_EQ(idx, tri);
+    }
+    std::vector<uint32_t> idx = {0, 1, 4};
+    EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, s.vertices.data(), l.nStride, l.nOffsetWeight, l.eTypeWeight,
+                       l.nOffsetIdx, l.eTypeIdx, 1, 9, 2),
+              CQMXTBoneBatches::eFailed);
+    // The index component would reach past the vertex record.
+    EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, s.vertices.data(), l.nStride, l.nOffsetWeight, l.eTypeWeight,
+                       l.nStride - 4, l.eTypeIdx, 1, 9, 2),
+              CQMXTBoneBatches::eFailed);
+    EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, s.vertices.data(), l.nStride, l.nOffsetWeight, 0, l.nOffsetIdx,
+                       l.eTypeIdx, 1, 9, 2),
+              CQMXTBoneBatches::eFailed);
+    EXPECT_EQ(n, 77u);
+    EXPECT_EQ(out, nullptr);
+
+    // A negative bone index with a weight cannot be placed.
+    SSkin neg = s;
+    const float bad[2] = {-1.0f, 2.0f};
+    QMXTVertexWrite(&neg.vertices[l.nOffsetIdx], l.eTypeIdx, 2, bad);
+    idx = tri;
+    EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, neg.vertices.data(), l.nStride, l.nOffsetWeight, l.eTypeWeight,
+                       l.nOffsetIdx, l.eTypeIdx, 2, 9, 2),
+              CQMXTBoneBatches::eFailed);
+    EXPECT_EQ(idx, tri);
+}

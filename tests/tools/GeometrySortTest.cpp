@@ -1,0 +1,231 @@
+// Vertex-cache triangle order: equality with the plain reference, block limits, kept triangles,
+// packing of small pieces, renumbering and bad arguments.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <set>
+
+#include "GeometryReference.h"
+#include "GeometryTestMeshes.h"
+#include "QMXTGeometrySort.h"
+
+using namespace geomtest;
+
+namespace
+{
+constexpr uint32_t kStride = 8;
+
+// Vertex records that name their original vertex: (number, number x 7 + 1).
+std::vector<uint8_t> TaggedVertices(uint32_t n)
+{
+    std::vector<uint8_t> data(size_t(n) * kStride);
+    for (uint32_t v = 0; v < n; ++v)
+    {
+        const uint32_t rec[2] = {v, v * 7 + 1};
+        std::memcpy(&data[size_t(v) * kStride], rec, kStride);
+    }
+    return data;
+}
+
+uint32_t Tag(const std::vector<uint8_t>& data, uint32_t v)
+{
+    uint32_t tag;
+    std::memcpy(&tag, &data[size_t(v) * kStride], 4);
+    return tag;
+}
+
+struct SSorted
+{
+    int nResult;
+    std::vector<uint32_t> idx;
+    std::vector<uint8_t> vertices;
+    std::vector<uint32_t> blocks;
+};
+
+SSorted Sort(const SIndexMesh& m, uint32_t nVtxMax, uint32_t nTriMax, uint32_t flags)
+{
+    SSorted s{0, m.idx, TaggedVertices(m.nVertexNum), std::vector<uint32_t>(m.TriNum() + 1)};
+    uint32_t nBlocks = 0;
+    s.nResult = QMXTGeometrySort(s.vertices.data(), s.idx.data(), kStride, m.nVertexNum, m.TriNum(), nVtxMax, nTriMax,
+                                 flags, &nBlocks, s.blocks.data());
+    s.blocks.resize(nBlocks);
+    return s;
+}
+
+// The output triangles mapped back to original vertex numbers through the moved records.
+std::vector<uint32_t> OriginalIndices(const SSorted& s)
+{
+    std::vector<uint32_t> idx;
+    for (uint32_t i : s.idx)
+        idx.push_back(Tag(s.vertices, i));
+    return idx;
+}
+} // namespace
+
+TEST(GeometrySort, MatchesThePlainReferenceOnManyMeshes)
+{
+    struct SLimits
+    {
+        uint32_t nVtx, nTri;
+    };
+    const SLimits limits[] = {{32, 64}, {4, 1}, {6, 5}, {8, 12}, {12, 7}, {16, 30}};
+    const uint32_t flags[] = {1, 3, 1, 3, 1, 3};
+    size_t compared = 0;
+    for (uint32_t seed = 1; seed <= 4; ++seed)
+    {
+        const std::vector<SIndexMesh> zoo = MeshZoo(seed, 60, 80);
+        for (size_t i = 0; i < zoo.size(); ++i)
+        {
+            const SIndexMesh& m = zoo[i];
+            for (size_t k = 0; k < 6; ++k)
+            {
+                if ((i + k + seed) % 3 == 0 && k != 0)
+                    continue;
+                const SLimits l = limits[k];
+                const SSorted fast = Sort(m, l.nVtx, l.nTri, flags[k]);
+                const ref::SSortResult slow =
+                    ref::GeometrySort(TaggedVertices(m.nVertexNum), m.idx, kStride, m.nVertexNum, l.nVtx, l.nTri, flags[k]);
+                ASSERT_EQ(fast.nResult, 0);
+                ASSERT_EQ(fast.idx, slow.idx) << m.sName << " limits " << l.nVtx << "/" << l.nTri;
+                ASSERT_EQ(fast.blocks, slow.blocks) << m.sName;
+                if (!(flags[k] & 2))
+                {
+                    // Only the records of used vertices are defined after renumbering.
+                    const size_t used = std::set<uint32_t>(fast.idx.begin(), fast.idx.end()).size();
+                    ASSERT_TRUE(std::equal(fast.vertices.begin(), fast.vertices.begin() + used * kStride,
+                                           slow.vertices.begin()))
+                        << m.sName;
+                }
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, 1000u);
+}
+
+TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
+{
+    std::vector<SIndexMesh> meshes = MeshZoo(11, 40, 300);
+    meshes.push_back(Grid(40, 30));
+    meshes.push_back(Fan(200));
+    std::mt19937 rng(5);
+    meshes.push_back(DamagedGrid(rng, 50, 20));
+    for (const SIndexMesh& m : meshes)
+    {
+        const SSorted s = Sort(m, 32, 64, 3);
+        ASSERT_EQ(s.nResult, 0);
+        EXPECT_EQ(WindingKeys(s.idx), WindingKeys(m.idx)) << m.sName;
+        uint32_t total = 0;
+        for (uint32_t n : s.blocks)
+        {
+            ASSERT_GE(n, 1u);
+            ASSERT_LE(n, 64u) << m.sName;
+            const std::set<uint32_t> vtx(s.idx.begin() + total * 3, s.idx.begin() + (total + n) * 3);
+            ASSERT_LE(vtx.size(), 32u) << m.sName;
+            total += n;
+        }
+        EXPECT_EQ(total, m.TriNum()) << m.sName;
+    }
+}
+
+TEST(GeometrySort, SmallShapesKeepTheirTriangles)
+{
+    // One triangle, a quad in both windings of its second triangle.
+    for (const std::vector<uint32_t>& idx : {std::vector<uint32_t>{2, 0, 1}, std::vector<uint32_t>{0, 1, 2, 2, 1, 3},
+                                             std::vector<uint32_t>{0, 1, 2, 1, 2, 3}})
+    {
+        SIndexMesh m;
+        m.idx = idx;
+        m.nVertexNum = 4;
+        const SSorted s = Sort(m, 32, 64, 3);
+        EXPECT_EQ(WindingKeys(s.idx), WindingKeys(idx));
+        EXPECT_EQ(s.blocks, std::vector<uint32_t>{m.TriNum()});
+    }
+    SIndexMesh one;
+    one.idx = {2, 0, 1};
+    one.nVertexNum = 3;
+    EXPECT_EQ(Sort(one, 32, 64, 3).idx, one.idx);
+}
+
+TEST(GeometrySort, PacksSmallPiecesWholeIntoBlocks)
+{
+    // Twenty pieces of 3 to 31 vertices: each piece's triangles end up in a single block.
+    std::mt19937 rng(3);
+    std::vector<SIndexMesh> parts;
+    for (uint32_t k = 0; k < 20; ++k)
+        parts.push_back(k % 3 == 0 ? Fan(1 + k) : k % 3 == 1 ? Grid(1 + k % 4, 1 + k % 3) : Strip(1 + k));
+    const SIndexMesh m = Concatenate(parts, &rng);
+    std::vector<uint32_t> pieceOf(m.nVertexNum);
+    for (uint32_t p = 0, base = 0; p < parts.size(); base += parts[p].nVertexNum, ++p)
+    {
+        ASSERT_LE(parts[p].nVertexNum, 31u);
+        std::fill(pieceOf.begin() + base, pieceOf.begin() + base + parts[p].nVertexNum, p);
+    }
+    const SSorted s = Sort(m, 32, 64, 3);
+    std::vector<int> blockOfPiece(parts.size(), -1);
+    uint32_t t = 0;
+    for (size_t b = 0; b < s.blocks.size(); ++b)
+        for (uint32_t k = 0; k < s.blocks[b]; ++k, ++t)
+        {
+            int& owner = blockOfPiece[pieceOf[s.idx[t * 3]]];
+            if (owner < 0)
+                owner = int(b);
+            EXPECT_EQ(owner, int(b)) << "piece split over blocks";
+        }
+    EXPECT_LT(s.blocks.size(), parts.size());
+}
+
+TEST(GeometrySort, RenumbersVerticesByFirstUse)
+{
+    SIndexMesh m = Grid(6, 4);
+    std::reverse(m.idx.begin(), m.idx.end());
+    m.nVertexNum += 3; // unused vertices are dropped from the front part
+    for (uint32_t flags : {1u, 0u})
+    {
+        const SSorted s = Sort(m, 32, 64, flags);
+        ASSERT_EQ(s.nResult, 0);
+        EXPECT_EQ(s.idx[0], 0u);
+        EXPECT_EQ(s.idx[1], 1u);
+        EXPECT_EQ(s.idx[2], 2u);
+        uint32_t next = 0;
+        for (uint32_t i : s.idx)
+        {
+            ASSERT_LE(i, next);
+            next = std::max(next, i + 1);
+        }
+        EXPECT_EQ(next, m.nVertexNum - 3);
+        // The records moved with their numbers: original triangles come back through the tags.
+        const std::vector<uint32_t> original = OriginalIndices(s);
+        EXPECT_EQ(WindingKeys(original), WindingKeys(m.idx));
+        if (flags == 0)
+        {
+            EXPECT_EQ(original, m.idx);
+        }
+    }
+    // Flags 2 alone change nothing.
+    const SSorted same = Sort(m, 32, 64, 2);
+    EXPECT_EQ(same.idx, m.idx);
+    EXPECT_EQ(same.vertices, TaggedVertices(m.nVertexNum));
+}
+
+TEST(GeometrySort, RejectsBadArguments)
+{
+    SIndexMesh m = Grid(2, 2);
+    std::vector<uint8_t> vtx = TaggedVertices(m.nVertexNum);
+    std::vector<uint32_t> idx = m.idx;
+    idx[4] = m.nVertexNum; // past the vertices
+    EXPECT_EQ(QMXTGeometrySort(vtx.data(), idx.data(), kStride, m.nVertexNum, m.TriNum(), 32, 64, 1), 1);
+    EXPECT_EQ(idx[4], m.nVertexNum);
+    EXPECT_EQ(idx[0], m.idx[0]);
+    EXPECT_EQ(vtx, TaggedVertices(m.nVertexNum));
+    idx = m.idx;
+    EXPECT_EQ(QMXTGeometrySort(vtx.data(), idx.data(), kStride, m.nVertexNum, m.TriNum(), 3, 64, 3), 1);
+    EXPECT_EQ(QMXTGeometrySort(vtx.data(), idx.data(), kStride, m.nVertexNum, m.TriNum(), 32, 0, 3), 1);
+    EXPECT_EQ(QMXTGeometrySort(vtx.data(), nullptr, kStride, m.nVertexNum, m.TriNum(), 32, 64, 3), 1);
+    EXPECT_EQ(QMXTGeometrySort(nullptr, idx.data(), kStride, m.nVertexNum, m.TriNum(), 32, 64, 1), 1);
+    EXPECT_EQ(idx, m.idx);
+    // Without renumbering the vertex data is not needed; no triangles is fine.
+    EXPECT_EQ(QMXTGeometrySort(nullptr, idx.data(), 0, m.nVertexNum, m.TriNum(), 32, 64, 3), 0);
+    EXPECT_EQ(QMXTGeometrySort(nullptr, nullptr, kStride, 0, 0, 32, 64, 3), 0);
+}

@@ -1,0 +1,236 @@
+// Tangent space: equality with the plain reference, the corner frame, splitting of mirrored UVs, the
+// triangle limit, degenerate triangles and argument failures.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "GeometryReference.h"
+#include "GeometryTestMeshes.h"
+#include "QMXTTangentSpace.h"
+
+using namespace geomtest;
+
+namespace
+{
+// Position, normal and UV as floats, then tangent and binormal in the given types, then a tag.
+ref::STangentLayout Layout(EQMXTDataType tangentType, EQMXTDataType uvType = EQMXTDataFloat)
+{
+    ref::STangentLayout l{};
+    l.nOffsetPos = 0;
+    l.nOffsetNor = 12;
+    l.nOffsetUV = 24;
+    l.nOffsetTan = 24 + QMXTModelTVODataElementBytes(uvType, 3);
+    l.nOffsetBin = l.nOffsetTan + QMXTModelTVODataElementBytes(tangentType, 3);
+    l.nStride = l.nOffsetBin + QMXTModelTVODataElementBytes(tangentType, 3) + 4;
+    l.eTypePos = l.eTypeNor = EQMXTDataFloat;
+    l.eTypeUV = uvType;
+    l.eTypeTan = l.eTypeBin = tangentType;
+    return l;
+}
+
+struct SVertex
+{
+    QMXTVECTOR3f p, n, uv;
+};
+
+std::vector<uint8_t> Pack(const std::vector<SVertex>& v, const ref::STangentLayout& l)
+{
+    std::vector<uint8_t> data(v.size() * l.nStride, 0xCD);
+    for (uint32_t i = 0; i < v.size(); ++i)
+    {
+        uint8_t* rec = &data[i * l.nStride];
+        QMXTVertexWrite(rec + l.nOffsetPos, l.eTypePos, 3, &v[i].p.x);
+        QMXTVertexWrite(rec + l.nOffsetNor, l.eTypeNor, 3, &v[i].n.x);
+        QMXTVertexWrite(rec + l.nOffsetUV, l.eTypeUV, 3, &v[i].uv.x);
+        std::memcpy(rec + l.nStride - 4, &i, 4);
+    }
+    return data;
+}
+
+struct SResult
+{
+    int nResult;
+    uint32_t nVertexNum = 0;
+    std::vector<uint8_t> vertices;
+    std::vector<uint32_t> idx;
+};
+
+SResult Generate(const std::vector<uint8_t>& data, uint32_t nVertex, std::vector<uint32_t> idx,
+                 const ref::STangentLayout& l, float split)
+{
+    SResult r;
+    uint8_t* out = nullptr;
+    r.nResult = QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(), l.nStride,
+                                               l.nOffsetPos, l.eTypePos, l.nOffsetNor, l.eTypeNor, l.nOffsetUV,
+                                               l.eTypeUV, l.nOffsetTan, l.eTypeTan, l.nOffsetBin, l.eTypeBin,
+                                               uint32_t(idx.size() / 3), split);
+    r.idx = idx;
+    if (r.nResult == 0)
+        r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
+    std::free(out);
+    return r;
+}
+
+QMXTVECTOR3f Read(const SResult& r, const ref::STangentLayout& l, uint32_t v, uint32_t offset, uint32_t type)
+{
+    float f[4];
+    QMXTVertexRead(f, &r.vertices[size_t(v) * l.nStride + offset], type, 3);
+    return {f[0], f[1], f[2]};
+}
+
+// A unit square in the xy plane facing +z, split along 0-2; UV = position unless mirrored.
+std::vector<SVertex> Square()
+{
+    const QMXTVECTOR3f n = {0, 0, 1};
+    return {{{0, 0, 0}, n, {0, 0, 0}}, {{1, 0, 0}, n, {1, 0, 0}}, {{1, 1, 0}, n, {1, 1, 0}}, {{0, 1, 0}, n, {0, 1, 0}}};
+}
+} // namespace
+
+TEST(TangentSpace, MatchesThePlainReferenceOnManyMeshes)
+{
+    const ref::STangentLayout layouts[] = {Layout(EQMXTDataFloat), Layout(EQMXTDataShortNorm),
+                                           Layout(EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm)};
+    std::mt19937 rng(51);
+    std::uniform_real_distribution<float> unit(-1.0f, 1.0f), uv(0.0f, 1.0f);
+    size_t compared = 0, failures = 0;
+    for (uint32_t seed = 51; seed <= 54; ++seed)
+        for (const SIndexMesh& m : MeshZoo(seed, 150, 90))
+        {
+            const ref::STangentLayout& l = layouts[rng() % 3];
+            std::vector<SVertex> v(m.nVertexNum);
+            const bool smooth = rng() % 2;
+            for (uint32_t i = 0; i < m.nVertexNum; ++i)
+            {
+                // Smooth meshes take UVs from the positions, others random (often mirrored) UVs.
+                v[i].p = {unit(rng), unit(rng), 0.2f * unit(rng)};
+                v[i].n = {0.1f * unit(rng), 0.1f * unit(rng), 1.0f};
+                v[i].uv = smooth ? QMXTVECTOR3f{v[i].p.x, v[i].p.y, 0} : QMXTVECTOR3f{uv(rng), uv(rng), 0};
+            }
+            const std::vector<uint8_t> data = Pack(v, l);
+            const float split = unit(rng);
+            const SResult fast = Generate(data, m.nVertexNum, m.idx, l, split);
+            const ref::STangentResult slow = ref::TangentSpace(data, m.nVertexNum, m.idx, l, split);
+            ASSERT_EQ(fast.nResult, slow.nResult) << m.sName;
+            if (fast.nResult == 0)
+            {
+                ASSERT_EQ(fast.nVertexNum, slow.nVertexNum) << m.sName;
+                ASSERT_EQ(fast.idx, slow.idx) << m.sName;
+                ASSERT_EQ(fast.vertices, slow.vertices) << m.sName;
+            }
+            else
+            {
+                EXPECT_EQ(fast.idx, m.idx);
+                ++failures;
+            }
+            ++compared;
+        }
+    EXPECT_GT(compared, 600u);
+    EXPECT_GT(failures, 0u);
+    EXPECT_LT(failures, compared / 2);
+}
+
+TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
+{
+    QMXTVECTOR3f t, b;
+    // u along +x, v along +y on a plane facing +z.
+    QMXTVertexTangentBitangent(t, b, {0, 0, 1}, {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+    EXPECT_NEAR(t.x, 1.0f, 1e-6f);
+    EXPECT_NEAR(b.y, 1.0f, 1e-6f);
+    // A tilted normal: both vectors become perpendicular to it and to each other.
+    const QMXTVECTOR3f n = {0.3f, 0.2f, 0.9f};
+    QMXTVertexTangentBitangent(t, b, n, {0, 0, 0}, {1, 0.2f, 0}, {0.1f, 1, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, n), 0.0f, 1e-6f);
+    EXPECT_NEAR(QMXTMatrixVec3DotProductF(b, n), 0.0f, 1e-6f);
+    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, b), 0.0f, 1e-6f);
+    EXPECT_NEAR(QMXTMatrixVec3LengthF(t), 1.0f, 1e-6f);
+    EXPECT_NEAR(QMXTMatrixVec3LengthF(b), 1.0f, 1e-6f);
+    // No UV area, a zero normal, a zero triangle: still finite unit vectors.
+    for (const QMXTVECTOR3f& normal : {QMXTVECTOR3f{0, 0, 1}, QMXTVECTOR3f{0, 0, 0}})
+        for (const QMXTVECTOR3f& p1 : {QMXTVECTOR3f{1, 0, 0}, QMXTVECTOR3f{0, 0, 0}})
+        {
+            QMXTVertexTangentBitangent(t, b, normal, {0, 0, 0}, p1, {0, 1, 0}, {0.5f, 0.5f, 0}, {0.5f, 0.5f, 0},
+                                       {0.5f, 0.5f, 0});
+            EXPECT_NEAR(QMXTMatrixVec3LengthF(t), 1.0f, 1e-5f);
+            EXPECT_NEAR(QMXTMatrixVec3LengthF(b), 1.0f, 1e-5f);
+        }
+}
+
+TEST(TangentSpace, FlatQuadKeepsItsFourVertices)
+{
+    const ref::STangentLayout l = Layout(EQMXTDataFloat);
+    const SResult r = Generate(Pack(Square(), l), 4, {0, 1, 2, 0, 2, 3}, l, 0.0f);
+    ASSERT_EQ(r.nResult, 0);
+    EXPECT_EQ(r.nVertexNum, 4u);
+    EXPECT_EQ(r.idx, (std::vector<uint32_t>{0, 1, 2, 0, 2, 3}));
+    for (uint32_t v = 0; v < 4; ++v)
+    {
+        const QMXTVECTOR3f t = Read(r, l, v, l.nOffsetTan, l.eTypeTan);
+        const QMXTVECTOR3f b = Read(r, l, v, l.nOffsetBin, l.eTypeBin);
+        EXPECT_NEAR(t.x, 1.0f, 1e-6f);
+        EXPECT_NEAR(b.y, 1.0f, 1e-6f);
+        // The rest of the record is the input's.
+        uint32_t tag;
+        std::memcpy(&tag, &r.vertices[v * l.nStride + l.nStride - 4], 4);
+        EXPECT_EQ(tag, v);
+    }
+}
+
+TEST(TangentSpace, MirroredUVsSplitTheSharedEdge)
+{
+    // Triangles 0-1-2 and 1-4-2 share edge 1-2; vertex 4 at (2, 0) takes u = 0, so across the edge u
+    // falls going +x and the second triangle's tangent points along -x.
+    std::vector<SVertex> v = Square();
+    v.push_back({{2, 0, 0}, {0, 0, 1}, {0, 0, 0}});
+    const std::vector<uint32_t> idx = {0, 1, 2, 1, 4, 2};
+    const ref::STangentLayout l = Layout(EQMXTDataFloat);
+    const SResult r = Generate(Pack(v, l), 5, idx, l, 0.0f);
+    ASSERT_EQ(r.nResult, 0);
+    EXPECT_EQ(r.nVertexNum, 6u); // vertices 1 and 2 are split, 3 is unused
+    EXPECT_NE(r.idx[1], r.idx[3]);
+    EXPECT_NE(r.idx[2], r.idx[5]);
+    EXPECT_NEAR(Read(r, l, r.idx[1], l.nOffsetTan, l.eTypeTan).x, 1.0f, 1e-6f);
+    EXPECT_NEAR(Read(r, l, r.idx[3], l.nOffsetTan, l.eTypeTan).x, -1.0f, 1e-6f);
+    // Below a split difference of -1 every pair agrees: no split.
+    EXPECT_EQ(Generate(Pack(v, l), 5, idx, l, -1.5f).nVertexNum, 4u);
+}
+
+TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
+{
+    const ref::STangentLayout l = Layout(EQMXTDataFloat);
+    std::vector<SVertex> v(40);
+    for (uint32_t i = 0; i < v.size(); ++i)
+        v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0}, {0, 0, 1}, {std::cos(i * 0.15f), std::sin(i * 0.15f), 0}};
+    v[0] = {{0, 0, 0}, {0, 0, 1}, {0, 0, 0}};
+    const std::vector<uint8_t> data = Pack(v, l);
+    EXPECT_EQ(Generate(data, 40, {5, 5, 7}, l, 0.0f).nResult, 1);
+    const SIndexMesh fan33 = Fan(33), fan32 = Fan(32);
+    const SResult crowded = Generate(data, 40, fan33.idx, l, 0.0f);
+    EXPECT_EQ(crowded.nResult, 1);
+    EXPECT_EQ(crowded.idx, fan33.idx);
+    const SResult full = Generate(data, 40, fan32.idx, l, 0.0f);
+    ASSERT_EQ(full.nResult, 0);
+    EXPECT_EQ(full.nVertexNum, 34u);
+}
+
+TEST(TangentSpace, RejectsBadArguments)
+{
+    const ref::STangentLayout l = Layout(EQMXTDataFloat);
+    const std::vector<uint8_t> data = Pack(Square(), l);
+    std::vector<uint32_t> idx = {0, 1, 4};
+    uint32_t n = 9;
+    uint8_t* out = nullptr;
+    auto run = [&](uint32_t tanOffset, EQMXTDataType tanType) {
+        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, l.nOffsetPos, l.eTypePos,
+                                              l.nOffsetNor, l.eTypeNor, l.nOffsetUV, l.eTypeUV, tanOffset, tanType,
+                                              l.nOffsetBin, l.eTypeBin, 1, 0.0f);
+    };
+    EXPECT_EQ(run(l.nOffsetTan, l.eTypeTan), 1); // index past the vertices
+    idx = {0, 1, 2};
+    EXPECT_EQ(run(l.nStride - 4, l.eTypeTan), 1);    // tangent past the record
+    EXPECT_EQ(run(l.nOffsetTan, EQMXTDataNone), 1);  // no type
+    EXPECT_EQ(n, 9u);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(idx, (std::vector<uint32_t>{0, 1, 2}));
+}

@@ -1,0 +1,164 @@
+// Triangle strips: equality with the plain reference, strip decoding, the strip list, small cases,
+// determinism and independence from the caller's rand() state.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "GeometryReference.h"
+#include "GeometryTestMeshes.h"
+#include "QMXTTriStrip.h"
+
+using namespace geomtest;
+
+namespace
+{
+struct SStrips
+{
+    int nResult;
+    std::vector<uint32_t> idx, len;
+};
+
+SStrips Strips(const std::vector<uint32_t>& tri)
+{
+    uint32_t *idx = nullptr, *len = nullptr, n = 0;
+    SStrips s;
+    s.nResult = QMXTTriStrip(&idx, &len, &n, tri.data(), uint32_t(tri.size() / 3));
+    size_t total = 0;
+    for (uint32_t k = 0; k < n; ++k)
+        total += len[k] + 2;
+    if (n)
+    {
+        s.idx.assign(idx, idx + total);
+        s.len.assign(len, len + n);
+    }
+    std::free(idx);
+    std::free(len);
+    return s;
+}
+
+// Triangles of strips with the usual alternating winding: triangle k of a strip is (k, k+1, k+2)
+// when k is even and (k+1, k, k+2) when odd.
+std::vector<uint32_t> DecodeStrips(const SStrips& s)
+{
+    std::vector<uint32_t> tri;
+    size_t start = 0;
+    for (uint32_t n : s.len)
+    {
+        for (uint32_t k = 0; k < n; ++k)
+        {
+            const uint32_t* p = &s.idx[start + k];
+            if (k % 2)
+                tri.insert(tri.end(), {p[1], p[0], p[2]});
+            else
+                tri.insert(tri.end(), {p[0], p[1], p[2]});
+        }
+        start += n + 2;
+    }
+    return tri;
+}
+} // namespace
+
+TEST(TriStrip, MatchesThePlainReferenceOnManyMeshes)
+{
+    size_t compared = 0;
+    for (uint32_t seed = 21; seed <= 24; ++seed)
+    {
+        std::vector<SIndexMesh> zoo = MeshZoo(seed, 160, 40);
+        for (const SIndexMesh& m : zoo)
+        {
+            const SStrips fast = Strips(m.idx);
+            const ref::SStripResult slow = ref::TriStrip(m.idx);
+            ASSERT_EQ(fast.nResult, 0);
+            ASSERT_EQ(fast.len, slow.len) << m.sName;
+            ASSERT_EQ(fast.idx, slow.idx) << m.sName;
+            std::vector<uint32_t> list = m.idx;
+            ASSERT_EQ(QMXTTriStripList(list.data(), m.TriNum()), 0);
+            ASSERT_EQ(list, ref::TriStripList(m.idx)) << m.sName;
+            ++compared;
+        }
+    }
+    EXPECT_GT(compared, 600u);
+}
+
+TEST(TriStrip, StripsAndStripListsHoldEveryTriangleWithItsWinding)
+{
+    std::mt19937 rng(8);
+    std::vector<SIndexMesh> meshes = MeshZoo(31, 40, 200);
+    meshes.push_back(Grid(30, 20));
+    meshes.push_back(Grid(17, 9, true));
+    meshes.push_back(DamagedGrid(rng, 25, 25));
+    meshes.push_back(Fan(40, true));
+    for (const SIndexMesh& m : meshes)
+    {
+        const SStrips s = Strips(m.idx);
+        uint32_t triangles = 0;
+        for (uint32_t n : s.len)
+            triangles += n;
+        EXPECT_EQ(triangles, m.TriNum()) << m.sName;
+        EXPECT_EQ(s.idx.size(), m.TriNum() + 2 * s.len.size()) << m.sName;
+        // Strips of non-degenerate meshes decode to the input triangles, windings included.
+        if (m.sName.find("repeats") == std::string::npos)
+        {
+            EXPECT_EQ(WindingKeys(DecodeStrips(s)), WindingKeys(m.idx)) << m.sName;
+        }
+        std::vector<uint32_t> list = m.idx;
+        ASSERT_EQ(QMXTTriStripList(list.data(), m.TriNum()), 0);
+        EXPECT_EQ(WindingKeys(list), WindingKeys(m.idx)) << m.sName;
+    }
+}
+
+TEST(TriStrip, SmallCases)
+{
+    const SStrips one = Strips({4, 5, 6});
+    EXPECT_EQ(one.len, std::vector<uint32_t>{1});
+    EXPECT_EQ(one.idx, (std::vector<uint32_t>{4, 5, 6}));
+
+    // A quad whose triangles hold the shared edge in opposite directions: one strip of two.
+    const SStrips quad = Strips({0, 1, 2, 2, 1, 3});
+    EXPECT_EQ(quad.len, std::vector<uint32_t>{2});
+    ASSERT_EQ(quad.idx.size(), 4u);
+    EXPECT_EQ(WindingKeys(DecodeStrips(quad)), WindingKeys({0, 1, 2, 2, 1, 3}));
+
+    // The same edge in the same direction (one triangle flipped): no adjacency, two strips.
+    const SStrips flipped = Strips({0, 1, 2, 1, 2, 3});
+    EXPECT_EQ(flipped.len, (std::vector<uint32_t>{1, 1}));
+    EXPECT_EQ(flipped.idx, (std::vector<uint32_t>{0, 1, 2, 1, 2, 3}));
+
+    // A regular grid row becomes one strip.
+    const SIndexMesh row = Grid(10, 1);
+    const SStrips rs = Strips(row.idx);
+    EXPECT_EQ(rs.len, std::vector<uint32_t>{20});
+
+    // A triangle that repeats an index is kept as it is, on its own.
+    const SStrips degenerate = Strips({0, 1, 2, 2, 1, 1, 2, 1, 3});
+    EXPECT_EQ(WindingKeys(DecodeStrips(degenerate)), WindingKeys({0, 1, 2, 2, 1, 1, 2, 1, 3}));
+
+    const SStrips none = Strips({});
+    EXPECT_EQ(none.nResult, 0);
+    EXPECT_TRUE(none.len.empty());
+}
+
+TEST(TriStrip, IsDeterministicAndLeavesTheCallersRandomSequenceAlone)
+{
+    std::mt19937 rng(12);
+    const SIndexMesh m = DamagedGrid(rng, 12, 9);
+    std::srand(77);
+    const int expected = std::rand();
+    std::srand(77);
+    const SStrips first = Strips(m.idx);
+    EXPECT_EQ(std::rand(), expected);
+    std::srand(5);
+    const SStrips second = Strips(m.idx);
+    EXPECT_EQ(first.idx, second.idx);
+    EXPECT_EQ(first.len, second.len);
+}
+
+TEST(TriStrip, RejectsMissingArguments)
+{
+    uint32_t *idx = nullptr, *len = nullptr, n = 0;
+    const uint32_t tri[3] = {0, 1, 2};
+    EXPECT_EQ(QMXTTriStrip(nullptr, &len, &n, tri, 1), 1);
+    EXPECT_EQ(QMXTTriStrip(&idx, &len, &n, nullptr, 1), 1);
+    EXPECT_EQ(idx, nullptr);
+    EXPECT_EQ(QMXTTriStripList(nullptr, 1), 1);
+}
