@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "ExportOptions.h"
 #include "Log.h"
 #include "SafeOutput.h"
+#include "TVO.h"
 
 // The importer library of Debian 12 leaks memory while reading some files; in sanitizer builds the
 // leak checker is told to leave out leaks allocated inside it (everything else is still reported).
@@ -128,16 +130,31 @@ class CImporterLogCapture
 };
 
 // Builds the scene model from the content with the options and writes it to path (the options
-// carry the output kind).
-// PENDING: the scene builder (CTVO::Process, CTVO::Write) is not part of this build yet. Until it
-// is, the export fails honestly and nothing is written.
-bool ExportScene(const SContent& content, COptions& options, const std::string& path, std::string& error)
+// carry the output kind). The builder logs what went wrong; error sums it up for the one-line report.
+bool ExportScene(CTVO& builder, const SContent& content, COptions& options, const std::string& path,
+                 const std::string& history, std::string& error)
 {
-    (void)content;
-    (void)options;
-    (void)path;
-    error = "export not available in this build";
-    return false;
+    if (!builder.Process(content, options))
+    {
+        error = "the scene could not be built (see the messages above)";
+        return false;
+    }
+    if (!builder.Write(path.c_str(), options, history.c_str(), false))
+    {
+        error = "the output could not be written";
+        return false;
+    }
+    return true;
+}
+
+std::string HistoryLine(const std::string& input)
+{
+    char date[32] = "";
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    if (localtime_r(&now, &local))
+        std::strftime(date, sizeof date, "%Y-%m-%d %H:%M:%S", &local);
+    return "Exported by ostrex from '" + input + "' on " + date;
 }
 
 // Reports an options problem: a usage error (exit 2) or a failure naming its file (exit 1).
@@ -197,11 +214,21 @@ int Export(const SCommandLine& cl)
     if (!filled.ok)
         return Failure(cl.input, filled.error);
     importer.FreeScene();
+    // Like the Maya host, skins are extracted only when asked for; without them the mesh keeps its
+    // first-frame (bind) pose and its joints stay plain nodes.
+    if (!options.GetOption(COptionsData::eExportSkin))
+        for (CNode& node : content.nodes)
+            node.modifiers.clear();
 
+    CTVO builder;
     CSafeOutput output(cl.output);
-    if (!output.Begin(error) || !ExportScene(content, options, output.TempPath(), error) ||
+    if (!output.Begin(error) ||
+        !ExportScene(builder, content, options, output.TempPath(), HistoryLine(cl.input), error) ||
         !output.Commit(error))
         return Failure(cl.output, error);
+    // Post-export actions see the final path, not the temporary one the file was written to.
+    options.m_sPath = cl.output.c_str();
+    builder.RunPostExport(options);
     for (const SEmbeddedTexture& texture : filled.textures)
     {
         const std::string path = DirectoryOf(cl.output) + texture.fileName;

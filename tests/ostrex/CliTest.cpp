@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +13,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "QMXTModelTVO.h"
 
 namespace
 {
@@ -158,14 +161,56 @@ TEST_F(CliTest, BrokenModelsFailCleanlyAndLeaveTheOutputUntouched)
 
 // Until the scene builder is part of the program, a good scene is read and filled and the export
 // step then fails honestly: the existing output stays as it was.
-TEST_F(CliTest, ExportStepWithoutBuilderWritesNothing)
+// A real scene exports to each output kind: the binary reads back with its meshes, materials and
+// the options text; the header and source wrap the same scene for the memory file system.
+TEST_F(CliTest, ExportsBinaryHeaderAndSourceByExtension)
 {
-    const std::string out = m_dir + "/box.tvo";
+    const std::string input = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/BoxTextured.gltf";
+    const std::string tvo = m_dir + "/box.tvo";
+    std::ofstream(tvo) << "old";
+    const SRun run = Run({input, tvo, "--quiet"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+
+    CQMXTModelTVO scene;
+    char options[4096] = "";
+    ASSERT_EQ(scene.ReadFromFile(tvo.c_str(), options, sizeof options - 1), 0);
+    EXPECT_NE(std::string(options).find("bIndexed="), std::string::npos);
+    ASSERT_EQ(scene.ReadFromFile(tvo.c_str()), 0);
+    ASSERT_EQ(scene.nNumMesh, 1u);
+    EXPECT_EQ(scene.pMesh[0].nNumFaces, 12u);
+    EXPECT_EQ(scene.pMesh[0].nNumVertex, 24u); // a cube with normals and UVs welds to 24 corners
+    ASSERT_GE(scene.nNumMaterial, 1u);
+    ASSERT_GE(scene.nNumTexture, 1u);
+    EXPECT_STREQ(scene.pTexture[0].pszName, "CesiumLogoFlat.png");
+
+    for (const char* name : {"box.h", "box.cpp"})
+    {
+        const std::string path = m_dir + "/" + name;
+        ASSERT_EQ(Run({input, path, "--quiet"}).code, 0) << name;
+        const std::string text = ReadAll(path);
+        EXPECT_NE(text.find("\tExpOpt{\n"), std::string::npos) << name;
+        EXPECT_NE(text.find("static CQMXTMemoryFileSystem RegisterFile_box_tvo(\"box.tvo\", _box_tvo, "),
+                  std::string::npos)
+            << name;
+    }
+    std::vector<std::string> entries = Entries();
+    std::sort(entries.begin(), entries.end());
+    EXPECT_EQ(entries, (std::vector<std::string>{"box.cpp", "box.h", "box.tvo"}));
+}
+
+// A failing build (a one-bone palette for a tube whose triangles span two bones) reports the
+// builder's message and one error line, keeps the old output and leaves no temporary file behind.
+TEST_F(CliTest, FailedExportKeepsTheOldOutput)
+{
+    const std::string input = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
+    const std::string out = m_dir + "/sample.tvo";
     std::ofstream(out) << "keep";
-    const SRun run =
-        Run({std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/BoxTextured.gltf", out});
+    const SRun run = Run({input, out, "--quiet", "--set", "uiBoneLimit=1"});
     EXPECT_EQ(run.code, 1);
-    EXPECT_EQ(run.err, "ostrex: error: " + out + ": export not available in this build\n");
+    EXPECT_NE(run.err.find("Bone batch generation failed."), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("ostrex: error: " + out + ": the scene could not be built"), std::string::npos)
+        << run.err;
     EXPECT_EQ(ReadAll(out), "keep");
-    EXPECT_EQ(Entries(), std::vector<std::string>{"box.tvo"});
+    EXPECT_EQ(Entries(), std::vector<std::string>{"sample.tvo"});
 }
