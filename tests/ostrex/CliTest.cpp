@@ -206,7 +206,7 @@ TEST_F(CliTest, FailedExportKeepsTheOldOutput)
     const std::string input = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
     const std::string out = m_dir + "/sample.tvo";
     std::ofstream(out) << "keep";
-    const SRun run = Run({input, out, "--quiet", "--set", "uiBoneLimit=1"});
+    const SRun run = Run({input, out, "--quiet", "--set", "bExportSkin=1", "--set", "uiBoneLimit=1"});
     EXPECT_EQ(run.code, 1);
     EXPECT_NE(run.err.find("Bone batch generation failed."), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("ostrex: error: " + out + ": the scene could not be built"), std::string::npos)
