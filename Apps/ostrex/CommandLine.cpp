@@ -23,7 +23,7 @@ enum EOptionId
     eOptListOptions
 };
 
-struct SOptionSpec
+struct SOptionDef
 {
     const char* name;
     const char* shortName; // or nullptr
@@ -31,7 +31,7 @@ struct SOptionSpec
     bool takesValue;
 };
 
-const SOptionSpec kOptions[] = {
+const SOptionDef kOptions[] = {
     {"--config", nullptr, eOptConfig, true},   {"--set", nullptr, eOptSet, true},
     {"--profile", nullptr, eOptProfile, true}, {"--select", nullptr, eOptSelect, true},
     {"--fps", nullptr, eOptFps, true},         {"--animation", nullptr, eOptAnimation, true},
@@ -39,11 +39,11 @@ const SOptionSpec kOptions[] = {
     {"--help", "-h", eOptHelp, false},         {"--list-options", nullptr, eOptListOptions, false},
 };
 
-const SOptionSpec* FindOption(const std::string& name)
+const SOptionDef* FindOption(const std::string& name)
 {
-    for (const SOptionSpec& spec : kOptions)
-        if (name == spec.name || (spec.shortName && name == spec.shortName))
-            return &spec;
+    for (const SOptionDef& def : kOptions)
+        if (name == def.name || (def.shortName && name == def.shortName))
+            return &def;
     return nullptr;
 }
 
@@ -71,10 +71,10 @@ SCommandLine UsageError(const std::string& reason)
 }
 
 // Applies one option with its value (empty for flags). Returns false with result.error set.
-bool ApplyOption(SCommandLine& result, const SOptionSpec& spec, const std::string& value, bool& quiet,
+bool ApplyOption(SCommandLine& result, const SOptionDef& def, const std::string& value, bool& quiet,
                  bool& verbose, bool& help, bool& listOptions)
 {
-    switch (spec.id)
+    switch (def.id)
     {
     case eOptConfig:
         if (!result.configFile.empty())
@@ -170,26 +170,26 @@ SCommandLine ParseCommandLine(int argc, const char* const* argv)
         }
         const size_t eq = arg.compare(0, 2, "--") == 0 ? arg.find('=') : std::string::npos;
         const std::string name = eq == std::string::npos ? arg : arg.substr(0, eq);
-        const SOptionSpec* spec = FindOption(name);
-        if (!spec)
+        const SOptionDef* def = FindOption(name);
+        if (!def)
             return UsageError("unknown option '" + name + "'");
         std::string value;
-        if (spec->takesValue)
+        if (def->takesValue)
         {
             if (eq != std::string::npos)
                 value = arg.substr(eq + 1);
             else if (i + 1 < argc && argv[i + 1])
                 value = argv[++i];
             else
-                return UsageError(std::string(spec->name) + " needs a value");
+                return UsageError(std::string(def->name) + " needs a value");
             if (value.empty())
-                return UsageError(std::string(spec->name) + " needs a non-empty value");
+                return UsageError(std::string(def->name) + " needs a non-empty value");
         }
         else if (eq != std::string::npos)
         {
-            return UsageError(std::string(spec->name) + " takes no value");
+            return UsageError(std::string(def->name) + " takes no value");
         }
-        if (!ApplyOption(result, *spec, value, quiet, verbose, help, listOptions))
+        if (!ApplyOption(result, *def, value, quiet, verbose, help, listOptions))
             return UsageError(result.error);
     }
 
