@@ -269,7 +269,16 @@ struct SFreeDeleter
 class CVertexBuffer
 {
   public:
-    explicit CVertexBuffer(uint32_t nStride) : m_nStride(nStride) {}
+    CVertexBuffer(uint32_t nStride, uint32_t nExpected) : m_nStride(nStride)
+    {
+        // Usually about as many vertices come out as went in: start with room for those.
+        const uint64_t cap = std::min<uint64_t>(std::max<uint32_t>(nExpected, 64), 0xFFFFFFFFu / nStride);
+        if (void* p = std::malloc(cap * nStride))
+        {
+            m_pData.reset(static_cast<uint8_t*>(p));
+            m_nCapacity = static_cast<uint32_t>(cap);
+        }
+    }
 
     // Appends a copy of the record; null when the block would pass 4 GiB or memory runs out.
     uint8_t* Append(const uint8_t* pRecord)
@@ -354,22 +363,29 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
 
     try
     {
-        // Every vertex's weights and indices, read once.
-        std::vector<SVertexBones> vtx(nVertexNum);
-        for (uint32_t v = 0; v < nVertexNum; ++v)
+        // The weights and indices of every vertex in use, read once.
+        std::unique_ptr<SVertexBones[]> vtx(new SVertexBones[nVertexNum]);
         {
-            const uint8_t* rec = pVertices + size_t(v) * nStride;
-            QMXTVertexRead(vtx[v].fWeight, rec + nOffsetWeight, eTypeWeight, nBonesPerVtx);
-            QMXTVertexRead(vtx[v].fIndex, rec + nOffsetIdx, eTypeIdx, nBonesPerVtx);
+            std::vector<uint8_t> read(nVertexNum, 0);
+            for (size_t i = 0; i < nIdxNum; ++i)
+            {
+                const uint32_t v = pnIdx[i];
+                if (read[v])
+                    continue;
+                read[v] = 1;
+                const uint8_t* rec = pVertices + size_t(v) * nStride;
+                QMXTVertexRead(vtx[v].fWeight, rec + nOffsetWeight, eTypeWeight, nBonesPerVtx);
+                QMXTVertexRead(vtx[v].fIndex, rec + nOffsetIdx, eTypeIdx, nBonesPerVtx);
+            }
         }
 
         // Triangle bone sets, interned by content.
         CDistinctSets sets;
-        std::vector<uint32_t> triSet(nTriNum);
+        std::unique_ptr<uint32_t[]> triSet(new uint32_t[nTriNum]);
         STriangleBones set;
         for (uint32_t t = 0; t < nTriNum; ++t)
         {
-            if (!CollectTriangleBones(vtx.data(), pnIdx + size_t(t) * 3, nBonesPerVtx, nBoneLimit, set))
+            if (!CollectTriangleBones(vtx.get(), pnIdx + size_t(t) * 3, nBonesPerVtx, nBoneLimit, set))
                 return eFailed;
             triSet[t] = sets.Intern(set);
         }
@@ -392,7 +408,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
             ++batchStart[setBatch[triSet[t]] + 1];
         for (uint32_t b = 0; b < nBatches; ++b)
             batchStart[b + 1] += batchStart[b];
-        std::vector<uint32_t> order(nTriNum);
+        std::unique_ptr<uint32_t[]> order(new uint32_t[nTriNum]);
         {
             std::vector<uint32_t> fill(batchStart.begin(), batchStart.end() - 1);
             for (uint32_t t = 0; t < nTriNum; ++t)
@@ -401,11 +417,15 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
 
         // Vertex copies: one per distinct batch-local index vector of a vertex, found by the stored
         // vector; the copy chosen in the current batch is remembered per vertex.
-        CVertexBuffer out(nStride);
-        std::vector<uint32_t> firstCopy(nVertexNum, kNone), lastCopy(nVertexNum, kNone), nextCopy;
-        std::vector<uint32_t> memoBatch(nVertexNum, kNone), memoCopy(nVertexNum, kNone);
+        CVertexBuffer out(nStride, nVertexNum);
+        // Per vertex its first and last copy and the copy chosen in the current batch (the last two
+        // only meaningful once the first or the batch is set).
+        std::vector<uint32_t> firstCopy(nVertexNum, kNone), memoBatch(nVertexNum, kNone), nextCopy;
+        std::unique_ptr<uint32_t[]> lastCopy(new uint32_t[nVertexNum]), memoCopy(new uint32_t[nVertexNum]);
         std::vector<float> stored; // four floats a copy
-        std::vector<uint32_t> newIdx(nIdxNum);
+        stored.reserve(size_t(nVertexNum) * 4);
+        nextCopy.reserve(nVertexNum);
+        std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
         for (uint32_t b = 0; b < nBatches; ++b)
         {
             for (uint32_t k = batchStart[b]; k < batchStart[b + 1]; ++k)
@@ -466,7 +486,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
         nBatchBoneMax = nBoneLimit;
         nBatchCnt = nBatches;
 
-        std::copy(newIdx.begin(), newIdx.end(), pnIdx);
+        std::copy(newIdx.get(), newIdx.get() + nIdxNum, pnIdx);
         *pnOutVtxNum = out.Size();
         *ppOutVtx = out.Surrender();
         return eSuccess;

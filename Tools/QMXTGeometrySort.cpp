@@ -4,10 +4,16 @@
 // triangle its three edges and a written flag; per edge the count of unwritten triangles on it. A
 // mesh is a slice of one vertex list; vertices move inside it when a closed piece is split off.
 //
-// What keeps it near-linear: an edge is identified by the first triangle that holds its vertex pair
-// (found through the shorter of the two vertex triangle lists); the scans of a large mesh for vertices
-// with one or some triangles left use bit sets over the vertex list; membership of a vertex, triangle
-// or edge in a block option is a stamp, not a search.
+// What keeps it near-linear while giving the same blocks as the plain searches:
+// - an edge is identified by the first triangle that holds its vertex pair, found through the shorter
+//   of the two vertex triangle lists, instead of a scan over all edges;
+// - the scans of a large mesh for vertices with one or some triangles left use bit sets over the
+//   vertex list; membership of a vertex, triangle or edge in an option is a stamp, not a search;
+// - a block grown from a start vertex depends only on the vertices it read, so it is kept until one
+//   of them is written (each vertex lists the grown blocks that read it);
+// - within one growth a candidate's appraisal is kept while nothing around its corners has joined
+//   the option (per-vertex change counters), and is computed from the triangles at its corners
+//   outside the option whenever no closed triangle waits outside the option.
 #include "QMXTGeometrySort.h"
 
 #include <algorithm>
@@ -25,7 +31,6 @@ class CSlotBits
   public:
     explicit CSlotBits(size_t n) : m_words((n + 63) / 64 + 1, 0), m_summary(m_words.size() / 64 + 1, 0) {}
 
-    bool Get(size_t i) const { return (m_words[i >> 6] >> (i & 63)) & 1u; }
     void Assign(size_t i, bool on)
     {
         uint64_t& w = m_words[i >> 6];
@@ -182,9 +187,9 @@ class CGeometrySorter
         for (SOption* o : {&m_work, &m_best, &m_scratch[0], &m_scratch[1]})
         {
             o->nVtxMax = o == &m_work || o == &m_best ? nVtxMax : 3;
-            o->vtx.reserve(nVtxMax);
-            o->tri.reserve(nTriMax);
-            o->edges.reserve(size_t(nTriMax) * 3);
+            o->vtx.reserve(std::min(nVtxMax, nVtx));
+            o->tri.reserve(std::min(nTriMax, nTri));
+            o->edges.reserve(size_t(std::min(nTriMax, nTri)) * 3);
         }
         m_vWork.assign(nVtx, 0);
         m_vBest.assign(nVtx, 0);
@@ -1065,6 +1070,8 @@ int QMXTGeometrySort(void* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_
     const bool renumber = !(nFlags & eQMXTGeometrySortKeepVertices);
     if (nBlockVertexMax < 4 || nBlockTriMax < 1 || (nTriNum && !pnIdx))
         return 1;
+    if (nVertexNum > INT32_MAX || nTriNum > INT32_MAX / 3)
+        return 1; // vertex and triangle numbers are kept as signed 32-bit values
     if (renumber && nVertexNum && (!pVertices || nStride == 0))
         return 1;
     const size_t nIdxNum = size_t(nTriNum) * 3;

@@ -1,12 +1,14 @@
 // Tangent space generation with vertex splitting where the triangles around a vertex disagree.
 //
-// The corners of each vertex are gathered into one flat array (counted first, then filled in triangle
-// order), so memory follows the number of corners rather than 32 slots for every vertex.
+// The corners of each vertex are gathered into one flat list (counted first, then filled in triangle
+// order), so memory follows the number of corners rather than 32 slots for every vertex; frames are
+// computed vertex by vertex from positions, normals and UVs decoded once.
 #include "QMXTTangentSpace.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -75,6 +77,16 @@ void Write3(uint8_t* p, uint32_t type, const QMXTVECTOR3f& v)
     QMXTVertexWrite(p, type, 3, f);
 }
 
+struct SFreeDeleter
+{
+    void operator()(void* p) const { std::free(p); }
+};
+
+struct SVertexFrameData
+{
+    QMXTVECTOR3f pos, nor, uv;
+};
+
 // One triangle corner at a vertex: its frame and where its index lives.
 struct SCorner
 {
@@ -101,7 +113,7 @@ uint32_t GroupCorners(const SCorner* pCorner, uint32_t n, float fSplit, uint8_t*
             if (agrees)
                 break;
         }
-        pnGroup[i] = g;
+        pnGroup[i] = static_cast<uint8_t>(g);
         if (g == nGroups)
             ++nGroups;
     }
@@ -162,6 +174,8 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
         !ComponentFits(nOffsetBin, eTypeBin, nStride))
         return 1;
     const size_t nIdxNum = size_t(nTriNum) * 3;
+    if (uint64_t(nVertexNum) * 3 * nStride > SIZE_MAX / 2)
+        return 1;
     try
     {
         // Corners a vertex, with the failures of a degenerate triangle or a crowded vertex.
@@ -175,76 +189,78 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
                 if (tri[c] >= nVertexNum || ++start[tri[c] + 1] > kMaxVertexTriangles)
                     return 1;
         }
+        // Positions, normals and UVs of the vertices in use, read once.
+        std::unique_ptr<SVertexFrameData[]> vtx(new SVertexFrameData[nVertexNum]);
+        for (uint32_t v = 0; v < nVertexNum; ++v)
+            if (start[v + 1] != 0)
+            {
+                const uint8_t* rec = pVertices + size_t(v) * nStride;
+                vtx[v] = {Read3(rec + nOffsetPos, eTypePos), Read3(rec + nOffsetNor, eTypeNor),
+                          Read3(rec + nOffsetUV, eTypeUV)};
+            }
         for (uint32_t v = 0; v < nVertexNum; ++v)
             start[v + 1] += start[v];
-
-        // Each corner's frame, placed at its vertex in triangle order.
-        std::vector<SCorner> corners(nIdxNum);
-        std::vector<uint32_t> fill(start.begin(), start.end() - 1);
-        for (size_t t = 0; t < nTriNum; ++t)
+        // Each vertex's corners (positions in the index list), in triangle order.
+        std::unique_ptr<uint32_t[]> corners(new uint32_t[nIdxNum]);
         {
-            const uint32_t* tri = pnIdx + t * 3;
-            QMXTVECTOR3f pos[3], nor[3], uv[3];
-            for (int c = 0; c < 3; ++c)
-            {
-                const uint8_t* rec = pVertices + size_t(tri[c]) * nStride;
-                pos[c] = Read3(rec + nOffsetPos, eTypePos);
-                nor[c] = Read3(rec + nOffsetNor, eTypeNor);
-                uv[c] = Read3(rec + nOffsetUV, eTypeUV);
-            }
-            for (int c = 0; c < 3; ++c)
-            {
-                const int c1 = (c + 1) % 3, c2 = (c + 2) % 3;
-                SCorner& corner = corners[fill[tri[c]]++];
-                QMXTVertexTangentBitangent(corner.tangent, corner.bitangent, nor[c], pos[c], pos[c1], pos[c2], uv[c],
-                                           uv[c1], uv[c2]);
-                corner.nIdxPos = static_cast<uint32_t>(t * 3 + c);
-            }
+            std::vector<uint32_t> fill(start.begin(), start.end() - 1);
+            for (size_t i = 0; i < nIdxNum; ++i)
+                corners[fill[pnIdx[i]]++] = static_cast<uint32_t>(i);
         }
 
-        // Group every vertex's corners; each group becomes one output vertex, in input order.
-        std::vector<uint8_t> cornerGroup(nIdxNum);
-        std::vector<uint32_t> firstOut(nVertexNum);
-        uint64_t nOut = 0;
-        for (uint32_t v = 0; v < nVertexNum; ++v)
-        {
-            firstOut[v] = static_cast<uint32_t>(nOut);
-            nOut += GroupCorners(corners.data() + start[v], start[v + 1] - start[v], fSplitDifference,
-                                 cornerGroup.data() + start[v]);
-        }
-        if (nOut > uint64_t(nVertexNum) * 3 || nOut * nStride > SIZE_MAX / 2)
-            return 1;
-        uint8_t* block = static_cast<uint8_t*>(std::malloc(nOut ? size_t(nOut) * nStride : 1));
+        // The output block has room for three copies of every vertex and is shrunk at the end.
+        std::unique_ptr<uint8_t, SFreeDeleter> block(
+            static_cast<uint8_t*>(std::malloc(nVertexNum ? size_t(nVertexNum) * 3 * nStride : 1)));
         if (!block)
             return 1;
-        std::vector<uint32_t> newIdx(nIdxNum);
+        std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
+        const uint64_t nOutMax = uint64_t(nVertexNum) * 3;
+        uint32_t nOut = 0;
+        SCorner frame[kMaxVertexTriangles];
+        uint8_t group[kMaxVertexTriangles];
         for (uint32_t v = 0; v < nVertexNum; ++v)
         {
-            const SCorner* pc = corners.data() + start[v];
-            const uint8_t* pg = cornerGroup.data() + start[v];
             const uint32_t n = start[v + 1] - start[v];
-            const uint32_t nGroups = (v + 1 < nVertexNum ? firstOut[v + 1] : uint32_t(nOut)) - firstOut[v];
-            for (uint32_t g = 0; g < nGroups; ++g)
+            for (uint32_t i = 0; i < n; ++i)
+            {
+                // The frame of the corner, with the corners rotated so that it comes first.
+                const uint32_t pos = corners[start[v] + i];
+                const uint32_t* tri = pnIdx + (pos - pos % 3);
+                const int c = int(pos % 3), c1 = (c + 1) % 3, c2 = (c + 2) % 3;
+                const SVertexFrameData &a = vtx[tri[c]], &b = vtx[tri[c1]], &d = vtx[tri[c2]];
+                QMXTVertexTangentBitangent(frame[i].tangent, frame[i].bitangent, a.nor, a.pos, b.pos, d.pos, a.uv,
+                                           b.uv, d.uv);
+                frame[i].nIdxPos = pos;
+            }
+            const uint32_t nGroups = GroupCorners(frame, n, fSplitDifference, group);
+            if (nOut + uint64_t(nGroups) > nOutMax)
+                return 1;
+            for (uint32_t g = 0; g < nGroups; ++g, ++nOut)
             {
                 QMXTVECTOR3f t = {0, 0, 0}, b = {0, 0, 0};
                 for (uint32_t i = 0; i < n; ++i)
-                    if (pg[i] == g)
+                    if (group[i] == g)
                     {
-                        t = {t.x + pc[i].tangent.x, t.y + pc[i].tangent.y, t.z + pc[i].tangent.z};
-                        b = {b.x + pc[i].bitangent.x, b.y + pc[i].bitangent.y, b.z + pc[i].bitangent.z};
-                        newIdx[pc[i].nIdxPos] = firstOut[v] + g;
+                        t = {t.x + frame[i].tangent.x, t.y + frame[i].tangent.y, t.z + frame[i].tangent.z};
+                        b = {b.x + frame[i].bitangent.x, b.y + frame[i].bitangent.y, b.z + frame[i].bitangent.z};
+                        newIdx[frame[i].nIdxPos] = nOut;
                     }
                 QMXTMatrixVec3NormalizeF(t, t);
                 QMXTMatrixVec3NormalizeF(b, b);
-                uint8_t* rec = block + size_t(firstOut[v] + g) * nStride;
+                uint8_t* rec = block.get() + size_t(nOut) * nStride;
                 std::memcpy(rec, pVertices + size_t(v) * nStride, nStride);
                 Write3(rec + nOffsetTan, eTypeTan, t);
                 Write3(rec + nOffsetBin, eTypeBin, b);
             }
         }
-        std::copy(newIdx.begin(), newIdx.end(), pnIdx);
-        *pnOutVtxNum = static_cast<uint32_t>(nOut);
-        *ppOutVtx = block;
+        if (void* shrunk = std::realloc(block.get(), nOut ? size_t(nOut) * nStride : 1))
+        {
+            block.release();
+            block.reset(static_cast<uint8_t*>(shrunk));
+        }
+        std::copy(newIdx.get(), newIdx.get() + nIdxNum, pnIdx);
+        *pnOutVtxNum = nOut;
+        *ppOutVtx = block.release();
         return 0;
     }
     catch (const std::bad_alloc&)

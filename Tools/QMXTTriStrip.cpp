@@ -101,13 +101,28 @@ bool IsDegenerate(const uint32_t* tri)
 }
 
 // Neighbours across edges 0 (corners 0-1), 1 (1-2) and 2 (2-0) of every triangle, kNone for none.
-std::vector<int32_t> BuildAdjacency(const uint32_t* pnIdx, uint32_t nTri)
+std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
 {
     std::vector<int32_t> adj(size_t(nTri) * 3, kNone);
-    // Half-edges bucketed by lower vertex, each bucket sorted by (upper vertex, half-edge).
+    const size_t nIdx = size_t(nTri) * 3;
     uint32_t nMaxVertex = 0;
-    for (size_t i = 0; i < size_t(nTri) * 3; ++i)
-        nMaxVertex = std::max(nMaxVertex, pnIdx[i]);
+    for (size_t i = 0; i < nIdx; ++i)
+        nMaxVertex = std::max(nMaxVertex, pnInputIdx[i]);
+    // Sparse vertex numbers are renumbered densely (same equalities) to keep the buckets small.
+    const uint32_t* pnIdx = pnInputIdx;
+    std::vector<uint32_t> dense;
+    if (nMaxVertex > nIdx + 64)
+    {
+        std::vector<uint32_t> used(pnInputIdx, pnInputIdx + nIdx);
+        std::sort(used.begin(), used.end());
+        used.erase(std::unique(used.begin(), used.end()), used.end());
+        dense.resize(nIdx);
+        for (size_t i = 0; i < nIdx; ++i)
+            dense[i] = uint32_t(std::lower_bound(used.begin(), used.end(), pnInputIdx[i]) - used.begin());
+        pnIdx = dense.data();
+        nMaxVertex = uint32_t(used.size() - 1);
+    }
+    // Half-edges bucketed by lower vertex, each bucket sorted by (upper vertex, half-edge).
     std::vector<uint32_t> start(size_t(nMaxVertex) + 2, 0);
     for (uint32_t t = 0; t < nTri; ++t)
         if (!IsDegenerate(pnIdx + size_t(t) * 3))
@@ -171,15 +186,23 @@ class CStripBuilder
   public:
     CStripBuilder(const uint32_t* pnIdx, uint32_t nTri, const std::vector<int32_t>& adj)
         : m_pnIdx(pnIdx), m_nTri(nTri), m_adj(adj), m_cur(nTri), m_cemented(nTri), m_inWalk(nTri, 0),
-          m_chainMark(size_t(nTri) * 3, kNone)
+          m_chainMark(size_t(nTri) * 3, kNone), m_backEdge(size_t(nTri) * 3, 0)
     {
+        // For each edge with a neighbour, the edge by which that neighbour is adjacent back.
+        for (uint32_t t = 0; t < nTri; ++t)
+            for (int e = 0; e < 3; ++e)
+                if (adj[size_t(t) * 3 + e] != kNone)
+                    m_backEdge[size_t(t) * 3 + e] =
+                        static_cast<uint8_t>(EdgeFromAdjTri(uint32_t(adj[size_t(t) * 3 + e]), int32_t(t)));
     }
 
-    void Run(uint32_t seed)
+    // Whether, starting from the strips the edge pass left, a whole improvement pass with the given
+    // threshold changed nothing: then it changes nothing in any order, so another run can skip it.
+    struct SUnchangedPasses
     {
-        StripFromEdges();
-        StripImprove(seed);
-    }
+        bool bKnown[2] = {false, false};
+        bool bUnchanged[2] = {false, false};
+    };
 
     // Writes strips in the order of their first triangles; returns the strip count.
     uint32_t Output(std::vector<uint32_t>& idx, std::vector<uint32_t>& len) const
@@ -302,10 +325,11 @@ class CStripBuilder
         {
             total += Link(cur, prev, wind);
             m_visited.push_back(cur);
-            const int32_t nb = m_adj[size_t(cur) * 3 + edge];
+            const size_t half = size_t(cur) * 3 + edge;
+            const int32_t nb = m_adj[half];
             if (nb == kNone || m_inWalk[nb])
                 break;
-            const int in = EdgeFromAdjTri(nb, cur);
+            const int in = m_backEdge[half];
             edge = wind ? (in + 2) % 3 : (in + 1) % 3;
             wind = !wind;
             prev = cur;
@@ -318,14 +342,18 @@ class CStripBuilder
             total = 0;
         }
         else
+        {
+            m_bKept = true;
             for (int32_t t : m_touched)
                 m_cemented[t] = m_cur[t];
+        }
         for (int32_t t : m_visited)
             m_inWalk[t] = 0;
         m_nStrips += total;
         return total != 0;
     }
 
+  public:
     // Grows strips from triangles with one neighbour, retrying while it helps, then two triangles
     // further along the neighbour chain (a chain that comes back on itself is followed once round).
     void StripFromEdges()
@@ -365,12 +393,13 @@ class CStripBuilder
     }
 
     // Passes in pseudo-random triangle order, the threshold alternating 0 and -1, until two passes in
-    // a row shorten nothing.
-    void StripImprove(uint32_t seed)
+    // a row shorten nothing. Returns whether the strips are still those it started from.
+    bool StripImprove(uint32_t seed, SUnchangedPasses& memo)
     {
         CLibcRandom rng(seed);
         std::vector<SKey> keys(m_nTri), tmp(m_nTri);
         int passes = 2, threshold = 0;
+        bool pristine = true; // no walk has been kept yet in this run
         while (passes != 0)
         {
             --passes;
@@ -380,26 +409,41 @@ class CStripBuilder
                 const uint32_t b = rng.Next();
                 keys[t] = {a * b, t};
             }
-            MergeSort(keys.data(), keys.size(), tmp.data());
+            const int slot = threshold == 0 ? 0 : 1;
             bool improved = false;
-            for (const SKey& k : keys)
-                for (int e = 0; e < 3; ++e)
-                    if (StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
-                        improved = true;
+            if (!(pristine && memo.bKnown[slot] && memo.bUnchanged[slot]))
+            {
+                MergeSort(keys.data(), keys.size(), tmp.data());
+                m_bKept = false;
+                for (const SKey& k : keys)
+                    for (int e = 0; e < 3; ++e)
+                        if (StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
+                            improved = true;
+                if (pristine)
+                {
+                    memo.bKnown[slot] = true;
+                    memo.bUnchanged[slot] = !m_bKept;
+                }
+                pristine = pristine && !m_bKept;
+            }
             if (improved)
                 passes = 2;
             threshold = threshold == 0 ? -1 : 0;
         }
+        return pristine;
     }
 
+  private:
     const uint32_t* m_pnIdx;
     uint32_t m_nTri;
     const std::vector<int32_t>& m_adj;
     std::vector<SLink> m_cur, m_cemented;
     std::vector<uint8_t> m_inWalk;
     std::vector<int32_t> m_chainMark; // per triangle edge: the chain start that last tried it
+    std::vector<uint8_t> m_backEdge;  // per triangle edge: the neighbour's edge back to it
     std::vector<int32_t> m_touched, m_visited;
     int64_t m_nStrips = 0;
+    bool m_bKept = false; // a walk reached its threshold and was kept
 };
 
 template <typename T> T* CopyToHeap(const std::vector<T>& v)
@@ -410,15 +454,26 @@ template <typename T> T* CopyToHeap(const std::vector<T>& v)
     return p;
 }
 
-// Builds the best of the five seeded runs into idx and len.
+// Builds the best of the five seeded runs into idx and len. The edge pass does not depend on the
+// seed, so it runs once and each run starts from a copy of its strips.
 void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& idx, std::vector<uint32_t>& len)
 {
     const std::vector<int32_t> adj = BuildAdjacency(pnIdx, nTri);
+    CStripBuilder afterEdges(pnIdx, nTri, adj);
+    afterEdges.StripFromEdges();
+    CStripBuilder::SUnchangedPasses memo;
+    bool firstPristine = false;
     std::vector<uint32_t> runIdx, runLen;
     for (uint32_t seed = 0; seed < 5; ++seed)
     {
-        CStripBuilder builder(pnIdx, nTri, adj);
-        builder.Run(seed);
+        CStripBuilder builder = afterEdges;
+        const bool pristine = builder.StripImprove(seed, memo);
+        // A run that kept nothing has the strips of the edge pass: the same output as the first run
+        // when that one kept nothing either, and so no improvement on it.
+        if (seed > 0 && pristine && firstPristine)
+            continue;
+        if (seed == 0)
+            firstPristine = pristine;
         builder.Output(runIdx, runLen);
         if (seed == 0 || runLen.size() < len.size())
         {
@@ -432,7 +487,7 @@ void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& id
 int QMXTTriStrip(uint32_t** ppnStripIdx, uint32_t** ppnStripLen, uint32_t* pnStripNum, const uint32_t* pnIdx,
                  uint32_t nTriNum)
 {
-    if (!ppnStripIdx || !ppnStripLen || !pnStripNum || (nTriNum && !pnIdx))
+    if (!ppnStripIdx || !ppnStripLen || !pnStripNum || (nTriNum && !pnIdx) || nTriNum > INT32_MAX / 3)
         return 1;
     if (nTriNum == 0)
     {
@@ -466,7 +521,7 @@ int QMXTTriStrip(uint32_t** ppnStripIdx, uint32_t** ppnStripLen, uint32_t* pnStr
 
 int QMXTTriStripList(uint32_t* pnIdx, uint32_t nTriNum)
 {
-    if (nTriNum && !pnIdx)
+    if ((nTriNum && !pnIdx) || nTriNum > INT32_MAX / 3)
         return 1;
     try
     {

@@ -138,6 +138,21 @@ TEST(TriStrip, SmallCases)
     EXPECT_TRUE(none.len.empty());
 }
 
+TEST(TriStrip, SparseVertexNumbersGiveTheSameStrips)
+{
+    // Renumbering vertices far apart must not change which triangles pair up.
+    std::mt19937 rng(14);
+    const SIndexMesh m = DamagedGrid(rng, 9, 7);
+    std::vector<uint32_t> sparse = m.idx;
+    for (uint32_t& i : sparse)
+        i = 4000000000u - i * 40000u;
+    const SStrips dense = Strips(m.idx), spread = Strips(sparse);
+    EXPECT_EQ(spread.len, dense.len);
+    ASSERT_EQ(spread.idx.size(), dense.idx.size());
+    for (size_t k = 0; k < dense.idx.size(); ++k)
+        EXPECT_EQ(spread.idx[k], 4000000000u - dense.idx[k] * 40000u);
+}
+
 TEST(TriStrip, IsDeterministicAndLeavesTheCallersRandomSequenceAlone)
 {
     std::mt19937 rng(12);
