@@ -73,6 +73,8 @@ struct SGeomData
     SGeomData() = default;
     SGeomData(const SGeomData&) = default;
     SGeomData& operator=(const SGeomData&) = default;
+    SGeomData(SGeomData&&) noexcept = default;
+    SGeomData& operator=(SGeomData&&) noexcept = default;
 };
 
 struct CBoneWeight
@@ -123,6 +125,8 @@ struct SCameraData
     SCameraData() = default;
     SCameraData(const SCameraData&) = default;
     SCameraData& operator=(const SCameraData&) = default;
+    SCameraData(SCameraData&&) noexcept = default;
+    SCameraData& operator=(SCameraData&&) noexcept = default;
 };
 
 class SMaterial
@@ -159,6 +163,8 @@ class SMaterial
     SMaterial() = default;
     SMaterial(const SMaterial&) = default;
     SMaterial& operator=(const SMaterial&) = default;
+    SMaterial(SMaterial&&) noexcept = default;
+    SMaterial& operator=(SMaterial&&) noexcept = default;
     virtual ~SMaterial() = default;
 };
 
@@ -180,6 +186,8 @@ class CNode
     CNode() = default;
     CNode(const CNode&) = default;
     CNode& operator=(const CNode&) = default;
+    CNode(CNode&&) noexcept = default;
+    CNode& operator=(CNode&&) noexcept = default;
 };
 
 struct SSceneInfo
@@ -204,6 +212,8 @@ class SContent
     SContent() = default;
     SContent(const SContent&) = default;
     SContent& operator=(const SContent&) = default;
+    SContent(SContent&&) noexcept = default;
+    SContent& operator=(SContent&&) noexcept = default;
 
     // Appends a node, setting its index to its place in the list; returns that index.
     int AddNode(const CNode& node);

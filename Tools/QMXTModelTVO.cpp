@@ -38,7 +38,7 @@ void ChannelKeys(const float* values, const uint32_t* indices, bool animated, ui
     }
     const uint32_t last = frameCount - 1;
     a = Key(values, indices, frame < last ? frame : last, keySize);
-    b = Key(values, indices, frame + 1 < last ? frame + 1 : last, keySize);
+    b = Key(values, indices, frame < last ? frame + 1 : last, keySize);
 }
 
 void FreeNode(STVONode& n)
@@ -127,25 +127,7 @@ void CQMXTModelTVO::Destroy()
     if (!m_pImpl)
         return;
     if (!m_pImpl->bCallerOwned)
-    {
-        for (uint32_t i = 0; pCamera && i < nNumCamera; ++i)
-            std::free(pCamera[i].pfAnimFOV);
-        for (uint32_t i = 0; pNode && i < nNumNode; ++i)
-            FreeNode(pNode[i]);
-        for (uint32_t i = 0; pMesh && i < nNumMesh; ++i)
-            FreeMesh(pMesh[i]);
-        for (uint32_t i = 0; pMaterial && i < nNumMaterial; ++i)
-            FreeMaterial(pMaterial[i]);
-        for (uint32_t i = 0; pTexture && i < nNumTexture; ++i)
-            std::free(pTexture[i].pszName);
-        std::free(pCamera);
-        std::free(pLight);
-        std::free(pMesh);
-        std::free(pNode);
-        std::free(pTexture);
-        std::free(pMaterial);
-        std::free(pUserData);
-    }
+        QMXTModelTVOFreeArrays(*this);
     std::memset(static_cast<STVOScene*>(this), 0, sizeof(STVOScene));
     DestroyImpl();
 }
@@ -168,7 +150,13 @@ void CQMXTModelTVO::SetFrame(float frame)
     m_pImpl->fFrame = frame;
     if (nNumFrame)
     {
-        m_pImpl->nFrame = static_cast<uint32_t>(frame);
+        // Truncation saturates: a negative, huge or NaN frame would make the conversion undefined.
+        if (!(frame > 0.0f))
+            m_pImpl->nFrame = 0;
+        else if (frame >= 4294967296.0f)
+            m_pImpl->nFrame = UINT32_MAX;
+        else
+            m_pImpl->nFrame = static_cast<uint32_t>(frame);
         m_pImpl->fBlend = frame - static_cast<float>(m_pImpl->nFrame);
     }
     else
@@ -459,6 +447,28 @@ bool CQMXTModelTVO::CreateSkinIdxWeight(uint8_t* pIdx, uint8_t* pWeight, int cou
         pWeight[i] = static_cast<uint8_t>(w[i]);
     }
     return false;
+}
+
+void QMXTModelTVOFreeArrays(STVOScene& scene)
+{
+    for (uint32_t i = 0; scene.pCamera && i < scene.nNumCamera; ++i)
+        std::free(scene.pCamera[i].pfAnimFOV);
+    for (uint32_t i = 0; scene.pNode && i < scene.nNumNode; ++i)
+        FreeNode(scene.pNode[i]);
+    for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
+        FreeMesh(scene.pMesh[i]);
+    for (uint32_t i = 0; scene.pMaterial && i < scene.nNumMaterial; ++i)
+        FreeMaterial(scene.pMaterial[i]);
+    for (uint32_t i = 0; scene.pTexture && i < scene.nNumTexture; ++i)
+        std::free(scene.pTexture[i].pszName);
+    std::free(scene.pCamera);
+    std::free(scene.pLight);
+    std::free(scene.pMesh);
+    std::free(scene.pNode);
+    std::free(scene.pTexture);
+    std::free(scene.pMaterial);
+    std::free(scene.pUserData);
+    std::memset(&scene, 0, sizeof(STVOScene));
 }
 
 uint32_t QMXTModelTVOGetAnimArraySize(const uint32_t* pIdx, uint32_t frameCount, uint32_t keySize)

@@ -205,6 +205,8 @@ struct STVOScene
 };
 
 struct SQMXTModelTVOImpl;
+class CSource;
+class CSink;
 
 class CQMXTModelTVO : public STVOScene
 {
@@ -265,6 +267,30 @@ class CQMXTModelTVO : public STVOScene
     static bool CreateSkinIdxWeight(uint8_t* pIdx, uint8_t* pWeight, int count, const int* pBoneIdx,
                                     const float* pBoneWeight);
 
+    // Writes the scene as a .tvo file: the version block, the options and history texts (each only
+    // when given and not empty), then the scene. The file appears only when complete: it is written
+    // next to path under a temporary name and renamed. Returns 0 on success, 1 on failure.
+    int SaveTVO(const char* path, const char* options = nullptr, const char* history = nullptr) const;
+    // The same into any byte sink (a memory buffer, an open file).
+    int SaveTVO(CSink& sink, const char* options = nullptr, const char* history = nullptr) const;
+
+    // Reads a .tvo file through CQMXTResourceFile (disk, else the memory file system). With an options
+    // or history buffer only those texts are read (at most the buffer size each, not terminated when
+    // cut) and the scene is left untouched; otherwise the current scene is destroyed and replaced.
+    // Returns 0 on success, 1 on failure (a failed scene read leaves the scene empty).
+    int ReadFromFile(const char* path, char* optionsBuffer = nullptr, uint32_t optionsSize = 0,
+                     char* historyBuffer = nullptr, uint32_t historySize = 0);
+    // The same over a block of memory holding a whole file; the scene gets arrays of its own.
+    int ReadFromMemory(const void* data, uint32_t size, char* optionsBuffer = nullptr, uint32_t optionsSize = 0,
+                       char* historyBuffer = nullptr, uint32_t historySize = 0);
+    // The same over any source; on failure source.GetError() says where and why.
+    int ReadFromSource(CSource& source, char* optionsBuffer = nullptr, uint32_t optionsSize = 0,
+                       char* historyBuffer = nullptr, uint32_t historySize = 0);
+    // Takes over a scene record shallowly: its arrays stay the caller's and Destroy frees none of them.
+    int ReadFromMemory(const STVOScene& scene);
+    // Deep copy of a scene record: every array is newly allocated and owned.
+    int CopyFromMemory(const STVOScene& scene);
+
     // Arrays belong to the caller (shallow read from memory): Destroy frees none of them.
     bool IsCallerOwned() const;
     void SetCallerOwned(bool callerOwned);
@@ -274,6 +300,9 @@ class CQMXTModelTVO : public STVOScene
 
     SQMXTModelTVOImpl* m_pImpl;
 };
+
+// Frees every array of every record of a scene (the record arrays too) and zeroes the record.
+void QMXTModelTVOFreeArrays(STVOScene& scene);
 
 // Floats of one animation channel: frameCount x keySize without an index array, else the largest
 // index + keySize. keySize is 3, 4, 7 or 16.

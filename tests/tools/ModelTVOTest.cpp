@@ -93,6 +93,26 @@ TEST(ModelTVO, SetFrameSplitsIntoIntegerFrameAndBlendOnlyWhenAnimated)
     EXPECT_FLOAT_EQ(v.x, 12.5f);
 }
 
+TEST(ModelTVO, SetFrameOutsideTheIntegerRangeSaturates)
+{
+    // Found by fuzzing a file with a frame count near 2^32: the conversion of such frames to the
+    // integer frame was undefined.
+    CQMXTModelTVO s;
+    MakeNodes(s, 1);
+    s.nNumFrame = 3;
+    s.pNode[0].nAnimationFlags = eTVOHasPositionAnimation;
+    s.pNode[0].pfAnimPosition = Floats({0, 0, 0, 10, 0, 0, 20, 0, 0});
+    ASSERT_EQ(s.InitImpl(), 0);
+    QMXTVECTOR3f v;
+    s.SetFrame(5.0e9f);
+    s.GetTranslation(v, s.pNode[0]);
+    EXPECT_EQ(v.x, 20.0f); // the last key
+    s.SetFrame(-2.0f); // integer frame 0: the keys read are the first ones
+    EXPECT_EQ(s.GetFrame(), -2.0f);
+    s.GetTranslation(v, s.pNode[0]);
+    EXPECT_EQ(v.y, 0.0f);
+}
+
 TEST(ModelTVO, WorldMatrixThroughParentChainAtFractionalFrames)
 {
     // Parent: rotation from identity to a quarter turn about Z (row-vector sense) over frames 0..1,

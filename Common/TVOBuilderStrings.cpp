@@ -1,0 +1,82 @@
+#include "TVOBuilderStrings.h"
+
+#include <cstdint>
+
+namespace
+{
+// Every text of every language, one after the other; the offsets below index into it.
+const char g_szBlock[] =
+    "Bone batch generation failed.\0"
+    "Bone batch generation failed due to the creation of too many vertices.\0"
+    "A maximum of four bones may be used per vertex.\0"
+    "Failed to write output file\0"
+    "Error: Failed to open '%s' in '%s'.\0"
+    "Error: Unable to perform post-export options.\0"
+    "Tangent-space generation failed.\0"
+    "Tangent-space generation failed due to too many split vertices.\0"
+    "Instancing mesh\0"
+    "Processing mesh %i\0"
+    "Export stage 1\0"
+    "Export stage 2\0"
+    "Export stage 3\0"
+    "Complete\0"
+    "Final export stage\0"
+    "Saving\0"
+    "Opening '%s' in '%s'.\0"
+    "Warning: '%s' has been split up into %i meshes as it uses multiple materials.\0"
+    "Warning: Tangent-space generation skipped due to no UVW data in mapping channel %i.\0"
+    "Warning: Ignoring skinning information as some/all vertices do not have data.";
+
+const char* const g_pszLanguageNames[CTVOBuilderStrings::eNumLanguages] = {"British English"};
+
+constexpr int kTableSize = CTVOBuilderStrings::eNumStrings * CTVOBuilderStrings::eNumLanguages;
+
+uint32_t g_offsets[kTableSize];
+const char* g_pszTexts[kTableSize];
+bool g_bInitialised = false;
+CTVOBuilderStrings::ELanguages g_eLanguage = CTVOBuilderStrings::eLangBritishEnglish;
+
+// Offsets of the consecutive strings of the block, computed once.
+void BuildOffsets()
+{
+    uint32_t offset = 0;
+    for (int i = 0; i < kTableSize; ++i)
+    {
+        g_offsets[i] = offset;
+        while (offset < sizeof g_szBlock && g_szBlock[offset] != '\0')
+            ++offset;
+        ++offset;
+    }
+}
+} // namespace
+
+void CTVOBuilderStrings::Initialise(ELanguages language)
+{
+    BuildOffsets();
+    for (int i = 0; i < kTableSize; ++i)
+        g_pszTexts[i] = g_szBlock + g_offsets[i];
+    SetLanguage(language);
+    g_bInitialised = true;
+}
+
+void CTVOBuilderStrings::SetLanguage(ELanguages language)
+{
+    if (language >= eLangBritishEnglish && language < eNumLanguages)
+        g_eLanguage = language;
+}
+
+const char* CTVOBuilderStrings::LangNameAsCStrText(ELanguages language)
+{
+    if (language < eLangBritishEnglish || language >= eNumLanguages)
+        return "";
+    return g_pszLanguageNames[language];
+}
+
+const char* CTVOBuilderStrings::CStrText(int n)
+{
+    if (!g_bInitialised)
+        Initialise(eLangBritishEnglish);
+    if (n < 0 || n >= eNumStrings)
+        return "";
+    return g_pszTexts[eNumStrings * g_eLanguage + n];
+}

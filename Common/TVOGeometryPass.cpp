@@ -1,0 +1,184 @@
+// The geometry pass and GenD.
+#include <cstdlib>
+#include <cstring>
+
+#include "Log.h"
+#include "QMXTBoneBatches.h"
+#include "QMXTGeometrySort.h"
+#include "QMXTModelTVOTransform.h"
+#include "QMXTTriStrip.h"
+#include "QMXTTangentSpace.h"
+#include "TVOBuilderStrings.h"
+#include "TVOMeshOpt.h"
+#include "TVOSceneEx.h"
+
+namespace
+{
+uint32_t Stride(const STVOMesh& m)
+{
+    return m.sVertex.nStride;
+}
+
+uint32_t Offset(const CTVOData& d)
+{
+    return QMXTModelTVODataOffset(d);
+}
+
+bool AddEmptyFloatStream(CTVOData& d, uint32_t vertexCount)
+{
+    d.Reset();
+    d.eType = EQMXTDataFloat;
+    d.n = 3;
+    d.nStride = 12;
+    d.pData = static_cast<uint8_t*>(std::calloc(vertexCount ? vertexCount : 1, 12));
+    return d.pData != nullptr;
+}
+
+// Reorders the triangles of one range of the index list as eTriSort asks.
+void OrderTriangles(uint8_t* vertices, uint32_t* indices, uint32_t stride, uint32_t vertexCount,
+                    uint32_t triangleCount, const SBuilderSettings& s)
+{
+    if (triangleCount == 0)
+        return;
+    if (s.eTriSort == 1)
+        QMXTGeometrySort(vertices, indices, stride, vertexCount, triangleCount, 32, 64, 3);
+    else if (s.eTriSort == 3)
+        QMXTTriStripList(indices, triangleCount);
+}
+
+bool BatchBones(STVOMesh& m, const SBuilderSettings& s)
+{
+    uint32_t outCount = 0;
+    uint8_t* out = nullptr;
+    const int result = m.sBoneBatch.Create(&outCount, &out, reinterpret_cast<uint32_t*>(m.sFaces.pData),
+                                           m.nNumVertex, m.pInterleaved, Stride(m), Offset(m.sBoneWeight),
+                                           m.sBoneWeight.eType, Offset(m.sBoneIdx), m.sBoneIdx.eType,
+                                           m.nNumFaces, s.uiBoneLimit, m.sBoneWeight.n);
+    if (result != CQMXTBoneBatches::eSuccess)
+    {
+        std::free(out);
+        Log(eLogError, "%s",
+            CTVOBuilderStrings::CStrText(result == CQMXTBoneBatches::eTooManyVertices
+                                             ? CTVOBuilderStrings::eBoneBatchTooManyVertices
+                                             : CTVOBuilderStrings::eBoneBatchFailed));
+        return false;
+    }
+    std::free(m.pInterleaved);
+    m.pInterleaved = out;
+    m.nNumVertex = outCount;
+    return true;
+}
+
+// Takes the empty tangent and binormal streams out again, when no tangent space could be made.
+bool DropTangentStreams(STVOMesh& m)
+{
+    if (QMXTModelTVOToggleInterleaved(m, 1) != 0)
+        return false;
+    m.sTangents.Reset();
+    m.sBinormals.Reset();
+    m.sTangents.eType = m.sBinormals.eType = EQMXTDataFloat;
+    return QMXTModelTVOToggleInterleaved(m, 1) == 0;
+}
+
+bool GenerateTangentSpace(STVOMesh& m, const SBuilderSettings& s)
+{
+    uint32_t outCount = 0;
+    uint8_t* out = nullptr;
+    const CTVOData& uv = m.psUVW[s.uiTSUseUVW];
+    const int result = QMXTVertexGenerateTangentSpace(
+        &outCount, &out, reinterpret_cast<uint32_t*>(m.sFaces.pData), m.nNumVertex, m.pInterleaved, Stride(m),
+        Offset(m.sVertex), m.sVertex.eType, Offset(m.sNormals), m.sNormals.eType, Offset(uv), uv.eType,
+        Offset(m.sTangents), m.sTangents.eType, Offset(m.sBinormals), m.sBinormals.eType, m.nNumFaces,
+        s.fTangentSpaceVtxSplit);
+    if (result != 0)
+    {
+        std::free(out);
+        Log(eLogError, "%s",
+            CTVOBuilderStrings::CStrText(result == 2 ? CTVOBuilderStrings::eTangentSpaceFailed
+                                                     : CTVOBuilderStrings::eTangentSpaceTooManySplits));
+        return DropTangentStreams(m);
+    }
+    std::free(m.pInterleaved);
+    m.pInterleaved = out;
+    m.nNumVertex = outCount;
+    return true;
+}
+} // namespace
+
+bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
+{
+    bool tangents =
+        s.bTangentSpace && (s.Exported(COptionsData::eVcOptTan) || s.Exported(COptionsData::eVcOptBin));
+    if (tangents && m.nNumUVW <= s.uiTSUseUVW)
+    {
+        Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eTangentSpaceNoUVW),
+            static_cast<int>(s.uiTSUseUVW));
+        tangents = false;
+    }
+    if (tangents &&
+        (!AddEmptyFloatStream(m.sTangents, m.nNumVertex) || !AddEmptyFloatStream(m.sBinormals, m.nNumVertex)))
+        return false;
+    // Mirroring z for DirectX turns every triangle over; reversing the corners keeps it facing out.
+    if (s.IsDirectX() && m.nNumFaces && QMXTModelTVOReorderFaces(m, 0, 2, 1) != 0)
+        return false;
+    // Batching, tangent space and de-indexing work on one interleaved block.
+    if (!m.pInterleaved && QMXTModelTVOToggleInterleaved(m, 1) != 0)
+        return false;
+
+    if (m.sBoneWeight.n > 4)
+    {
+        Log(eLogError, "%s", CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eMaxFourBones));
+        return false;
+    }
+    if (s.uiBoneLimit != 0 && m.sBoneWeight.n != 0 && m.nNumFaces != 0)
+    {
+        if (!BatchBones(m, s))
+            return false;
+    }
+    else
+        m.sBoneBatch.Release();
+
+    if (tangents && m.nNumFaces && !GenerateTangentSpace(m, s))
+        return false;
+
+    uint32_t* indices = reinterpret_cast<uint32_t*>(m.sFaces.pData);
+    const CQMXTBoneBatches& b = m.sBoneBatch;
+    if (b.nBatchCnt)
+        for (uint32_t i = 0; i < b.nBatchCnt; ++i)
+        {
+            const uint32_t first = b.pnBatchOffset[i];
+            const uint32_t end = i + 1 < b.nBatchCnt ? b.pnBatchOffset[i + 1] : m.nNumFaces;
+            OrderTriangles(m.pInterleaved, indices + 3 * static_cast<size_t>(first), Stride(m), m.nNumVertex,
+                           end - first, s);
+        }
+    else
+        OrderTriangles(m.pInterleaved, indices, Stride(m), m.nNumVertex, m.nNumFaces, s);
+
+    std::free(m.pnStripLength);
+    m.pnStripLength = nullptr;
+    m.nNumStrips = 0;
+    m.ePrimitiveType = eTVOIndexedTriangleList;
+    if (s.ePrimType == 1 && m.nNumFaces)
+    {
+        if (QMXTModelTVOToggleStrips(m) != 0)
+            return false;
+        m.ePrimitiveType = eTVOIndexedTriangleStrip;
+    }
+    if (!s.bIndexed && QMXTModelTVODeIndex(m) != 0)
+        return false;
+    if (!m.pInterleaved && QMXTModelTVOToggleInterleaved(m, 1) != 0)
+        return false;
+    return true;
+}
+
+bool CTVOSceneEx::GenD(const SBuilderSettings& settings)
+{
+    for (uint32_t i = 0; i < nNumMesh; ++i)
+    {
+        Log(eLogInfo, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eProcessingMesh), static_cast<int>(i));
+        if (!GeometryPass(pMesh[i], settings))
+            return false;
+        ResolveBones(pMesh[i]);
+    }
+    return true;
+}

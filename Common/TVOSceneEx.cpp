@@ -1,0 +1,449 @@
+#include "TVOSceneEx.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+
+#include "Log.h"
+#include "TVOBuilderStrings.h"
+
+namespace
+{
+void FreeMaterialRecord(STVOMaterial& m)
+{
+    std::free(m.pszName);
+    std::free(m.pszEffectFile);
+    std::free(m.pszEffectName);
+    std::free(m.pUserData);
+    std::memset(&m, 0, sizeof m);
+}
+
+template <typename T> T* CopyToArray(const std::vector<T>& list)
+{
+    if (list.empty())
+        return nullptr;
+    T* out = static_cast<T*>(std::malloc(sizeof(T) * list.size()));
+    if (out)
+        std::memcpy(static_cast<void*>(out), list.data(), sizeof(T) * list.size());
+    return out;
+}
+
+// A copy of a content node without its geometry, for the node of one sub-mesh: the sub-mesh hangs
+// under the node that keeps the transform, so its own transform is the identity and still.
+CNode SubMeshNode(const CNode& cnode, unsigned counter)
+{
+    CNode sub;
+    char name[1024];
+    std::snprintf(name, sizeof name, "%s-submesh%u", cnode.name.c_str(), counter);
+    sub.name = name;
+    sub.index = -1; // never found when content indices are resolved: they belong to the parent
+    sub.parent = cnode.parent;
+    sub.type = cnode.type;
+    sub.userData = cnode.userData;
+    return sub;
+}
+} // namespace
+
+CTVOSceneEx::~CTVOSceneEx()
+{
+    DestroyAll();
+}
+
+void CTVOSceneEx::Reset()
+{
+    for (STVOCamera& c : cameras)
+        std::free(c.pfAnimFOV);
+    cameras.clear();
+    lights.clear();
+    meshes.clear();
+    nodes.clear();
+    pendingNodes.clear();
+    for (STVOMaterial& m : materials)
+        FreeMaterialRecord(m);
+    materials.clear();
+    textures.clear();
+}
+
+void CTVOSceneEx::DestroyAll()
+{
+    Reset();
+    // Destroy frees the arrays only once the private part exists.
+    if (!IsLoaded())
+        InitImpl();
+    Destroy();
+}
+
+void CTVOSceneEx::ReportProgress(size_t contentNodes, const std::string& name) const
+{
+    const float step = 40.0f / static_cast<float>(contentNodes);
+    ProgressUpdate(static_cast<int>(static_cast<float>(nodes.size()) * step), "%s", name.c_str());
+}
+
+bool ValidateGeometry(const SGeomData& g, const SBuilderSettings& s)
+{
+    auto inRange = [](int i, size_t n) { return i >= 0 && static_cast<size_t>(i) < n; };
+    for (const SMappingChannel& ch : g.channels)
+        if (ch.faces.size() != g.faces.size())
+            return false;
+    for (size_t f = 0; f < g.faces.size(); ++f)
+    {
+        const SFace& face = g.faces[f];
+        for (int c = 0; c < 3; ++c)
+        {
+            if (!inRange(face.pos[c], g.positions.size()))
+                return false;
+            if (s.ExportNormals() && !inRange(face.normal[c], g.normals.size()))
+                return false;
+            if (s.ExportColours() && face.colour[c] >= 0 && !inRange(face.colour[c], g.colours.size()))
+                return false;
+            for (const SMappingChannel& ch : g.channels)
+                if (!inRange(ch.faces[f].idx[c], ch.uvw.size()))
+                    return false;
+        }
+    }
+    return true;
+}
+
+bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
+{
+    const SGeomData& geom = cnode.geom;
+    if (!ValidateGeometry(geom, settings))
+    {
+        Log(eLogError, "Error: '%s' has geometry indices out of range.", cnode.name.c_str());
+        return false;
+    }
+    const SBonedVtx* skin = nullptr;
+    for (const SModifier& mod : cnode.modifiers)
+    {
+        if (!mod.enabled || mod.kind != eModifierSkin)
+            continue;
+        if (mod.vertices.size() == geom.positions.size())
+            skin = mod.vertices.data();
+        else
+            Log(eLogWarning, "%s", CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eIgnoringSkin));
+    }
+
+    const uint32_t faceCount = static_cast<uint32_t>(geom.faces.size());
+    const uint32_t uvwCount = static_cast<uint32_t>(geom.channels.size());
+    std::map<int, std::unique_ptr<CTVOMeshEx>> byMaterial;
+    for (uint32_t f = 0; f < faceCount; ++f)
+    {
+        std::unique_ptr<CTVOMeshEx>& sub = byMaterial[geom.faces[f].material];
+        if (!sub)
+        {
+            sub.reset(new CTVOMeshEx());
+            sub->Init(faceCount, uvwCount);
+        }
+        sub->AddFace(f, &geom, skin, settings);
+    }
+
+    const bool split = byMaterial.size() > 1;
+    if (split)
+        Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eSplitIntoMeshes),
+            cnode.name.c_str(), static_cast<int>(byMaterial.size()));
+
+    std::vector<uint32_t> children;
+    unsigned counter = 0;
+    for (auto& entry : byMaterial)
+    {
+        std::unique_ptr<CTVOMeshEx> sub = std::move(entry.second);
+        if (!sub->Finalise(settings))
+        {
+            Log(eLogError, "Error: '%s' is too large to build.", cnode.name.c_str());
+            return false;
+        }
+        const unsigned meshIndex = FindOrCreate(std::move(sub));
+        CTVONodeEx node;
+        if (split)
+        {
+            children.push_back(static_cast<uint32_t>(nodes.size()));
+            node.Gen(SubMeshNode(cnode, counter), nNumFrame, settings);
+        }
+        else
+            node.Gen(cnode, nNumFrame, settings);
+        node.node.nIdx = static_cast<int32_t>(meshIndex);
+        node.node.nIdxMaterial = entry.first;
+        AddNode(std::move(node));
+        ++counter;
+    }
+    if (split)
+    {
+        CTVONodeEx parent;
+        parent.Gen(cnode, nNumFrame, settings);
+        parent.node.nIdx = -1;
+        parent.children = children;
+        pendingNodes.push_back(std::move(parent));
+    }
+    return true;
+}
+
+unsigned CTVOSceneEx::FindOrCreate(std::unique_ptr<CTVOMeshEx> mesh)
+{
+    for (size_t i = 0; i < meshes.size(); ++i)
+        if (meshes[i]->Compare(*mesh))
+        {
+            mesh->Reset();
+            Log(eLogInfo, "%s", CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eInstancingMesh));
+            return static_cast<unsigned>(i);
+        }
+    meshes.push_back(std::move(mesh));
+    return static_cast<unsigned>(meshes.size() - 1);
+}
+
+int CTVOSceneEx::FindOrCreate(const std::string& fileName)
+{
+    if (fileName.empty())
+        return -1;
+    for (size_t i = 0; i < textures.size(); ++i)
+        if (textures[i] == fileName)
+        {
+            Log(eLogDetail, "Instancing texture %d\n", static_cast<int>(i));
+            return static_cast<int>(i);
+        }
+    textures.push_back(fileName);
+    return static_cast<int>(textures.size() - 1);
+}
+
+void CTVOSceneEx::GenMaterials(const SContent& content)
+{
+    for (const SMaterial& src : content.materials)
+    {
+        STVOMaterial m;
+        std::memset(&m, 0, sizeof m);
+        m.pszName = DuplicateString(src.name.c_str());
+        for (int slot = 0; slot < SMaterial::eTextureSlots; ++slot)
+            m.nIdxTexture[slot] = FindOrCreate(src.textures[slot]);
+        m.fMatOpacity = src.opacity;
+        std::memcpy(m.pfMatAmbient, src.ambient, sizeof m.pfMatAmbient);
+        std::memcpy(m.pfMatDiffuse, src.diffuse, sizeof m.pfMatDiffuse);
+        std::memcpy(m.pfMatSpecular, src.specular, sizeof m.pfMatSpecular);
+        m.fMatShininess = src.shininess;
+        m.pszEffectFile = DuplicateString(src.effectFile.c_str());
+        m.pszEffectName = DuplicateString(src.effectName.c_str());
+        m.eBlendSrcRGB = static_cast<uint32_t>(src.blendSrcRGB);
+        m.eBlendSrcA = static_cast<uint32_t>(src.blendSrcA);
+        m.eBlendDstRGB = static_cast<uint32_t>(src.blendDstRGB);
+        m.eBlendDstA = static_cast<uint32_t>(src.blendDstA);
+        m.eBlendOpRGB = static_cast<uint32_t>(src.blendOpRGB);
+        m.eBlendOpA = static_cast<uint32_t>(src.blendOpA);
+        std::memcpy(m.pfBlendColour, src.blendColour, sizeof m.pfBlendColour);
+        std::memcpy(m.pfBlendFactor, src.blendFactor, sizeof m.pfBlendFactor);
+        m.nFlags = static_cast<uint32_t>(src.flags);
+        m.nUserDataSize = static_cast<uint32_t>(src.userData.size());
+        m.pUserData = DuplicateBytes(src.userData);
+        if (!(src.opacity == 1.0f)) // a NaN counts as not opaque
+        {
+            m.nFlags |= 1u;
+            m.eBlendSrcRGB = m.eBlendSrcA = eTVOBlendSrcAlpha;
+            m.eBlendDstRGB = m.eBlendDstA = eTVOBlendOneMinusSrcAlpha;
+        }
+        materials.push_back(m);
+    }
+}
+
+bool CTVOSceneEx::GenA(const SContent* content, const SBuilderSettings& settings)
+{
+    Reset();
+    const SContent& c = *content;
+
+    // Frames: needed for animation, and for flattening at the static frame.
+    if (settings.bExportAnimations || !settings.bExportModelSpace)
+    {
+        int64_t frames = static_cast<int64_t>(c.info.endFrame) - c.info.startFrame + 1;
+        for (const CNode& n : c.nodes)
+            if (!n.frames.empty() && static_cast<int64_t>(n.frames.size()) < frames)
+                frames = static_cast<int64_t>(n.frames.size());
+        nNumFrame = frames > 0 ? static_cast<uint32_t>(frames) : 0u;
+        nFPS = static_cast<uint32_t>(c.info.fps);
+    }
+    else
+    {
+        nNumFrame = 0;
+        nFPS = 30;
+    }
+
+    std::memcpy(pfColourAmbient, c.info.ambient, sizeof pfColourAmbient);
+    std::free(pUserData);
+    nUserDataSize = static_cast<uint32_t>(c.userData.size());
+    pUserData = DuplicateBytes(c.userData);
+
+    const size_t total = c.nodes.size();
+    std::vector<bool> taken(total, false);
+    if (settings.bExportGeometry)
+        for (size_t i = 0; i < total; ++i)
+        {
+            const CNode& n = c.nodes[i];
+            if (n.type == eNodeMesh || (n.type == eNodeJoint && settings.bExportBoneGeometry))
+            {
+                ReportProgress(total, n.name);
+                if (!AddMesh(n, settings))
+                    return false;
+                taken[i] = true;
+            }
+        }
+    nNumMeshNode = static_cast<uint32_t>(nodes.size());
+
+    for (size_t i = 0; i < total; ++i)
+    {
+        const CNode& n = c.nodes[i];
+        if (n.type != eNodeLight)
+            continue;
+        ReportProgress(total, n.name);
+        lights.push_back(CTVOLightEx::Gen(&n.light));
+        CTVONodeEx node;
+        node.Gen(n, nNumFrame, settings);
+        node.node.nIdx = static_cast<int32_t>(lights.size() - 1);
+        AddNode(std::move(node));
+        taken[i] = true;
+    }
+    for (size_t i = 0; i < total; ++i)
+    {
+        const CNode& n = c.nodes[i];
+        if (n.type != eNodeCamera)
+            continue;
+        ReportProgress(total, n.name);
+        cameras.push_back(CTVOCameraEx::Gen(&n.camera, nNumFrame));
+        CTVONodeEx node;
+        node.Gen(n, nNumFrame, settings);
+        node.node.nIdx = static_cast<int32_t>(cameras.size() - 1);
+        AddNode(std::move(node));
+        taken[i] = true;
+    }
+    for (size_t i = 0; i < total; ++i)
+    {
+        const CNode& n = c.nodes[i];
+        // Mesh nodes without geometry export are dropped, not turned into plain nodes.
+        if (taken[i] || n.type == eNodeMesh || n.type == eNodeLight || n.type == eNodeCamera ||
+            (n.type == eNodeJoint && settings.bExportBoneGeometry))
+            continue;
+        ReportProgress(total, n.name);
+        CTVONodeEx node;
+        node.Gen(n, nNumFrame, settings);
+        node.node.nIdx = -1;
+        AddNode(std::move(node));
+    }
+
+    if (settings.bExportGeometry)
+        for (CTVONodeEx& parent : pendingNodes)
+        {
+            for (uint32_t child : parent.children)
+                nodes[child].node.nIdxParent = parent.nSourceIndex;
+            AddNode(std::move(parent));
+        }
+    pendingNodes.clear();
+
+    if (settings.bExportMaterials)
+        GenMaterials(c);
+    return true;
+}
+
+int32_t CTVOSceneEx::ResolveSourceIndex(int32_t sourceIndex) const
+{
+    for (size_t i = 0; i < nodes.size(); ++i)
+        if (nodes[i].nSourceIndex == sourceIndex)
+            return static_cast<int32_t>(i);
+    return sourceIndex;
+}
+
+bool CTVOSceneEx::GenB()
+{
+    nNumCamera = static_cast<uint32_t>(cameras.size());
+    nNumLight = static_cast<uint32_t>(lights.size());
+    nNumMesh = static_cast<uint32_t>(meshes.size());
+    nNumNode = static_cast<uint32_t>(nodes.size());
+    nNumMaterial = static_cast<uint32_t>(materials.size());
+    nNumTexture = static_cast<uint32_t>(textures.size());
+
+    pCamera = CopyToArray(cameras);
+    pLight = CopyToArray(lights);
+    pMaterial = CopyToArray(materials);
+    bool ok = (pCamera || cameras.empty()) && (pLight || lights.empty()) && (pMaterial || materials.empty());
+    cameras.clear(); // the arrays now own what the records point to
+    materials.clear();
+    lights.clear();
+
+    if (nNumMesh)
+    {
+        pMesh = static_cast<STVOMesh*>(std::malloc(sizeof(STVOMesh) * nNumMesh));
+        ok = ok && pMesh;
+        for (uint32_t i = 0; pMesh && i < nNumMesh; ++i)
+            pMesh[i] = meshes[i]->Release();
+    }
+    if (nNumNode)
+    {
+        pNode = static_cast<STVONode*>(std::malloc(sizeof(STVONode) * nNumNode));
+        ok = ok && pNode;
+        for (uint32_t i = 0; pNode && i < nNumNode; ++i)
+            pNode[i] = nodes[i].Release();
+    }
+    if (nNumTexture)
+    {
+        pTexture = static_cast<STVOTexture*>(std::calloc(nNumTexture, sizeof(STVOTexture)));
+        ok = ok && pTexture;
+        for (uint32_t i = 0; pTexture && i < nNumTexture; ++i)
+            pTexture[i].pszName = DuplicateString(textures[i].c_str());
+    }
+    if (!ok)
+        return false;
+
+    for (uint32_t i = 0; i < nNumCamera; ++i)
+        if (pCamera[i].nIdxTarget != -1)
+            pCamera[i].nIdxTarget = ResolveSourceIndex(pCamera[i].nIdxTarget);
+    for (uint32_t i = 0; i < nNumLight; ++i)
+        if (pLight[i].nIdxTarget != -1)
+            pLight[i].nIdxTarget = ResolveSourceIndex(pLight[i].nIdxTarget);
+    for (uint32_t i = 0; i < nNumNode; ++i)
+        if (pNode[i].nIdxParent != -1)
+            pNode[i].nIdxParent = ResolveSourceIndex(pNode[i].nIdxParent);
+    // Meshes get their batches in GenD, which resolves them as it makes them; any present now are
+    // resolved here.
+    for (uint32_t i = 0; i < nNumMesh; ++i)
+        if (pMesh[i].sBoneBatch.nBatchCnt)
+            ResolveBones(pMesh[i]);
+    return true;
+}
+
+void CTVOSceneEx::ResolveBones(STVOMesh& mesh) const
+{
+    CQMXTBoneBatches& b = mesh.sBoneBatch;
+    if (b.nBatchCnt)
+    {
+        for (uint32_t batch = 0; batch < b.nBatchCnt; ++batch)
+            for (uint32_t k = 0; k < b.pnBatchBoneCnt[batch]; ++k)
+            {
+                uint32_t& bone = b.pnBatches[batch * b.nBatchBoneMax + k];
+                bone = static_cast<uint32_t>(ResolveSourceIndex(static_cast<int32_t>(bone)));
+            }
+        return;
+    }
+    // No batches: the vertices name their bones directly.
+    CTVOData& idx = mesh.sBoneIdx;
+    const CTVOData& wt = mesh.sBoneWeight;
+    if (!idx.n || !wt.n || !mesh.nNumVertex)
+        return;
+    uint8_t* idxBase = mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(idx) : idx.pData;
+    const uint8_t* wtBase = mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(wt) : wt.pData;
+    if (!idxBase || !wtBase)
+        return;
+    const uint32_t count = idx.n < wt.n ? idx.n : wt.n;
+    for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
+    {
+        float bones[4], weights[4];
+        uint8_t* pi = idxBase + static_cast<size_t>(v) * idx.nStride;
+        QMXTVertexRead(bones, pi, idx.eType, count > 4 ? 4 : count);
+        QMXTVertexRead(weights, wtBase + static_cast<size_t>(v) * wt.nStride, wt.eType,
+                       count > 4 ? 4 : count);
+        for (uint32_t k = 0; k < count && k < 4; ++k)
+            if (weights[k] != 0.0f)
+                bones[k] = static_cast<float>(ResolveSourceIndex(static_cast<int32_t>(bones[k])));
+        QMXTVertexWrite(pi, idx.eType, count > 4 ? 4 : count, bones);
+    }
+}
+
+void CTVOSceneEx::GenC(const SBuilderSettings& settings)
+{
+    for (uint32_t i = 0; i < nNumNode && i < nodes.size(); ++i)
+        GenNodeAnimation(pNode[i], nodes[i], nNumFrame, settings);
+}

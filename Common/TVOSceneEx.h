@@ -1,0 +1,77 @@
+// The scene model under construction: a CQMXTModelTVO plus the builder's lists, and the build
+// stages that fill it from scene content.
+//
+// GenA turns the content into nodes, meshes, lights, cameras, materials and textures held in the
+// builder lists; GenB moves the lists into the model's arrays and resolves content indices into
+// node positions; GenC cleans up node animation; GenD runs the geometry pass on every mesh. Bone
+// batches only exist once GenD has made them, so GenD resolves their bone tables (content index to
+// node position) as it makes them; a skinned mesh without batches gets the node positions in its
+// vertices' bone indices instead.
+//
+// Node order: mesh nodes first (nNumMeshNode of them), then one node per light, one per camera, the
+// remaining nodes, and last the parents of split meshes. A node split by material becomes one
+// "<name>-submeshN" node per material, with an identity transform, under a plain node that keeps
+// the content node's name, transform, animation and place in the hierarchy.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BuilderSettings.h"
+#include "Content.h"
+#include "QMXTModelTVO.h"
+#include "TVOMeshEx.h"
+#include "TVONodeEx.h"
+
+class CTVOSceneEx : public CQMXTModelTVO
+{
+  public:
+    CTVOSceneEx() = default;
+    ~CTVOSceneEx();
+    CTVOSceneEx(const CTVOSceneEx&) = delete;
+    CTVOSceneEx& operator=(const CTVOSceneEx&) = delete;
+
+    // Empties the builder lists, freeing what they own.
+    void Reset();
+    // Frees the model's arrays (whether or not InitImpl ran) and the builder lists.
+    void DestroyAll();
+
+    bool GenA(const SContent* content, const SBuilderSettings& settings);
+    bool GenB();
+    void GenC(const SBuilderSettings& settings);
+    bool GenD(const SBuilderSettings& settings);
+
+    // Assembles the mesh node(s) of one content node; false (logged) when its geometry is invalid.
+    bool AddMesh(const CNode& cnode, const SBuilderSettings& settings);
+    // Index of an equal mesh among the scene's meshes (the new one is then dropped and "Instancing
+    // mesh" logged), or of mesh appended.
+    unsigned FindOrCreate(std::unique_ptr<CTVOMeshEx> mesh);
+    // Index of the texture of that file name, appended when new; -1 for an empty name.
+    int FindOrCreate(const std::string& fileName);
+
+    // Node position of the first node built from content node sourceIndex, or sourceIndex itself
+    // when there is none.
+    int32_t ResolveSourceIndex(int32_t sourceIndex) const;
+    // Rewrites the bone-batch table of a mesh (bones named by content index) to node positions;
+    // without batches, the bone indices stored in the vertices instead.
+    void ResolveBones(STVOMesh& mesh) const;
+
+    std::vector<STVOCamera> cameras;
+    std::vector<STVOLight> lights;
+    std::vector<std::unique_ptr<CTVOMeshEx>> meshes;
+    std::vector<CTVONodeEx> nodes;
+    std::vector<CTVONodeEx> pendingNodes;
+    std::vector<STVOMaterial> materials;
+    std::vector<std::string> textures;
+
+  private:
+    void AddNode(CTVONodeEx&& node) { nodes.push_back(std::move(node)); }
+    void ReportProgress(size_t contentNodes, const std::string& name) const;
+    void GenMaterials(const SContent& content);
+};
+
+// Checks every index of a mesh node's geometry against its lists (normals and colours only when
+// they are exported); false when one is out of range or a mapping channel has the wrong face count.
+bool ValidateGeometry(const SGeomData& geom, const SBuilderSettings& settings);

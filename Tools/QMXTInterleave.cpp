@@ -1,0 +1,116 @@
+// Interleaving and de-interleaving of a mesh's vertex streams.
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "QMXTError.h"
+#include "QMXTMeshStreams.h"
+#include "QMXTModelTVOTransform.h"
+
+namespace
+{
+uint32_t Padding(uint32_t bytes, uint32_t alignment)
+{
+    if (bytes == 0 || alignment == 0)
+        return 0;
+    return (alignment - bytes % alignment) % alignment;
+}
+
+// Placement order within one pass: colours come before the UVW streams here.
+template <typename F> void ForEachInPlacementOrder(STVOMesh& mesh, F f)
+{
+    f(mesh.sVertex);
+    f(mesh.sNormals);
+    f(mesh.sTangents);
+    f(mesh.sBinormals);
+    f(mesh.sVtxColours);
+    for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)
+        f(mesh.psUVW[i]);
+    f(mesh.sBoneIdx);
+    f(mesh.sBoneWeight);
+}
+
+int Interleave(STVOMesh& mesh, uint32_t alignment)
+{
+    uint32_t stride = 0;
+    QMXTForEachStream(mesh, [&](const CTVOData& s) {
+        const uint32_t bytes = QMXTModelTVODataStride(s);
+        stride += bytes + Padding(bytes, alignment);
+    });
+    if (stride == 0)
+        return 0; // no streams: nothing to interleave
+    uint8_t* block = static_cast<uint8_t*>(std::calloc(mesh.nNumVertex, stride));
+    if (!block)
+        return 1;
+
+    uint32_t offset = 0;
+    for (uint32_t elementSize : {4u, 2u, 1u})
+    {
+        ForEachInPlacementOrder(mesh, [&](CTVOData& s) {
+            if (s.n == 0 || QMXTModelTVODataTypeSize(s.eType) != elementSize)
+                return;
+            const uint32_t bytes = QMXTModelTVODataStride(s);
+            for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
+                std::memcpy(block + static_cast<size_t>(v) * stride + offset,
+                            s.pData + static_cast<size_t>(v) * s.nStride, bytes);
+            std::free(s.pData);
+            QMXTModelTVODataSetOffset(s, offset);
+            s.nStride = stride;
+            offset += bytes + Padding(bytes, alignment);
+        });
+    }
+    mesh.pInterleaved = block;
+    return 0;
+}
+
+int DeInterleave(STVOMesh& mesh)
+{
+    // Allocate every array first so that a failure leaves the mesh interleaved and intact.
+    std::vector<uint8_t*> arrays;
+    bool failed = false;
+    QMXTForEachStream(mesh, [&](const CTVOData& s) {
+        uint8_t* array = nullptr;
+        if (s.n != 0 && !failed)
+        {
+            array = static_cast<uint8_t*>(std::malloc(static_cast<size_t>(mesh.nNumVertex) * QMXTModelTVODataStride(s)));
+            failed = array == nullptr;
+        }
+        arrays.push_back(array);
+    });
+    if (failed)
+    {
+        for (uint8_t* a : arrays)
+            std::free(a);
+        return 1;
+    }
+    size_t next = 0;
+    QMXTForEachStream(mesh, [&](CTVOData& s) {
+        uint8_t* array = arrays[next++];
+        if (s.n == 0)
+        {
+            s.Reset(true);
+            return;
+        }
+        const uint32_t bytes = QMXTModelTVODataStride(s);
+        for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
+            std::memcpy(array + static_cast<size_t>(v) * bytes, QMXTStreamVertex(mesh, s, v), bytes);
+        s.pData = array;
+        s.nStride = bytes;
+    });
+    std::free(mesh.pInterleaved);
+    mesh.pInterleaved = nullptr;
+    return 0;
+}
+} // namespace
+
+int QMXTModelTVOToggleInterleaved(STVOMesh& mesh, uint32_t alignment)
+{
+    if (mesh.nNumVertex == 0)
+        return 0;
+    if (!QMXTStreamsConsistent(mesh))
+    {
+        QMXTErrorOutputDebug("Interleave: a vertex stream has no data or a bad type, stride or offset.\n");
+        return 1;
+    }
+    return QMXTIsInterleaved(mesh) ? DeInterleave(mesh) : Interleave(mesh, alignment);
+}

@@ -1,0 +1,104 @@
+// Shared helpers of the mesh transformations: visiting a mesh's streams, finding a vertex's bytes
+// whether the mesh is interleaved or not, and reading indices.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "QMXTModelTVO.h"
+#include "QMXTVertexData.h"
+
+// Calls f(stream) for every vertex stream of the mesh, present or not, in the order positions,
+// normals, tangents, binormals, each UVW stream, colours, bone indices, bone weights.
+template <typename Mesh, typename F> void QMXTForEachStream(Mesh& mesh, F f)
+{
+    f(mesh.sVertex);
+    f(mesh.sNormals);
+    f(mesh.sTangents);
+    f(mesh.sBinormals);
+    for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)
+        f(mesh.psUVW[i]);
+    f(mesh.sVtxColours);
+    f(mesh.sBoneIdx);
+    f(mesh.sBoneWeight);
+}
+
+inline bool QMXTIsInterleaved(const STVOMesh& mesh)
+{
+    return mesh.pInterleaved != nullptr;
+}
+
+// A stream counts as present when it has components and (outside an interleaved block) data.
+inline bool QMXTStreamPresent(const STVOMesh& mesh, const CTVOData& s)
+{
+    return s.n != 0 && (QMXTIsInterleaved(mesh) || s.pData != nullptr);
+}
+
+// Bytes of vertex v of a present stream; the stride between vertices is s.nStride either way.
+inline uint8_t* QMXTStreamVertex(STVOMesh& mesh, const CTVOData& s, uint32_t v)
+{
+    const size_t at = static_cast<size_t>(v) * s.nStride;
+    if (QMXTIsInterleaved(mesh))
+        return mesh.pInterleaved + QMXTModelTVODataOffset(s) + at;
+    return s.pData + at;
+}
+
+// Stride of one vertex of an interleaved mesh (every present stream carries it), 0 if none.
+inline uint32_t QMXTInterleavedStride(const STVOMesh& mesh)
+{
+    uint32_t stride = 0;
+    QMXTForEachStream(mesh, [&](const CTVOData& s) {
+        if (stride == 0 && s.n != 0)
+            stride = s.nStride;
+    });
+    return stride;
+}
+
+// Index at position k of the face stream (unsigned short or unsigned int).
+inline uint32_t QMXTMeshIndex(const STVOMesh& mesh, uint32_t k)
+{
+    uint32_t index;
+    const size_t size = QMXTModelTVODataTypeSize(mesh.sFaces.eType);
+    QMXTVertexRead(index, mesh.sFaces.pData + static_cast<size_t>(k) * size, mesh.sFaces.eType);
+    return index;
+}
+
+// The mesh has a usable index array.
+inline bool QMXTMeshIndexed(const STVOMesh& mesh)
+{
+    return mesh.sFaces.pData != nullptr &&
+           (mesh.sFaces.eType == EQMXTDataUnsignedShort || mesh.sFaces.eType == EQMXTDataUnsignedInt);
+}
+
+// An interleaved mesh's streams all carry one stride and lie within it; an array mesh's streams
+// have data and a stride that covers their components. Guards the transformations against
+// inconsistent records read from elsewhere.
+inline bool QMXTStreamsConsistent(const STVOMesh& mesh)
+{
+    const bool interleaved = QMXTIsInterleaved(mesh);
+    const uint32_t stride = interleaved ? QMXTInterleavedStride(mesh) : 0;
+    bool ok = true;
+    QMXTForEachStream(mesh, [&](const CTVOData& s) {
+        if (s.n == 0)
+            return;
+        const uint32_t bytes = QMXTModelTVODataStride(s);
+        if (bytes == 0 || s.nStride < bytes)
+            ok = false;
+        else if (interleaved)
+            ok = ok && s.nStride == stride && QMXTModelTVODataOffset(s) <= stride - bytes;
+        else
+            ok = ok && s.pData != nullptr;
+    });
+    return ok;
+}
+
+// malloc of count x size bytes; null when the product overflows. Never asks for 0 bytes, so null
+// always means failure.
+inline void* QMXTMallocArray(size_t count, size_t size)
+{
+    if (size != 0 && count > SIZE_MAX / size)
+        return nullptr;
+    const size_t bytes = count * size;
+    return std::malloc(bytes ? bytes : 1);
+}

@@ -1,0 +1,149 @@
+#include "QMXTTVOBlocks.h"
+
+namespace
+{
+struct SBlockName
+{
+    uint32_t tag;
+    const char* name;
+};
+
+const SBlockName kNames[] = {
+    {eTVOVersion, "version"},
+    {eTVOScene, "scene"},
+    {eTVOOptions, "options"},
+    {eTVOHistory, "history"},
+    {eTVOSceneClearColour, "clear colour"},
+    {eTVOSceneAmbientColour, "ambient colour"},
+    {eTVOSceneNumCamera, "camera count"},
+    {eTVOSceneNumLight, "light count"},
+    {eTVOSceneNumMesh, "mesh count"},
+    {eTVOSceneNumNode, "node count"},
+    {eTVOSceneNumMeshNode, "mesh-node count"},
+    {eTVOSceneNumTexture, "texture count"},
+    {eTVOSceneNumMaterial, "material count"},
+    {eTVOSceneNumFrame, "frame count"},
+    {eTVOSceneCamera, "camera"},
+    {eTVOSceneLight, "light"},
+    {eTVOSceneMesh, "mesh"},
+    {eTVOSceneNode, "node"},
+    {eTVOSceneTexture, "texture"},
+    {eTVOSceneMaterial, "material"},
+    {eTVOSceneFlags, "scene flags"},
+    {eTVOSceneFPS, "frames per second"},
+    {eTVOSceneUserData, "scene user data"},
+    {eTVOMatName, "material name"},
+    {eTVOMatTexDiffuse, "texture slot 0"},
+    {eTVOMatOpacity, "opacity"},
+    {eTVOMatAmbient, "ambient"},
+    {eTVOMatDiffuse, "diffuse"},
+    {eTVOMatSpecular, "specular"},
+    {eTVOMatShininess, "shininess"},
+    {eTVOMatEffectFile, "effect file"},
+    {eTVOMatEffectName, "effect name"},
+    {3009, "texture slot 1"},
+    {3010, "texture slot 2"},
+    {3011, "texture slot 3"},
+    {3012, "texture slot 4"},
+    {3013, "texture slot 5"},
+    {3014, "texture slot 6"},
+    {3015, "texture slot 7"},
+    {3016, "texture slot 8"},
+    {3017, "texture slot 9"},
+    {eTVOMatBlendSrcRGB, "blend source colour"},
+    {eTVOMatBlendSrcA, "blend source alpha"},
+    {eTVOMatBlendDstRGB, "blend destination colour"},
+    {eTVOMatBlendDstA, "blend destination alpha"},
+    {eTVOMatBlendOpRGB, "blend operation colour"},
+    {eTVOMatBlendOpA, "blend operation alpha"},
+    {eTVOMatBlendColour, "blend colour"},
+    {eTVOMatBlendFactor, "blend factor"},
+    {eTVOMatFlags, "material flags"},
+    {eTVOMatUserData, "material user data"},
+    {eTVOTexName, "texture name"},
+    {eTVONodeIdx, "node index"},
+    {eTVONodeName, "node name"},
+    {eTVONodeIdxMaterial, "node material"},
+    {eTVONodeIdxParent, "node parent"},
+    {eTVONodeStaticPosition, "static position"},
+    {eTVONodeStaticRotation, "static rotation"},
+    {eTVONodeStaticScale, "static scale"},
+    {eTVONodeAnimPosition, "position"},
+    {eTVONodeAnimRotation, "rotation"},
+    {eTVONodeAnimScale, "scale"},
+    {eTVONodeAnimMatrix, "matrix"},
+    {eTVONodeAnimFlags, "animation flags"},
+    {eTVONodeAnimPositionIdx, "position indices"},
+    {eTVONodeAnimRotationIdx, "rotation indices"},
+    {eTVONodeAnimScaleIdx, "scale indices"},
+    {eTVONodeAnimMatrixIdx, "matrix indices"},
+    {eTVONodeUserData, "node user data"},
+    {eTVOMeshNumVertex, "vertex count"},
+    {eTVOMeshNumFaces, "face count"},
+    {eTVOMeshNumUVW, "UVW count"},
+    {eTVOMeshFaces, "faces"},
+    {eTVOMeshStripLength, "strip lengths"},
+    {eTVOMeshNumStrips, "strip count"},
+    {eTVOMeshVertex, "positions"},
+    {eTVOMeshNormals, "normals"},
+    {eTVOMeshTangents, "tangents"},
+    {eTVOMeshBinormals, "binormals"},
+    {eTVOMeshUVW, "UVW"},
+    {eTVOMeshVtxColours, "vertex colours"},
+    {eTVOMeshBoneIdx, "bone indices"},
+    {eTVOMeshBoneWeight, "bone weights"},
+    {eTVOMeshInterleaved, "interleaved data"},
+    {eTVOMeshBoneBatches, "batch bones"},
+    {eTVOMeshBoneBatchBoneCnt, "batch bone counts"},
+    {eTVOMeshBoneBatchOffset, "batch offsets"},
+    {eTVOMeshBoneBatchBoneMax, "batch bone maximum"},
+    {eTVOMeshBoneBatchCnt, "batch count"},
+    {eTVOMeshUnpackMatrix, "unpack matrix"},
+    {eTVOLightIdxTarget, "light target"},
+    {eTVOLightColour, "light colour"},
+    {eTVOLightType, "light type"},
+    {eTVOLightConstantAttenuation, "constant attenuation"},
+    {eTVOLightLinearAttenuation, "linear attenuation"},
+    {eTVOLightQuadraticAttenuation, "quadratic attenuation"},
+    {eTVOLightFalloffAngle, "falloff angle"},
+    {eTVOLightFalloffExponent, "falloff exponent"},
+    {eTVOCameraIdxTarget, "camera target"},
+    {eTVOCameraFOV, "field of view"},
+    {eTVOCameraFar, "far plane"},
+    {eTVOCameraNear, "near plane"},
+    {eTVOCameraAnimFOV, "field-of-view animation"},
+    {eTVODataType, "data type"},
+    {eTVODataComponents, "component count"},
+    {eTVODataStride, "stride"},
+    {eTVODataData, "data"},
+};
+
+bool IsVertexDataBlock(uint32_t tag)
+{
+    return tag == eTVOMeshFaces || (tag >= eTVOMeshVertex && tag <= eTVOMeshBoneWeight);
+}
+} // namespace
+
+const char* QMXTTVOBlockName(uint32_t tag)
+{
+    tag &= ~static_cast<uint32_t>(eTVOEndBit);
+    for (const SBlockName& n : kNames)
+        if (n.tag == tag)
+            return n.name;
+    return "unknown";
+}
+
+bool QMXTTVOIsContainer(uint32_t parentTag, uint32_t tag)
+{
+    switch (parentTag)
+    {
+    case 0:
+        return tag == eTVOScene;
+    case eTVOScene:
+        return tag >= eTVOSceneCamera && tag <= eTVOSceneMaterial;
+    case eTVOSceneMesh:
+        return IsVertexDataBlock(tag);
+    default:
+        return false;
+    }
+}

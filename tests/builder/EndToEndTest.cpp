@@ -1,0 +1,638 @@
+// Whole exports: scene content through Process and Write, read back from the file.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+#include "Log.h"
+#include "ModelCompare.h"
+#include "SceneFixtures.h"
+#include "TVO.h"
+
+namespace
+{
+class EndToEnd : public ::testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        char pattern[] = "/tmp/ostrex_e2e_XXXXXX";
+        ASSERT_NE(::mkdtemp(pattern), nullptr);
+        dir = pattern;
+    }
+    void TearDown() override { std::system(("rm -rf '" + dir + "'").c_str()); }
+
+    std::string Path(const char* name) const { return dir + "/" + name; }
+
+    // Process, Write (binary unless the options say otherwise) and read the file back.
+    bool Export(const SContent& content, COptions& options, const std::string& path, CQMXTModelTVO& model)
+    {
+        CTVO tvo;
+        if (!tvo.Process(content, options) || !tvo.Write(path.c_str(), options, "test history", false))
+            return false;
+        return model.ReadFromFile(path.c_str()) == 0;
+    }
+
+    std::string dir;
+};
+
+// Component values of vertex v of a stream, whether the mesh is interleaved or not.
+void ReadVertex(const STVOMesh& m, const CTVOData& d, uint32_t v, float out[4])
+{
+    const uint8_t* base = m.pInterleaved ? m.pInterleaved + QMXTModelTVODataOffset(d) : d.pData;
+    QMXTVertexRead(out, base + static_cast<size_t>(v) * d.nStride, d.eType, d.n);
+}
+
+uint32_t Index(const STVOMesh& m, uint32_t k)
+{
+    uint32_t i = 0;
+    QMXTVertexRead(i, m.sFaces.pData + static_cast<size_t>(k) * m.sFaces.nStride, m.sFaces.eType);
+    return i;
+}
+
+int NodeNamed(const STVOScene& s, const char* name)
+{
+    for (uint32_t i = 0; i < s.nNumNode; ++i)
+        if (std::strcmp(s.pNode[i].pszName, name) == 0)
+            return static_cast<int>(i);
+    return -1;
+}
+
+CNode Plain(const char* name, float x, float y, float z)
+{
+    CNode n;
+    n.name = name;
+    n.tm.pos[0] = x, n.tm.pos[1] = y, n.tm.pos[2] = z;
+    return n;
+}
+} // namespace
+
+TEST_F(EndToEnd, CubeWeldsTo24VerticesAndEveryStageIsReported)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    CRecordingLogSink sink;
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("cube.tvo"), model));
+    ASSERT_EQ(model.nNumMesh, 1u);
+    const STVOMesh& m = model.pMesh[0];
+    EXPECT_EQ(m.nNumFaces, 12u);
+    EXPECT_EQ(m.nNumVertex, 24u);
+    EXPECT_EQ(m.sNormals.n, 3u);
+    EXPECT_EQ(m.sFaces.eType, EQMXTDataUnsignedShort);
+    ASSERT_NE(m.pInterleaved, nullptr);
+    EXPECT_EQ(m.sVertex.nStride, 12u + 12u + 8u); // positions, normals, two uv components
+    // Every vertex's normal is one of the six axis directions, and each is used by four vertices.
+    int perAxis[6] = {0};
+    for (uint32_t v = 0; v < m.nNumVertex; ++v)
+    {
+        float n[4];
+        ReadVertex(m, m.sNormals, v, n);
+        for (int a = 0; a < 3; ++a)
+            if (std::fabs(n[a]) == 1.0f)
+                ++perAxis[a * 2 + (n[a] < 0)];
+    }
+    for (int a = 0; a < 6; ++a)
+        EXPECT_EQ(perAxis[a], 4) << a;
+
+    const std::vector<CRecordingLogSink::SProgress> expectedProgress = {
+        {0, "Export stage 1"},      {0, "Cube"},    {40, "Export stage 2"}, {50, "Export stage 3"},
+        {75, "Final export stage"}, {95, "Saving"}, {100, "Complete"}};
+    ASSERT_EQ(sink.progress.size(), expectedProgress.size());
+    for (size_t i = 0; i < expectedProgress.size(); ++i)
+    {
+        EXPECT_EQ(sink.progress[i].percent, expectedProgress[i].percent) << i;
+        EXPECT_EQ(sink.progress[i].text, expectedProgress[i].text) << i;
+    }
+    EXPECT_EQ(sink.Count("Complete"), 4);
+    EXPECT_TRUE(sink.Has(eLogInfo, "Processing mesh 0"));
+
+    // The options text and history travel in the file.
+    char text[10240] = {0};
+    char history[64] = {0};
+    ASSERT_EQ(CQMXTModelTVO().ReadFromFile(Path("cube.tvo").c_str(), text, sizeof text - 1, history,
+                                           sizeof history - 1),
+              0);
+    EXPECT_EQ(std::string(text), std::string(options.ToString().c_str()));
+    EXPECT_STREQ(history, "test history");
+}
+
+TEST_F(EndToEnd, SplitNodeSharedMeshesAndOrderContract)
+{
+    SContent content;
+    content.AddNode(MeshNode("Box", CubeGeometry(5, 2)));
+    content.AddNode(MeshNode("A", CubeGeometry()));
+    content.AddNode(MeshNode("B", CubeGeometry()));
+    CNode lamp = Plain("Lamp", 1, 2, 3);
+    lamp.type = eNodeLight;
+    lamp.light.lightType = eTVOLightPoint;
+    CNode cam = Plain("Cam", 4, 5, 6);
+    cam.type = eNodeCamera;
+    cam.camera.fov = 0.5f;
+    content.AddNode(cam); // content order puts the camera first; the model puts lights first
+    content.AddNode(lamp);
+    content.materials.resize(6);
+
+    COptions options;
+    CRecordingLogSink sink;
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("order.tvo"), model));
+    const int box = NodeNamed(model, "Box");
+    const int sub0 = NodeNamed(model, "Box-submesh0");
+    const int sub1 = NodeNamed(model, "Box-submesh1");
+    ASSERT_GE(box, 0);
+    ASSERT_GE(sub0, 0);
+    ASSERT_GE(sub1, 0);
+    EXPECT_EQ(model.pNode[sub0].nIdxParent, box);
+    EXPECT_EQ(model.pNode[sub1].nIdxParent, box);
+    EXPECT_EQ(model.pNode[sub0].nIdxMaterial, 2);
+    EXPECT_EQ(model.pNode[sub1].nIdxMaterial, 5);
+    EXPECT_EQ(model.pNode[box].nIdx, -1);
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
+
+    EXPECT_EQ(model.nNumMeshNode, 4u);
+    EXPECT_EQ(model.nNumMesh, 3u); // A and B share one
+    EXPECT_EQ(model.pNode[NodeNamed(model, "A")].nIdx, model.pNode[NodeNamed(model, "B")].nIdx);
+    EXPECT_EQ(sink.Count("Instancing mesh"), 1);
+
+    ASSERT_EQ(model.nNumLight, 1u);
+    ASSERT_EQ(model.nNumCamera, 1u);
+    EXPECT_EQ(NodeNamed(model, "Lamp"), 4);
+    EXPECT_EQ(NodeNamed(model, "Cam"), 5);
+    const QMXTVECTOR3f lp = model.GetLightPosition(0);
+    EXPECT_EQ(lp.x, 1.0f);
+    EXPECT_EQ(lp.y, 2.0f);
+    EXPECT_EQ(lp.z, 3.0f);
+    QMXTVECTOR3f from, to;
+    EXPECT_EQ(model.GetCameraPos(from, to, 0), 0.5f);
+    EXPECT_EQ(from.x, 4.0f);
+    EXPECT_EQ(from.z, 6.0f);
+}
+
+TEST_F(EndToEnd, AnimatedTracksStayStillOnesGoAndIndexingShrinksThem)
+{
+    SContent content;
+    content.info.endFrame = 9;
+    CNode still = Plain("still", 1, 1, 1);
+    CNode swing = Plain("swing", 0, 0, 0);
+    for (int f = 0; f < 10; ++f)
+    {
+        still.frames.push_back(still.tm);
+        SNodeTM t = swing.tm;
+        t.pos[1] = (f % 2) ? 1.0f : -1.0f;
+        swing.frames.push_back(t);
+    }
+    content.AddNode(still);
+    content.AddNode(swing);
+    COptions options;
+    options.SetOption(COptionsData::eExportAnimations, true);
+    CQMXTModelTVO plain;
+    ASSERT_TRUE(Export(content, options, Path("anim.tvo"), plain));
+    EXPECT_EQ(plain.nNumFrame, 10u);
+    EXPECT_EQ(plain.pNode[0].nAnimationFlags, 0u);
+    EXPECT_EQ(plain.pNode[1].nAnimationFlags, unsigned(eTVOHasPositionAnimation));
+    EXPECT_EQ(plain.pNode[1].pnAnimPositionIdx, nullptr);
+    plain.SetFrame(3.0f);
+    QMXTVECTOR3f p{0, 0, 0};
+    plain.GetTranslation(p, plain.pNode[1]);
+    EXPECT_EQ(p.y, 1.0f);
+
+    options.SetOption(COptionsData::eIndexAnimations, true);
+    CQMXTModelTVO indexed;
+    ASSERT_TRUE(Export(content, options, Path("indexed.tvo"), indexed));
+    const STVONode& n = indexed.pNode[1];
+    ASSERT_NE(n.pnAnimPositionIdx, nullptr);
+    EXPECT_EQ(n.pnAnimPositionIdx[0], 0u);
+    EXPECT_EQ(n.pnAnimPositionIdx[1], 3u);
+    EXPECT_EQ(n.pnAnimPositionIdx[9], 3u);
+    EXPECT_EQ(QMXTModelTVOGetAnimArraySize(n.pnAnimPositionIdx, 10, 3), 6u);
+    indexed.SetFrame(3.0f);
+    indexed.GetTranslation(p, n);
+    EXPECT_EQ(p.y, 1.0f);
+}
+
+TEST_F(EndToEnd, WorldSpaceFlattensAtTheStaticFrame)
+{
+    SContent content;
+    content.info.endFrame = 3;
+    CNode cube = MeshNode("Cube", CubeGeometry());
+    for (int f = 0; f < 4; ++f)
+    {
+        SNodeTM t;
+        t.pos[0] = 10.0f * static_cast<float>(f);
+        cube.frames.push_back(t);
+    }
+    content.AddNode(cube);
+    COptions options;
+    options.SetOption(COptionsData::eExportModelSpace, false);
+    options.SetOption(COptionsData::eStaticFrame, 2u);
+    auto minX = [](const CQMXTModelTVO& m)
+    {
+        float lowest = 1e30f;
+        for (uint32_t v = 0; v < m.pMesh[0].nNumVertex; ++v)
+        {
+            float p[4];
+            ReadVertex(m.pMesh[0], m.pMesh[0].sVertex, v, p);
+            lowest = std::fmin(lowest, p[0]);
+        }
+        return lowest;
+    };
+    CQMXTModelTVO world;
+    ASSERT_TRUE(Export(content, options, Path("world.tvo"), world));
+    EXPECT_EQ(world.nNumFrame, 4u); // frames are kept for flattening even without animation export
+    EXPECT_FLOAT_EQ(minX(world), 19.5f);
+
+    options.SetOption(COptionsData::eStaticFrame, 4u); // beyond the frames: frame 0
+    CQMXTModelTVO atZero;
+    ASSERT_TRUE(Export(content, options, Path("world0.tvo"), atZero));
+    EXPECT_FLOAT_EQ(minX(atZero), -0.5f);
+}
+
+TEST_F(EndToEnd, DirectXMirrorsZReversesWindingAndFlipsV)
+{
+    SContent content;
+    CNode cube = MeshNode("Cube", CubeGeometry());
+    cube.tm.pos[0] = 1, cube.tm.pos[1] = 2, cube.tm.pos[2] = 3;
+    cube.tm.scale[2] = 4.0f;
+    content.AddNode(cube);
+    COptions gl;
+    gl.SetOption(COptionsData::eInterleaved, false);
+    gl.SetOption(COptionsData::eTriSort, eTriSortNone);
+    gl.SetOption(COptionsData::eUseCustomOptSettings, true);
+    COptions dx = gl;
+    dx.SetOption(COptionsData::eCS, eCoordSystemDirectX);
+    CQMXTModelTVO a, b;
+    ASSERT_TRUE(Export(content, gl, Path("gl.tvo"), a));
+    ASSERT_TRUE(Export(content, dx, Path("dx.tvo"), b));
+    EXPECT_EQ(b.pNode[0].pfAnimPosition[0], 1.0f);
+    EXPECT_EQ(b.pNode[0].pfAnimPosition[1], 2.0f);
+    EXPECT_EQ(b.pNode[0].pfAnimPosition[2], -3.0f);
+    EXPECT_EQ(b.pNode[0].pfAnimScale[2], 4.0f);
+    const STVOMesh& ma = a.pMesh[0];
+    const STVOMesh& mb = b.pMesh[0];
+    ASSERT_EQ(ma.nNumVertex, mb.nNumVertex);
+    ASSERT_EQ(ma.nNumFaces, mb.nNumFaces);
+    for (uint32_t t = 0; t < ma.nNumFaces; ++t)
+    {
+        // Same triangle, corners 1 and 2 swapped.
+        EXPECT_EQ(Index(mb, 3 * t), Index(ma, 3 * t));
+        EXPECT_EQ(Index(mb, 3 * t + 1), Index(ma, 3 * t + 2));
+        EXPECT_EQ(Index(mb, 3 * t + 2), Index(ma, 3 * t + 1));
+    }
+    for (uint32_t v = 0; v < ma.nNumVertex; ++v)
+    {
+        float pa[4], pb[4], na[4], nb[4], ua[4], ub[4];
+        ReadVertex(ma, ma.sVertex, v, pa);
+        ReadVertex(mb, mb.sVertex, v, pb);
+        ReadVertex(ma, ma.sNormals, v, na);
+        ReadVertex(mb, mb.sNormals, v, nb);
+        ReadVertex(ma, ma.psUVW[0], v, ua);
+        ReadVertex(mb, mb.psUVW[0], v, ub);
+        EXPECT_EQ(pb[0], pa[0]);
+        EXPECT_EQ(pb[2], -pa[2]);
+        EXPECT_EQ(nb[1], na[1]);
+        EXPECT_EQ(nb[2], -na[2]);
+        EXPECT_EQ(ub[0], ua[0]);
+        EXPECT_EQ(ub[1], 1.0f - ua[1]);
+    }
+}
+
+TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
+{
+    const int rings = 23, sides = 8;
+    SContent content;
+    std::vector<int> bones;
+    for (int b = 0; b < 12; ++b)
+    {
+        CNode joint = Plain(("bone" + std::to_string(b)).c_str(), 0, static_cast<float>(2 * b), 0);
+        joint.type = eNodeJoint;
+        joint.parent = b ? b - 1 : -1;
+        bones.push_back(content.AddNode(joint));
+    }
+    CNode tube = MeshNode("Tube", TubeGeometry(rings, sides));
+    tube.modifiers = {TubeSkin(tube.geom, rings, sides, bones)};
+    content.AddNode(tube);
+    COptions options;
+    options.SetOption(COptionsData::eBoneLimit, 9u);
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("tube.tvo"), model));
+    ASSERT_EQ(model.nNumMesh, 1u);
+    const STVOMesh& m = model.pMesh[0];
+    const CQMXTBoneBatches& bb = m.sBoneBatch;
+    ASSERT_GE(bb.nBatchCnt, 2u);
+    EXPECT_EQ(bb.nBatchBoneMax, 9u);
+    EXPECT_EQ(bb.pnBatchOffset[0], 0u);
+    std::set<std::string> named;
+    for (uint32_t b = 0; b < bb.nBatchCnt; ++b)
+    {
+        EXPECT_LE(bb.pnBatchBoneCnt[b], 9u);
+        const uint32_t first = bb.pnBatchOffset[b];
+        const uint32_t end = b + 1 < bb.nBatchCnt ? bb.pnBatchOffset[b + 1] : m.nNumFaces;
+        ASSERT_LT(first, end);
+        for (uint32_t t = first; t < end; ++t)
+            for (int c = 0; c < 3; ++c)
+            {
+                const uint32_t v = Index(m, 3 * t + c);
+                float pos[4], idx[4], wt[4];
+                ReadVertex(m, m.sVertex, v, pos);
+                ReadVertex(m, m.sBoneIdx, v, idx);
+                ReadVertex(m, m.sBoneWeight, v, wt);
+                // The tube's ring (its y) says which content bones weight this vertex.
+                const int ring = static_cast<int>(std::lround(pos[1]));
+                const int expected = ring * 12 / (rings + 1);
+                ASSERT_GT(wt[0], 0.0f);
+                const uint32_t local = static_cast<uint32_t>(idx[0]);
+                ASSERT_LT(local, bb.pnBatchBoneCnt[b]);
+                const uint32_t node = bb.pnBatches[b * bb.nBatchBoneMax + local];
+                ASSERT_LT(node, model.nNumNode);
+                EXPECT_EQ(std::string(model.pNode[node].pszName), "bone" + std::to_string(expected));
+                named.insert(model.pNode[node].pszName);
+            }
+    }
+    EXPECT_EQ(named.size(), 12u);
+
+    // Without a palette there are no batches; the vertices then name their bone nodes directly.
+    options.SetOption(COptionsData::eBoneLimit, 0u);
+    options.SetOption(COptionsData::eVcOptBoneInd, CVectorOpt::eDataType, EQMXTDataFloat);
+    CQMXTModelTVO whole;
+    ASSERT_TRUE(Export(content, options, Path("tube0.tvo"), whole));
+    const STVOMesh& w = whole.pMesh[0];
+    EXPECT_EQ(w.sBoneBatch.nBatchCnt, 0u);
+    for (uint32_t v = 0; v < w.nNumVertex; ++v)
+    {
+        float pos[4], idx[4];
+        ReadVertex(w, w.sVertex, v, pos);
+        ReadVertex(w, w.sBoneIdx, v, idx);
+        const int ring = static_cast<int>(std::lround(pos[1]));
+        const uint32_t node = static_cast<uint32_t>(idx[0]);
+        ASSERT_LT(node, whole.nNumNode);
+        EXPECT_EQ(std::string(whole.pNode[node].pszName), "bone" + std::to_string(ring * 12 / (rings + 1)));
+    }
+}
+
+TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
+{
+    SContent first;
+    first.AddNode(MeshNode("Cube", CubeGeometry()));
+    SMaterial wood;
+    wood.name = "wood";
+    wood.opacity = 0.5f; // becomes source-alpha blending
+    wood.blendColour[2] = 0.75f;
+    wood.textures[0] = "wood.png";
+    first.materials = {wood};
+    COptions options;
+    CQMXTModelTVO source;
+    ASSERT_TRUE(Export(first, options, Path("source.tvo"), source));
+
+    SContent second = first;
+    second.materials[0].opacity = 1.0f;
+    second.materials[0].blendColour[2] = 0.0f;
+    second.materials[0].textures[0] = "wood.qmx";
+    COptions merge;
+    merge.SetOption(COptionsData::eMerge, true);
+    merge.SetOption(COptionsData::eMergeSrc, CQMXTString(Path("source.tvo").c_str()));
+    CQMXTModelTVO merged;
+    ASSERT_TRUE(Export(second, merge, Path("merged.tvo"), merged));
+    const STVOMaterial& m = merged.pMaterial[0];
+    EXPECT_EQ(m.eBlendSrcRGB, 770u);
+    EXPECT_EQ(m.eBlendDstA, 771u);
+    EXPECT_EQ(m.nFlags & 1u, 1u);
+    EXPECT_EQ(m.pfBlendColour[2], 0.75f);
+    EXPECT_EQ(m.fMatOpacity, 1.0f); // opacity is not merged
+    EXPECT_STREQ(merged.pTexture[m.nIdxTexture[0]].pszName, "wood.png");
+
+    // Without a merge source the file being overwritten is the source.
+    COptions overwrite;
+    overwrite.SetOption(COptionsData::eMerge, true);
+    overwrite.m_sPath = Path("source.tvo").c_str();
+    CQMXTModelTVO again;
+    ASSERT_TRUE(Export(second, overwrite, Path("source.tvo"), again));
+    EXPECT_EQ(again.pMaterial[0].eBlendSrcRGB, 770u);
+
+    // A source that can't be read is no error.
+    merge.SetOption(COptionsData::eMergeSrc, CQMXTString(Path("missing.tvo").c_str()));
+    CQMXTModelTVO unmerged;
+    ASSERT_TRUE(Export(second, merge, Path("unmerged.tvo"), unmerged));
+    EXPECT_EQ(unmerged.pMaterial[0].eBlendSrcRGB, 1u);
+}
+
+TEST_F(EndToEnd, SourceFormsEmbedTheSameSceneAndCarryTheOptions)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    options.SetOption(COptionsData::eExpFormat, eExportFormatHeader);
+    options.SetOption(COptionsData::eBoneLimit, 7u);
+    CTVO tvo;
+    ASSERT_TRUE(tvo.Process(content, options));
+    ASSERT_TRUE(tvo.Write(Path("my-scene.h").c_str(), options, "one\ntwo", false));
+    std::ifstream in(Path("my-scene.h"));
+    std::stringstream text;
+    text << in.rdbuf();
+    const std::string h = text.str();
+    EXPECT_EQ(h.rfind("/*\n\tExpOpt{\nbFlipTextureV=0\n", 0), 0u);
+    EXPECT_NE(
+        h.find(
+            "\t}ExpOpt\n\n\tHistory{\none\ntwo\n\t}History\n*/\n// This file was created by Bintuck 1.1\n"),
+        std::string::npos);
+    EXPECT_NE(
+        h.find("// ******** Start: my-scene.tvo ********\n\n// File data\nA32BIT _my_scene_tvo[] = {\n"),
+        std::string::npos);
+    EXPECT_NE(
+        h.find("static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, "),
+        std::string::npos);
+    COptions back;
+    EXPECT_GT(back.ReadConfig(Path("my-scene.h").c_str()), 0);
+    EXPECT_EQ(back.GetOption(COptionsData::eBoneLimit), 7u);
+
+    options.SetOption(COptionsData::eExpFormat, eExportFormatSource);
+    ASSERT_TRUE(tvo.Write(Path("scene.cpp").c_str(), options, nullptr, false));
+    std::ifstream cpp(Path("scene.cpp"));
+    std::stringstream ctext;
+    ctext << cpp.rdbuf();
+    EXPECT_NE(ctext.str().find("RegisterFile_scene_tvo(\"scene.tvo\", _scene_tvo, "), std::string::npos);
+}
+
+TEST_F(EndToEnd, FailuresAreReportedByTheirTexts)
+{
+    CRecordingLogSink sink;
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    CTVO tvo;
+    ASSERT_TRUE(tvo.Process(content, options));
+    EXPECT_FALSE(tvo.Write(Path("no/such/dir/x.tvo").c_str(), options, nullptr, false));
+    EXPECT_TRUE(sink.Has(eLogError, "Failed to write output file"));
+    options.SetOption(COptionsData::eExpFormat, static_cast<EExportFormat>(7));
+    EXPECT_FALSE(tvo.Write(Path("x.tvo").c_str(), options, nullptr, false));
+    EXPECT_EQ(sink.Count("Failed to write output file"), 2);
+    EXPECT_NE(::access(Path("x.tvo").c_str(), F_OK), 0);
+
+    // Five influences on a vertex stop the export.
+    SContent five;
+    CNode cube = MeshNode("Cube", CubeGeometry());
+    SModifier skin;
+    skin.vertices.resize(cube.geom.positions.size());
+    for (SBonedVtx& v : skin.vertices)
+        v.weights = {{0, 0.2f}, {1, 0.2f}, {2, 0.2f}, {3, 0.2f}, {4, 0.2f}};
+    cube.modifiers = {skin};
+    five.AddNode(cube);
+    COptions defaults;
+    EXPECT_FALSE(tvo.Process(five, defaults));
+    EXPECT_TRUE(sink.Has(eLogError, "A maximum of four bones may be used per vertex."));
+
+    // A triangle touching more bones than the palette holds cannot be batched.
+    SContent wide;
+    CNode tri = MeshNode("Tri", SGeomData());
+    const QMXTVECTOR3f p[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    AddCornerTriangle(tri.geom, p, {0, 0, 1});
+    SModifier s2;
+    s2.vertices.resize(3);
+    s2.vertices[0].weights = {{0, 0.5f}, {1, 0.5f}};
+    s2.vertices[1].weights = {{2, 1.0f}};
+    s2.vertices[2].weights = {{3, 1.0f}};
+    tri.modifiers = {s2};
+    wide.AddNode(tri);
+    COptions palette3;
+    palette3.SetOption(COptionsData::eBoneLimit, 3u);
+    EXPECT_FALSE(tvo.Process(wide, palette3));
+    EXPECT_TRUE(sink.Has(eLogError, "Bone batch generation failed."));
+    palette3.SetOption(COptionsData::eBoneLimit, 0u); // no palette: exported without batches
+    EXPECT_TRUE(tvo.Process(wide, palette3));
+    EXPECT_EQ(tvo.Scene()->pMesh[0].sBoneBatch.nBatchCnt, 0u);
+}
+
+TEST_F(EndToEnd, TangentSpaceMessages)
+{
+    CRecordingLogSink sink;
+    COptions options;
+    options.SetOption(COptionsData::eTangentSpace, true);
+    SContent content;
+    CNode cube = MeshNode("Cube", CubeGeometry());
+    content.AddNode(cube);
+    CTVO tvo;
+    ASSERT_TRUE(tvo.Process(content, options));
+    EXPECT_EQ(tvo.Scene()->pMesh[0].sTangents.n, 3u);
+    EXPECT_EQ(tvo.Scene()->pMesh[0].sBinormals.n, 3u);
+    EXPECT_EQ(sink.Count("Tangent-space generation failed due to too many split vertices."), 0);
+
+    options.SetOption(COptionsData::eTSUseUVW, 1u); // the cube has one uv set
+    ASSERT_TRUE(tvo.Process(content, options));
+    EXPECT_TRUE(sink.Has(
+        eLogWarning, "Warning: Tangent-space generation skipped due to no UVW data in mapping channel 1."));
+    EXPECT_EQ(tvo.Scene()->pMesh[0].sTangents.n, 0u);
+
+    // Two corners of a face at the same place weld into one vertex: the generator refuses that
+    // triangle, the export goes on without tangents.
+    options.SetOption(COptionsData::eTSUseUVW, 0u);
+    const QMXTVECTOR3f p[3] = {{0, 0, 0}, {0, 0, 0}, {0, 1, 0}};
+    const QMXTVECTOR3f uv[3] = {{0, 0, 0}, {0, 0, 0}, {0, 1, 0}};
+    AddCornerTriangle(content.nodes[0].geom, p, {0, 0, 1}, 0, uv);
+    ASSERT_TRUE(tvo.Process(content, options));
+    EXPECT_TRUE(sink.Has(eLogError, "Tangent-space generation failed due to too many split vertices."));
+    EXPECT_EQ(tvo.Scene()->pMesh[0].sTangents.n, 0u);
+}
+
+TEST_F(EndToEnd, TangentsFollowIncreasingU)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    options.SetOption(COptionsData::eTangentSpace, true);
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("ts.tvo"), model));
+    const STVOMesh& m = model.pMesh[0];
+    ASSERT_EQ(m.sTangents.n, 3u);
+    ASSERT_EQ(m.sBinormals.n, 3u);
+    int front = 0;
+    for (uint32_t v = 0; v < m.nNumVertex; ++v)
+    {
+        float n[4], t[4], b[4];
+        ReadVertex(m, m.sNormals, v, n);
+        ReadVertex(m, m.sTangents, v, t);
+        ReadVertex(m, m.sBinormals, v, b);
+        if (n[2] != 1.0f)
+            continue;
+        // The front side maps u along +x and v along +y.
+        ++front;
+        EXPECT_NEAR(t[0], 1.0f, 1e-5f);
+        EXPECT_NEAR(b[1], 1.0f, 1e-5f);
+    }
+    EXPECT_EQ(front, 4);
+}
+
+TEST_F(EndToEnd, StripsUnindexedAndUnsortedForms)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions strips;
+    strips.SetOption(COptionsData::ePrimType, ePrimTriangleStrips);
+    strips.HandleOptimisations();
+    CQMXTModelTVO s;
+    ASSERT_TRUE(Export(content, strips, Path("strips.tvo"), s));
+    const STVOMesh& m = s.pMesh[0];
+    EXPECT_EQ(m.ePrimitiveType, unsigned(eTVOIndexedTriangleStrip));
+    ASSERT_GT(m.nNumStrips, 0u);
+    uint32_t total = 0;
+    for (uint32_t i = 0; i < m.nNumStrips; ++i)
+        total += m.pnStripLength[i];
+    EXPECT_EQ(total, 12u);
+    EXPECT_LT(m.nNumStrips, 12u); // the cube's sides join into longer strips
+
+    COptions flat;
+    flat.SetOption(COptionsData::eIndexed, false);
+    CQMXTModelTVO f;
+    ASSERT_TRUE(Export(content, flat, Path("flat.tvo"), f));
+    EXPECT_EQ(f.pMesh[0].nNumVertex, 36u); // one vertex a corner
+    EXPECT_EQ(f.pMesh[0].sFaces.n, 0u);
+
+    // "D3DX" sorting keeps the assembled order, like no sorting.
+    COptions none, d3dx;
+    none.SetOption(COptionsData::eUseCustomOptSettings, true);
+    none.SetOption(COptionsData::eTriSort, eTriSortNone);
+    d3dx.SetOption(COptionsData::eUseCustomOptSettings, true);
+    d3dx.SetOption(COptionsData::eTriSort, eTriSortD3DX);
+    CQMXTModelTVO a, b;
+    ASSERT_TRUE(Export(content, none, Path("none.tvo"), a));
+    ASSERT_TRUE(Export(content, d3dx, Path("d3dx.tvo"), b));
+    EXPECT_EQ(DescribeModelDifference(a, b), "");
+    for (uint32_t t = 0; t < 12; ++t)
+        EXPECT_EQ(Index(a.pMesh[0], 3 * t), t % 2 ? Index(a.pMesh[0], 3 * t - 3) : 4 * (t / 2)) << t;
+}
+
+TEST_F(EndToEnd, EmptySceneExportsAndReadsBack)
+{
+    SContent content;
+    COptions options;
+    CQMXTModelTVO model;
+    ASSERT_TRUE(Export(content, options, Path("empty.tvo"), model));
+    EXPECT_EQ(model.nNumNode, 0u);
+    EXPECT_EQ(model.nNumMesh, 0u);
+}
+
+TEST_F(EndToEnd, PostExportRunsAfterAWriteWhenAsked)
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    COptions options;
+    options.SetOption(COptionsData::eClPostTarget, CQMXTString("cp"));
+    options.SetOption(COptionsData::eClPostArgs,
+                      CQMXTString(("'" + Path("a.tvo") + "' '" + Path("copy.tvo") + "'").c_str()));
+    CTVO tvo;
+    ASSERT_TRUE(tvo.Process(content, options));
+    ASSERT_TRUE(tvo.Write(Path("a.tvo").c_str(), options, nullptr, false));
+    EXPECT_NE(::access(Path("copy.tvo").c_str(), F_OK), 0); // not asked
+    ASSERT_TRUE(tvo.Write(Path("a.tvo").c_str(), options, nullptr, true));
+    CQMXTModelTVO a, copy;
+    ASSERT_EQ(a.ReadFromFile(Path("a.tvo").c_str()), 0);
+    ASSERT_EQ(copy.ReadFromFile(Path("copy.tvo").c_str()), 0);
+    EXPECT_EQ(DescribeModelDifference(a, copy), "");
+}

@@ -1,0 +1,275 @@
+// GenA, GenB and GenC: content to scene model, node order, index resolution, materials, animation.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "Log.h"
+#include "SceneFixtures.h"
+#include "TVOSceneEx.h"
+
+namespace
+{
+bool Build(CTVOSceneEx& scene, const SContent& content, const SBuilderSettings& s = SBuilderSettings())
+{
+    if (!scene.GenA(&content, s))
+        return false;
+    scene.GenB();
+    scene.GenC(s);
+    return true;
+}
+
+int FindNode(const CTVOSceneEx& scene, const char* name)
+{
+    for (uint32_t i = 0; i < scene.nNumNode; ++i)
+        if (std::strcmp(scene.pNode[i].pszName, name) == 0)
+            return static_cast<int>(i);
+    return -1;
+}
+} // namespace
+
+TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
+{
+    CRecordingLogSink sink;
+    SContent content;
+    CNode box = MeshNode("Box", CubeGeometry(5, 2));
+    box.tm.pos[0] = 10.0f;
+    const int boxIndex = content.AddNode(box);
+    CNode child;
+    child.name = "Handle";
+    child.parent = boxIndex;
+    content.AddNode(child);
+    CTVOSceneEx scene;
+    ASSERT_TRUE(Build(scene, content));
+
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
+    ASSERT_EQ(scene.nNumNode, 4u);
+    EXPECT_EQ(scene.nNumMeshNode, 2u);
+    EXPECT_STREQ(scene.pNode[0].pszName, "Box-submesh0");
+    EXPECT_EQ(scene.pNode[0].nIdxMaterial, 2); // ascending material id
+    EXPECT_STREQ(scene.pNode[1].pszName, "Box-submesh1");
+    EXPECT_EQ(scene.pNode[1].nIdxMaterial, 5);
+    EXPECT_STREQ(scene.pNode[2].pszName, "Handle");
+    EXPECT_STREQ(scene.pNode[3].pszName, "Box");
+    EXPECT_EQ(scene.pNode[3].nIdx, -1);
+    EXPECT_EQ(scene.pNode[0].nIdxParent, 3);
+    EXPECT_EQ(scene.pNode[1].nIdxParent, 3);
+    EXPECT_EQ(scene.pNode[2].nIdxParent, 3); // content children follow the node that keeps the name
+    EXPECT_EQ(scene.pNode[3].nIdxParent, -1);
+    // The transform stays on Box; the sub-meshes must not apply it a second time.
+    EXPECT_EQ(scene.pNode[3].pfAnimPosition[0], 10.0f);
+    EXPECT_EQ(scene.pNode[0].pfAnimPosition[0], 0.0f);
+    ASSERT_EQ(scene.nNumMesh, 2u);
+    EXPECT_EQ(scene.pMesh[scene.pNode[0].nIdx].nNumFaces, 6u);
+    EXPECT_EQ(scene.pMesh[scene.pNode[1].nIdx].nNumFaces, 6u);
+}
+
+TEST(SceneGen, IdenticalNodesShareOneMeshAndTexturesAreShared)
+{
+    CRecordingLogSink sink;
+    SContent content;
+    content.AddNode(MeshNode("A", CubeGeometry()));
+    CNode b = MeshNode("B", CubeGeometry());
+    b.tm.pos[1] = 3.0f;
+    content.AddNode(b);
+    content.AddNode(MeshNode("C", CubeGeometry(0, 0, 2.0f)));
+    SMaterial m1, m2;
+    m1.opacity = m2.opacity = 1.0f;
+    m1.textures[0] = "wood.png";
+    m2.textures[0] = "stone.png";
+    m2.textures[4] = "wood.png";
+    content.materials = {m1, m2};
+    CTVOSceneEx scene;
+    ASSERT_TRUE(Build(scene, content));
+    ASSERT_EQ(scene.nNumMesh, 2u);
+    EXPECT_EQ(scene.pNode[0].nIdx, 0);
+    EXPECT_EQ(scene.pNode[1].nIdx, 0);
+    EXPECT_EQ(scene.pNode[2].nIdx, 1);
+    EXPECT_EQ(sink.Count("Instancing mesh"), 1);
+    EXPECT_TRUE(sink.Has(eLogInfo, "Instancing mesh"));
+    ASSERT_EQ(scene.nNumTexture, 2u);
+    EXPECT_STREQ(scene.pTexture[0].pszName, "wood.png");
+    EXPECT_EQ(scene.pMaterial[1].nIdxTexture[0], 1);
+    EXPECT_EQ(scene.pMaterial[1].nIdxTexture[4], 0);
+    EXPECT_EQ(scene.pMaterial[1].nIdxTexture[1], -1);
+    EXPECT_TRUE(sink.Has(eLogDetail, "Instancing texture 0\n"));
+}
+
+TEST(SceneGen, NodeOrderLightsCamerasAndTargets)
+{
+    SContent content;
+    CNode cam;
+    cam.name = "Cam";
+    cam.type = eNodeCamera;
+    cam.camera.fov = 0.7f;
+    CNode light;
+    light.name = "Lamp";
+    light.type = eNodeLight;
+    light.light.lightType = eTVOLightSpot;
+    CNode target;
+    target.name = "Target";
+    const int camIndex = content.AddNode(cam);
+    content.AddNode(light);
+    const int targetIndex = content.AddNode(target);
+    content.AddNode(MeshNode("Mesh", CubeGeometry()));
+    CNode hidden = MeshNode("Hidden", CubeGeometry());
+    hidden.type = eNodeJoint; // a joint without bone geometry export is a plain node
+    content.AddNode(hidden);
+    content.nodes[1].light.target = targetIndex;
+    content.nodes[camIndex].camera.target = 77; // names nothing exported: kept as it is
+
+    CRecordingLogSink sink;
+    CTVOSceneEx scene;
+    ASSERT_TRUE(Build(scene, content));
+    ASSERT_EQ(scene.nNumNode, 5u);
+    EXPECT_EQ(scene.nNumMeshNode, 1u);
+    EXPECT_STREQ(scene.pNode[0].pszName, "Mesh");
+    EXPECT_STREQ(scene.pNode[1].pszName, "Lamp"); // mesh-node count + light 0
+    EXPECT_EQ(scene.pNode[1].nIdx, 0);
+    EXPECT_STREQ(scene.pNode[2].pszName, "Cam"); // mesh-node count + light count + camera 0
+    EXPECT_EQ(scene.pNode[2].nIdx, 0);
+    EXPECT_STREQ(scene.pNode[3].pszName, "Target");
+    EXPECT_EQ(scene.pNode[3].nIdx, -1);
+    EXPECT_STREQ(scene.pNode[4].pszName, "Hidden");
+    ASSERT_EQ(scene.nNumLight, 1u);
+    EXPECT_EQ(scene.pLight[0].nIdxTarget, 3);
+    EXPECT_EQ(scene.pLight[0].eType, unsigned(eTVOLightSpot));
+    ASSERT_EQ(scene.nNumCamera, 1u);
+    EXPECT_EQ(scene.pCamera[0].nIdxTarget, 77);
+    EXPECT_EQ(scene.pCamera[0].fFOV, 0.7f);
+
+    // Progress counts built nodes: 40 / 5 a node, with the node's name.
+    ASSERT_EQ(sink.progress.size(), 5u);
+    EXPECT_EQ(sink.progress[0].percent, 0);
+    EXPECT_EQ(sink.progress[0].text, "Mesh");
+    EXPECT_EQ(sink.progress[1].percent, 8);
+    EXPECT_EQ(sink.progress[1].text, "Lamp");
+    EXPECT_EQ(sink.progress[4].percent, 32);
+    EXPECT_EQ(sink.progress[4].text, "Hidden");
+
+    SBuilderSettings bones;
+    bones.bExportBoneGeometry = true;
+    CTVOSceneEx withBones;
+    ASSERT_TRUE(Build(withBones, content, bones));
+    EXPECT_EQ(withBones.nNumMeshNode, 2u);
+    EXPECT_STREQ(withBones.pNode[1].pszName, "Hidden");
+
+    SBuilderSettings noGeometry;
+    noGeometry.bExportGeometry = false;
+    CTVOSceneEx bare;
+    ASSERT_TRUE(Build(bare, content, noGeometry));
+    EXPECT_EQ(bare.nNumMeshNode, 0u);
+    EXPECT_EQ(bare.nNumNode, 4u); // the mesh node is dropped entirely
+    EXPECT_EQ(FindNode(bare, "Mesh"), -1);
+    EXPECT_EQ(bare.nNumMesh, 0u);
+}
+
+TEST(SceneGen, FrameCountAndRate)
+{
+    SContent content;
+    content.info.startFrame = 2;
+    content.info.endFrame = 11;
+    content.info.fps = 25;
+    CNode moving;
+    moving.name = "m";
+    moving.frames.resize(7);
+    content.AddNode(moving);
+    content.AddNode(CNode());
+
+    SBuilderSettings still; // no animation, model space: no frames
+    CTVOSceneEx a;
+    ASSERT_TRUE(Build(a, content, still));
+    EXPECT_EQ(a.nNumFrame, 0u);
+    EXPECT_EQ(a.nFPS, 30u);
+
+    SBuilderSettings anim;
+    anim.bExportAnimations = true;
+    CTVOSceneEx b;
+    ASSERT_TRUE(Build(b, content, anim));
+    EXPECT_EQ(b.nNumFrame, 7u); // lowered to the shortest frames list
+    EXPECT_EQ(b.nFPS, 25u);
+
+    content.nodes[0].frames.clear();
+    SBuilderSettings world;
+    world.bExportModelSpace = false; // flattening needs the frames even without animation
+    CTVOSceneEx c;
+    ASSERT_TRUE(Build(c, content, world));
+    EXPECT_EQ(c.nNumFrame, 10u);
+}
+
+TEST(SceneGen, TransparentMaterialsBlendSourceAlpha)
+{
+    SContent content;
+    SMaterial opaque, half, nan;
+    opaque.name = "opaque";
+    opaque.opacity = 1.0f;
+    opaque.blendSrcRGB = 0x0306;
+    half.opacity = 0.5f;
+    half.diffuse[0] = 0.25f;
+    half.ambient[1] = 0.5f;
+    half.userData = {1, 2};
+    half.effectFile = "fx.xef";
+    nan.opacity = std::numeric_limits<float>::quiet_NaN();
+    content.materials = {opaque, half, nan};
+    CTVOSceneEx scene;
+    ASSERT_TRUE(Build(scene, content));
+    ASSERT_EQ(scene.nNumMaterial, 3u);
+    const STVOMaterial& o = scene.pMaterial[0];
+    EXPECT_STREQ(o.pszName, "opaque");
+    EXPECT_EQ(o.eBlendSrcRGB, 0x0306u);
+    EXPECT_EQ(o.eBlendDstRGB, 0u);
+    EXPECT_EQ(o.nFlags, 0u);
+    const STVOMaterial& h = scene.pMaterial[1];
+    ASSERT_NE(h.pszName, nullptr);
+    EXPECT_STREQ(h.pszName, "");
+    EXPECT_EQ(h.nFlags & 1u, 1u);
+    EXPECT_EQ(h.eBlendSrcRGB, 770u);
+    EXPECT_EQ(h.eBlendSrcA, 770u);
+    EXPECT_EQ(h.eBlendDstRGB, 771u);
+    EXPECT_EQ(h.eBlendDstA, 771u);
+    EXPECT_EQ(h.eBlendOpRGB, 0x8006u);
+    EXPECT_EQ(h.pfMatDiffuse[0], 0.25f);
+    EXPECT_EQ(h.pfMatAmbient[1], 0.5f);
+    EXPECT_STREQ(h.pszEffectFile, "fx.xef");
+    ASSERT_EQ(h.nUserDataSize, 2u);
+    EXPECT_EQ(h.pUserData[1], 2);
+    EXPECT_EQ(scene.pMaterial[2].eBlendDstA, 771u);
+
+    SBuilderSettings none;
+    none.bExportMaterials = false;
+    CTVOSceneEx bare;
+    ASSERT_TRUE(Build(bare, content, none));
+    EXPECT_EQ(bare.nNumMaterial, 0u);
+}
+
+TEST(SceneGen, SkinWithMissingVerticesIsIgnoredAndBadIndicesFail)
+{
+    CRecordingLogSink sink;
+    SContent content;
+    CNode cube = MeshNode("Cube", CubeGeometry());
+    SModifier skin;
+    skin.vertices.resize(3); // not one a position
+    cube.modifiers = {skin};
+    content.AddNode(cube);
+    CTVOSceneEx scene;
+    ASSERT_TRUE(Build(scene, content));
+    EXPECT_TRUE(sink.Has(eLogWarning,
+                         "Warning: Ignoring skinning information as some/all vertices do not have data."));
+    EXPECT_EQ(scene.pMesh[0].sBoneIdx.n, 0u);
+
+    content.nodes[0].geom.faces[3].normal[1] = 1000;
+    CTVOSceneEx bad;
+    EXPECT_FALSE(bad.GenA(&content, SBuilderSettings()));
+    EXPECT_TRUE(sink.Has(eLogError, "Error: 'Cube' has geometry indices out of range."));
+    SBuilderSettings noNormals;
+    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport,
+                                                         false); // the bad normal index is not read then
+    CTVOSceneEx fine;
+    EXPECT_TRUE(fine.GenA(&content, noNormals));
+    content.nodes[0].geom.channels[0].faces.pop_back();
+    CTVOSceneEx badUV;
+    EXPECT_FALSE(badUV.GenA(&content, noNormals));
+}

@@ -1,0 +1,34 @@
+// Scenes exported as header and source at build time, compiled in, and loaded by file name through
+// the memory file system: each must equal the binary export of the same scene.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "GenScene.h" // registers GenScene.tvo; GenSceneSrc.cpp, compiled alongside, GenSceneSrc.tvo
+#include "ModelCompare.h"
+#include "QMXTMemoryFileSystem.h"
+#include "QMXTModelTVO.h"
+
+TEST(GeneratedSource, EmbeddedScenesLoadByNameAndEqualTheBinaryExport)
+{
+    CQMXTModelTVO binary;
+    ASSERT_EQ(binary.ReadFromFile(GENERATED_BINARY), 0);
+    ASSERT_EQ(binary.nNumNode, 4u); // two sub-meshes, the crate above them, the lamp
+    ASSERT_EQ(binary.nNumFrame, 5u);
+
+    for (const char* name : {"GenScene.tvo", "GenSceneSrc.tvo"})
+    {
+        ASSERT_TRUE(CQMXTMemoryFileSystem::GetFile(name)) << name;
+        CQMXTModelTVO embedded;
+        ASSERT_EQ(embedded.ReadFromFile(name), 0) << name;
+        EXPECT_EQ(DescribeModelDifference(binary, embedded), "") << name;
+    }
+    // The registered block starts with the version block and reads in full by its registered size.
+    const void* data = nullptr;
+    uint32_t size = 0;
+    ASSERT_TRUE(CQMXTMemoryFileSystem::GetFile("GenScene.tvo", &data, &size));
+    EXPECT_EQ(std::string(static_cast<const char*>(data) + 8, 10), "AB.TVO.2.0");
+    CQMXTModelTVO fromBlock;
+    EXPECT_EQ(fromBlock.ReadFromMemory(data, size), 0);
+    EXPECT_NE(fromBlock.ReadFromMemory(data, size - 1), 0);
+}

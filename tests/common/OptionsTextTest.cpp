@@ -1,0 +1,328 @@
+// Export options: defaults, the text form and its parser, consistency rules and the operators.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "Options.h"
+#include "OptionsTestSupport.h"
+
+namespace
+{
+const char* const kDefaultText =
+    "bFlipTextureV=0\nbIndexed=1\nbInterleaved=1\nbSortVertices=1\nbTangentSpace=0\nbExportAnimations=0\n"
+    "bIndexAnimations=0\nbExportGeometry=1\nbExportMatrices=0\nbExportMappingChannels=0\nbExportMaterials=1\n"
+    "bExportSkin=0\nbInvertTransparency=0\nbExportModelSpace=1\nbMerge=0\nbUseCustomOptSettings=0\n"
+    "bExportUserData=0\nbUnpackMatrix=0\nbExportBoneGeometry=0\nbAlignData=1\nbDisplayInDravik=0\n"
+    "bUsePostExportCL=0\n"
+    "fTangentSpaceVtxSplit=0.00\n"
+    "eExpFormat=0\ncS=2\neTriSort=1\nePrimType=0\n"
+    "sClPostTarget=\nsClPostArgs=\nsClPostCWD=\nsPathToDravik=\nsMergeSrc=\nsScriptFile=\n"
+    "uiStaticFrame=0\nuiBoneLimit=9\nuiPadDataTo=4\nuiTSUseUVW=0\n"
+    "sVcOptPos.bExport=1\nsVcOptPos.eType=1\nsVcOptPos.nEnable=135\n"
+    "sVcOptNor.bExport=1\nsVcOptNor.eType=1\nsVcOptNor.nEnable=135\n"
+    "sVcOptTan.bExport=1\nsVcOptTan.eType=1\nsVcOptTan.nEnable=135\n"
+    "sVcOptBin.bExport=1\nsVcOptBin.eType=1\nsVcOptBin.nEnable=135\n"
+    "sVcOptCol.bExport=0\nsVcOptCol.eType=5\nsVcOptCol.nEnable=15\n"
+    "sVcOptBoneInd.bExport=1\nsVcOptBoneInd.eType=10\nsVcOptBoneInd.nEnable=15\n"
+    "sVcOptBoneWt.bExport=1\nsVcOptBoneWt.eType=1\nsVcOptBoneWt.nEnable=15\n"
+    "psVcOptUVW[0].bExport=1\npsVcOptUVW[0].eType=1\npsVcOptUVW[0].nEnable=131\n"
+    "psVcOptUVW[1].bExport=0\npsVcOptUVW[1].eType=1\npsVcOptUVW[1].nEnable=131\n"
+    "psVcOptUVW[2].bExport=0\npsVcOptUVW[2].eType=1\npsVcOptUVW[2].nEnable=131\n"
+    "psVcOptUVW[3].bExport=0\npsVcOptUVW[3].eType=1\npsVcOptUVW[3].nEnable=131\n"
+    "psVcOptUVW[4].bExport=0\npsVcOptUVW[4].eType=1\npsVcOptUVW[4].nEnable=131\n"
+    "psVcOptUVW[5].bExport=0\npsVcOptUVW[5].eType=1\npsVcOptUVW[5].nEnable=131\n"
+    "psVcOptUVW[6].bExport=0\npsVcOptUVW[6].eType=1\npsVcOptUVW[6].nEnable=131\n"
+    "psVcOptUVW[7].bExport=0\npsVcOptUVW[7].eType=1\npsVcOptUVW[7].nEnable=131\n";
+
+const int kOptionLines = 22 + 1 + 4 + 6 + 4 + 15 * 3;
+
+using O = COptionsData;
+} // namespace
+
+// Every option set away from its default (custom optimisation settings on, so nothing is derived).
+COptionsData NonDefaultOptions()
+{
+    COptionsData options;
+    for (int i = 0; i < O::eNumBools; ++i)
+        options.SetOption(static_cast<O::EBools>(i), !options.GetOption(static_cast<O::EBools>(i)));
+    options.SetOption(O::eUseCustomOptSettings, true);
+    options.SetOption(O::eTangentSpaceVtxSplit, 0.75f);
+    options.SetOption(O::eExpFormat, eExportFormatSource);
+    options.SetOption(O::eCS, eCoordSystemDirectX);
+    options.SetOption(O::eTriSort, eTriSortD3DX);
+    options.SetOption(O::ePrimType, ePrimTriangleStrips);
+    for (int i = 0; i < O::eNumStrings; ++i)
+        options.SetOption(static_cast<O::EStrings>(i), CQMXTString(("value " + std::to_string(i) + " = x").c_str()));
+    for (int i = 0; i < O::eNumInts; ++i)
+        options.SetOption(static_cast<O::EInts>(i), 100u + i);
+    options.SetOption(O::eStaticFrame, 4000000000u);
+    for (int i = 0; i < O::eNumVectorFormats; ++i)
+    {
+        const auto format = static_cast<O::EVectorFormats>(i);
+        options.SetOption(format, CVectorOpt(i % 2 == 0, static_cast<EQMXTDataType>(2 + i), 0x81u + i % 4));
+    }
+    return options;
+}
+
+TEST(OptionsText, DefaultsAsText)
+{
+    const COptionsData options;
+    EXPECT_STREQ(options.ToString().c_str(), kDefaultText);
+    COptionsData parsed;
+    EXPECT_EQ(parsed.SetFromString(kDefaultText), kOptionLines - O::eNumStrings); // empty values are skipped
+    EXPECT_TRUE(parsed == options);
+    EXPECT_FALSE(parsed != options);
+
+    const CVectorOpt fresh;
+    EXPECT_FALSE(fresh.GetOption(CVectorOpt::eExport));
+    EXPECT_EQ(fresh.GetOption(CVectorOpt::eDataType), EQMXTDataFloat);
+    EXPECT_EQ(fresh.GetOption(CVectorOpt::eEnable), 135u);
+}
+
+TEST(OptionsText, EveryOptionRoundTrips)
+{
+    const COptionsData options = NonDefaultOptions();
+    const std::string text = options.ToString().c_str();
+    EXPECT_NE(text.find("uiStaticFrame=4000000000\n"), std::string::npos);
+    EXPECT_NE(text.find("sClPostArgs=value 1 = x\n"), std::string::npos); // the value keeps its own "="
+    EXPECT_NE(text.find("psVcOptUVW[7].eType=16\n"), std::string::npos);
+    COptionsData parsed;
+    EXPECT_EQ(parsed.SetFromString(text.c_str()), kOptionLines);
+    EXPECT_TRUE(parsed == options) << parsed.ToString().c_str();
+    EXPECT_STREQ(parsed.ToString().c_str(), text.c_str());
+}
+
+TEST(OptionsText, FloatKeepsTwoDecimals)
+{
+    COptionsData options;
+    options.SetOption(O::eTangentSpaceVtxSplit, 0.3456f);
+    EXPECT_NE(std::string(options.ToString().c_str()).find("fTangentSpaceVtxSplit=0.35\n"), std::string::npos);
+    COptionsData parsed;
+    parsed.SetFromString(options.ToString().c_str());
+    EXPECT_FLOAT_EQ(parsed.GetOption(O::eTangentSpaceVtxSplit), 0.35f);
+    options.SetOption(O::eTangentSpaceVtxSplit, -0.125f); // a tie rounds as printf does, to even
+    EXPECT_NE(std::string(options.ToString().c_str()).find("fTangentSpaceVtxSplit=-0.12\n"), std::string::npos);
+
+    EXPECT_EQ(parsed.SetFromString("fTangentSpaceVtxSplit= -0.5e0xyz\n"), 1);
+    EXPECT_FLOAT_EQ(parsed.GetOption(O::eTangentSpaceVtxSplit), -0.5f);
+    EXPECT_EQ(parsed.SetFromString("fTangentSpaceVtxSplit=abc\n"), 1); // atof: no number is 0
+    EXPECT_EQ(parsed.GetOption(O::eTangentSpaceVtxSplit), 0.0f);
+    parsed.SetOption(O::eTangentSpaceVtxSplit, 0.25f);
+    EXPECT_EQ(parsed.SetFromString("fTangentSpaceVtxSplit=nan\nfTangentSpaceVtxSplit=1e99\n"), 0);
+    EXPECT_EQ(parsed.GetOption(O::eTangentSpaceVtxSplit), 0.25f);
+}
+
+TEST(OptionsText, AliasesAndLegacyKeys)
+{
+    struct SCase
+    {
+        const char* text;
+        O::EBools option;
+        bool value;
+    };
+    const SCase cases[] = {
+        {"exportGeom=0", O::eExportGeometry, false},        {"exportControllers=1", O::eExportAnimations, true},
+        {"exportMatrices=1", O::eExportMatrices, true},    {"exportMappingChannel=1", O::eExportMappingChannels, true},
+        {"exportMaterials=0", O::eExportMaterials, false}, {"exportSkin=1", O::eExportSkin, true},
+        {"m_bInvertTransparency=1", O::eInvertTransparency, true},
+        {"exportObjectSpace=0", O::eExportModelSpace, false},
+        {"exportBoneGeometry=1", O::eExportBoneGeometry, true},
+        {"m_bDisplayInDravik=1", O::eDisplayInDravik, true},
+    };
+    for (const SCase& c : cases)
+    {
+        COptionsData options;
+        EXPECT_EQ(options.SetFromString(c.text), 1) << c.text;
+        EXPECT_EQ(options.GetOption(c.option), c.value) << c.text;
+    }
+
+    COptionsData options;
+    EXPECT_EQ(options.SetFromString("bIndexed=0\nbSortVtx=1\n"), 2);
+    EXPECT_TRUE(options.GetOption(O::eSortVertices));
+    EXPECT_EQ(options.SetFromString("m_sMergeSrc=/a b/c.tvo\nm_sScriptFile=s.mel\nstaticFrame=12\ndwBoneLimit=30\n"), 4);
+    EXPECT_STREQ(options.GetOption(O::eMergeSrc).c_str(), "/a b/c.tvo");
+    EXPECT_STREQ(options.GetOption(O::eScriptFile).c_str(), "s.mel");
+    EXPECT_EQ(options.GetOption(O::eStaticFrame), 12u);
+    EXPECT_EQ(options.GetOption(O::eBoneLimit), 30u);
+
+    EXPECT_EQ(options.SetFromString("exportNormals=0\nexportVertexColor=1\n"), 2);
+    EXPECT_FALSE(options.GetOption(O::eVcOptNor, CVectorOpt::eExport));
+    EXPECT_TRUE(options.GetOption(O::eVcOptCol, CVectorOpt::eExport));
+    // Aliases are read, never written.
+    EXPECT_EQ(std::string(options.ToString().c_str()).find("exportGeom"), std::string::npos);
+}
+
+TEST(OptionsText, MasksAreLimitedToTheAllowedComponents)
+{
+    COptionsData options;
+    EXPECT_EQ(options.SetFromString("sVcOptPos.nEnable=255\nsVcOptCol.nEnable=255\npsVcOptUVW[3].nEnable=-1\n"), 3);
+    EXPECT_EQ(options.GetOption(O::eVcOptPos, CVectorOpt::eEnable), 0x8Fu);
+    EXPECT_EQ(options.GetOption(O::eVcOptCol, CVectorOpt::eEnable), 0x0Fu);
+    EXPECT_EQ(options.GetOption(O::eVcOptUVW3, CVectorOpt::eEnable), 0x8Fu);
+    // The same limit holds for every way in: the setters, and assignment of a whole format.
+    options.SetOption(O::eVcOptBoneWt, CVectorOpt::eEnable, 0xFFu);
+    EXPECT_EQ(options.GetOption(O::eVcOptBoneWt, CVectorOpt::eEnable), 0x0Fu);
+    options.SetOption(O::eVcOptBoneInd, CVectorOpt(true, EQMXTDataUnsignedByte, 0x87));
+    EXPECT_EQ(options.GetOption(O::eVcOptBoneInd, CVectorOpt::eEnable), 0x07u);
+    for (int i = 0; i < O::eNumVectorFormats; ++i)
+        EXPECT_EQ(O::AllowedMask(static_cast<O::EVectorFormats>(i)), i >= 4 && i <= 6 ? 0x0Fu : 0x8Fu);
+}
+
+TEST(OptionsText, DataTypesByIdOrName)
+{
+    COptionsData options;
+    EXPECT_EQ(options.SetFromString("sVcOptNor.eType=8\nsVcOptTan.eType=short, normalised\nsVcOptBin.eType=dec3n\n"), 3);
+    EXPECT_EQ(options.GetOption(O::eVcOptNor, CVectorOpt::eDataType), EQMXTDataDEC3N);
+    EXPECT_EQ(options.GetOption(O::eVcOptTan, CVectorOpt::eDataType), EQMXTDataShortNorm);
+    EXPECT_EQ(options.GetOption(O::eVcOptBin, CVectorOpt::eDataType), EQMXTDataDEC3N);
+    // Ids and names that are no vertex data type are refused and not counted.
+    EXPECT_EQ(options.SetFromString("sVcOptPos.eType=0\nsVcOptPos.eType=18\nsVcOptPos.eType=quad\n"), 0);
+    EXPECT_EQ(options.GetOption(O::eVcOptPos, CVectorOpt::eDataType), EQMXTDataFloat);
+    EXPECT_EQ(options.SetFromString("sVcOptPos.bogus=1\nsVcOptNone.bExport=1\nsVcOptPos.=1\n"), 0);
+}
+
+TEST(OptionsText, CustomOptimisationSettingsAreInferredOrApplied)
+{
+    COptionsData options;
+    options.SetFromString("bIndexed=0\nbSortVertices=1\n");
+    EXPECT_TRUE(options.GetOption(O::eUseCustomOptSettings));
+
+    COptionsData strips;
+    strips.SetFromString("ePrimType=1\neTriSort=3\n"); // the automatic choice for strips
+    EXPECT_FALSE(strips.GetOption(O::eUseCustomOptSettings));
+    strips.SetFromString("eTriSort=1\n");
+    EXPECT_TRUE(strips.GetOption(O::eUseCustomOptSettings));
+
+    // Stated in the text: the derived options follow it.
+    COptionsData stated;
+    stated.SetFromString("bUseCustomOptSettings=0\nbIndexed=0\nbSortVertices=1\nePrimType=1\neTriSort=0\n");
+    EXPECT_FALSE(stated.GetOption(O::eUseCustomOptSettings));
+    EXPECT_FALSE(stated.GetOption(O::eSortVertices));
+    EXPECT_EQ(stated.GetOption(O::eTriSort), eTriSortStrips);
+    stated.SetFromString("bUseCustomOptSettings=1\nbSortVertices=1\neTriSort=0\n");
+    EXPECT_TRUE(stated.GetOption(O::eSortVertices));
+    EXPECT_EQ(stated.GetOption(O::eTriSort), eTriSortNone);
+}
+
+TEST(OptionsText, LinesThatAreSkipped)
+{
+    COptionsData options;
+    const COptionsData defaults;
+    EXPECT_EQ(options.SetFromString("bMerge=\n=1\nbMerge\n\n\nunknown=1\nbmerge=1\n bMerge=1\n"), 0);
+    EXPECT_TRUE(options == defaults);
+    // Leading blank lines, CR LF line ends and a last line without a newline.
+    EXPECT_EQ(options.SetFromString("\n\n\nbMerge=1\r\nsClPostArgs=-x \"a b\"\r\nuiPadDataTo=16"), 3);
+    EXPECT_TRUE(options.GetOption(O::eMerge));
+    EXPECT_STREQ(options.GetOption(O::eClPostArgs).c_str(), "-x \"a b\"");
+    EXPECT_EQ(options.GetOption(O::ePadDataTo), 16u);
+    EXPECT_EQ(options.SetFromString(nullptr), 0);
+    // Numbers as atoi reads them, without its overflow; unsigned options take the full 32 bits.
+    EXPECT_EQ(options.SetFromString("uiBoneLimit=  12abc\nuiPadDataTo=99999999999999999999\n"), 2);
+    EXPECT_EQ(options.GetOption(O::eBoneLimit), 12u);
+    EXPECT_EQ(options.GetOption(O::ePadDataTo), 4294967295u);
+    EXPECT_EQ(options.SetFromString("uiPadDataTo=-1\nuiBoneLimit=-99999999999\n"), 2);
+    EXPECT_EQ(options.GetOption(O::ePadDataTo), 4294967295u);
+    EXPECT_EQ(options.GetOption(O::eBoneLimit), 2147483648u);
+}
+
+TEST(OptionsText, LineBreaksInStringsCannotInjectOptions)
+{
+    COptionsData options;
+    options.SetOption(O::eClPostArgs, CQMXTString("a\nbMerge=1\r\nb"));
+    const std::string text = options.ToString().c_str();
+    EXPECT_NE(text.find("sClPostArgs=a bMerge=1  b\n"), std::string::npos);
+    COptionsData parsed;
+    parsed.SetFromString(text.c_str());
+    EXPECT_FALSE(parsed.GetOption(O::eMerge));
+}
+
+TEST(OptionsText, AnyTextParsesWithoutHarm)
+{
+    // Random bytes, random lines built from the option keys, and one huge line.
+    std::mt19937 random(1234);
+    const std::string pieces[] = {"=", "\n", "\r", ".", "sVcOptPos", "bExport", "nEnable", "eType", "bIndexed",
+                                  "exportGeom", "uiBoneLimit", "-", "9999999999", "\0x", "\xff"};
+    for (int round = 0; round < 3000; ++round)
+    {
+        std::string text;
+        const int length = static_cast<int>(random() % 200);
+        for (int i = 0; i < length; ++i)
+            text += round % 2 ? std::string(1, static_cast<char>(random() % 256)) : pieces[random() % 15];
+        COptionsData options;
+        const int count = options.SetFromString(text.c_str());
+        ASSERT_GE(count, 0);
+        ASSERT_LE(static_cast<size_t>(count), text.size());
+        for (int i = 0; i < O::eNumVectorFormats; ++i)
+        {
+            const auto format = static_cast<O::EVectorFormats>(i);
+            ASSERT_EQ(options.GetOption(format, CVectorOpt::eEnable) & ~O::AllowedMask(format), 0u);
+            ASSERT_GT(options.GetOption(format, CVectorOpt::eDataType), EQMXTDataNone);
+            ASSERT_LT(options.GetOption(format, CVectorOpt::eDataType), EQMXTDataTypeCount);
+        }
+        // What ToString writes reads back to the same text.
+        const CQMXTString written = options.ToString();
+        COptionsData again;
+        again.SetFromString(written.c_str());
+        ASSERT_STREQ(again.ToString().c_str(), written.c_str()) << "input: " << text;
+    }
+    COptionsData options;
+    const std::string huge = "sClPostArgs=" + std::string(4u << 20, 'x');
+    EXPECT_EQ(options.SetFromString(huge.c_str()), 1);
+    EXPECT_EQ(options.GetOption(O::eClPostArgs).length(), 4u << 20);
+}
+
+TEST(OptionsOperators, EqualityNoticesEveryOption)
+{
+    // Custom settings on in both, so no option is derived from another; then each line where the
+    // non-default text differs from the default one is applied alone, and must be noticed.
+    COptionsData base;
+    base.SetOption(O::eUseCustomOptSettings, true);
+    const std::string changedText = NonDefaultOptions().ToString().c_str();
+    const std::string baseText = base.ToString().c_str();
+    size_t a = 0, b = 0;
+    int differing = 0;
+    while (a < changedText.size() && b < baseText.size())
+    {
+        const std::string changedLine = changedText.substr(a, changedText.find('\n', a) + 1 - a);
+        const std::string baseLine = baseText.substr(b, baseText.find('\n', b) + 1 - b);
+        a += changedLine.size();
+        b += baseLine.size();
+        if (changedLine == baseLine)
+            continue;
+        ++differing;
+        COptionsData changed(base);
+        ASSERT_EQ(changed.SetFromString(changedLine.c_str()), 1) << changedLine;
+        EXPECT_TRUE(changed != base) << changedLine;
+        EXPECT_FALSE(changed == base) << changedLine;
+    }
+    EXPECT_GE(differing, 70); // every table and every field of the vertex formats took part
+}
+
+TEST(OptionsOperators, AssignmentCopiesEverythingAndDefaultsReset)
+{
+    const COptionsData source = NonDefaultOptions();
+    COptions target;
+    target.m_sPath = "/out/scene.tvo";
+    target.m_nDriverValue = 7;
+    target = source;
+    EXPECT_TRUE(static_cast<const COptionsData&>(target) == source);
+    EXPECT_STREQ(target.m_sPath.c_str(), "/out/scene.tvo"); // only the options part is copied
+
+    target.ConfigDefault();
+    EXPECT_STREQ(target.ToString().c_str(), kDefaultText);
+    EXPECT_STREQ(target.m_sPath.c_str(), "");
+    EXPECT_EQ(target.m_nDriverValue, 0);
+
+    // Without custom settings the derived options follow the primitive type and indexing.
+    COptionsData derived;
+    derived.SetOption(O::ePrimType, ePrimTriangleStrips);
+    derived.SetOption(O::eIndexed, false);
+    derived.HandleOptimisations();
+    EXPECT_EQ(derived.GetOption(O::eTriSort), eTriSortStrips);
+    EXPECT_FALSE(derived.GetOption(O::eSortVertices));
+    derived.SetOption(O::eUseCustomOptSettings, true);
+    derived.SetOption(O::eTriSort, eTriSortNone);
+    derived.HandleOptimisations();
+    EXPECT_EQ(derived.GetOption(O::eTriSort), eTriSortNone);
+}

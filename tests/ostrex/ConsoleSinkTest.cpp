@@ -1,0 +1,112 @@
+// The console log sink: plain lines on a non-terminal, colours and an in-place bar on a terminal,
+// and the levels each verbosity shows.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "ConsoleSink.h"
+#include "Log.h"
+
+namespace
+{
+// A memory stream for the sink; Text() returns what was written so far.
+class CMemoryStream
+{
+  public:
+    CMemoryStream() { m_pFile = open_memstream(&m_pBuffer, &m_size); }
+    ~CMemoryStream()
+    {
+        std::fclose(m_pFile);
+        std::free(m_pBuffer);
+    }
+    std::FILE* File() { return m_pFile; }
+    std::string Text()
+    {
+        std::fflush(m_pFile);
+        return std::string(m_pBuffer, m_size);
+    }
+
+  private:
+    std::FILE* m_pFile = nullptr;
+    char* m_pBuffer = nullptr;
+    size_t m_size = 0;
+};
+
+// Runs one scripted export's messages through a sink.
+std::string RunScript(bool terminal, EVerbosity verbosity)
+{
+    CMemoryStream stream;
+    {
+        CConsoleSink sink(stream.File(), terminal, verbosity);
+        ILogSink* previous = SetLogSink(&sink);
+        ProgressUpdate(0, "Export stage 1");
+        Log(eLogInfo, "Complete");
+        Log(eLogDetail, "\"Box\": pos anim: removed\n");
+        ProgressUpdate(40, "Export stage 2");
+        Log(eLogWarning, "Warning (Tube): Ignoring some bone influences. \nThe maximum is %i.", 4);
+        Log(eLogError, "Failed to write output file");
+        Log(eLogSuccess, "Exported");
+        Log(7, "unknown level");
+        ProgressUpdate(100, "Complete");
+        SetLogSink(previous);
+    }
+    return stream.Text();
+}
+} // namespace
+
+TEST(ConsoleSink, PlainStreamGetsOneLinePerMessageWithoutEscapes)
+{
+    EXPECT_EQ(RunScript(false, eVerbosityNormal),
+              "Complete\n"
+              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+              "Failed to write output file\n"
+              "Exported\n");
+}
+
+TEST(ConsoleSink, VerboseAddsDetailsAndProgressLines)
+{
+    EXPECT_EQ(RunScript(false, eVerbosityVerbose),
+              "[  0%] Export stage 1\n"
+              "Complete\n"
+              "\"Box\": pos anim: removed\n"
+              "[ 40%] Export stage 2\n"
+              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+              "Failed to write output file\n"
+              "Exported\n"
+              "[100%] Complete\n");
+}
+
+TEST(ConsoleSink, QuietShowsErrorsOnly)
+{
+    EXPECT_EQ(RunScript(false, eVerbosityQuiet), "Failed to write output file\n");
+    EXPECT_EQ(RunScript(true, eVerbosityQuiet), "\033[1;31mFailed to write output file\033[0m\n");
+}
+
+TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsTheBar)
+{
+    const std::string out = RunScript(true, eVerbosityNormal);
+    EXPECT_NE(out.find("\033[32mExported\033[0m\n"), std::string::npos);
+    EXPECT_NE(out.find("\033[33mWarning (Tube)"), std::string::npos);
+    EXPECT_NE(out.find("\033[1;31mFailed to write output file\033[0m\n"), std::string::npos);
+    EXPECT_NE(out.find("Complete\n"), std::string::npos);
+    EXPECT_EQ(out.find("\033[32mComplete"), std::string::npos); // level 1 keeps the default colour
+    EXPECT_EQ(out.find("pos anim"), std::string::npos);
+    // The bar is drawn in place and wiped before a message, and its line is ended at 100 %.
+    EXPECT_NE(out.find("\r\033[K[------------------------------]   0% Export stage 1"), std::string::npos);
+    EXPECT_NE(out.find("\r\033[K[############------------------]  40% Export stage 2"), std::string::npos);
+    EXPECT_NE(out.find("\r\033[K[##############################] 100% Complete\n"), std::string::npos);
+    EXPECT_EQ(out.back(), '\n');
+}
+
+TEST(ConsoleSink, OpenBarLineIsEndedWhenTheSinkGoes)
+{
+    CMemoryStream stream;
+    {
+        CConsoleSink sink(stream.File(), true, eVerbosityNormal);
+        sink.OnProgress(75, "Final export stage");
+    }
+    const std::string out = stream.Text();
+    EXPECT_EQ(out, "\r\033[K[######################--------]  75% Final export stage\n");
+}

@@ -1,0 +1,363 @@
+// Export and read back: the sample and a handful of skinned and animated test models are filled,
+// built with skins and animation, written as .tvo and read again. At several frames every triangle
+// of the file, its corners placed by the read scene's world and bone matrices, matches one of the
+// importer's world-space triangles (its skinning applied) and the counts agree; lights and cameras
+// sit where the importer puts them. Frame 0 is the bind pose in the file, so only models whose
+// first animation frame is their bind pose are listed.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <set>
+#include <unordered_map>
+
+#include "AssimpContent.h"
+#include "Log.h"
+#include "Options.h"
+#include "TVO.h"
+#include "TestSupport.h"
+
+namespace
+{
+namespace fs = std::filesystem;
+
+using STriangle = std::array<aiVector3D, 3>;
+
+struct SStats
+{
+    int models = 0, frames = 0, lights = 0, cameras = 0;
+    long triangles = 0, skinnedTriangles = 0;
+    double worst = 0.0; // relative to the scene's size
+};
+
+// A mesh stream's element for vertex v: interleaved streams carry their offset in pData.
+const uint8_t* Element(const STVOMesh& mesh, const CTVOData& s, uint32_t v)
+{
+    const uint8_t* base = mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(s) : s.pData;
+    return base + static_cast<size_t>(v) * s.nStride;
+}
+
+// The index list as triangles of vertex numbers (strips unrolled).
+std::vector<std::array<uint32_t, 3>> Triangles(const STVOMesh& mesh)
+{
+    const uint32_t size = QMXTModelTVODataTypeSize(mesh.sFaces.eType);
+    auto index = [&](uint32_t i)
+    {
+        uint32_t out = 0;
+        QMXTVertexRead(out, mesh.sFaces.pData + static_cast<size_t>(i) * size, mesh.sFaces.eType);
+        return out;
+    };
+    std::vector<std::array<uint32_t, 3>> tris;
+    if (mesh.ePrimitiveType == eTVOIndexedTriangleStrip && mesh.pnStripLength)
+    {
+        uint32_t first = 0;
+        for (uint32_t s = 0; s < mesh.nNumStrips; ++s)
+        {
+            for (uint32_t t = 0; t < mesh.pnStripLength[s]; ++t)
+                tris.push_back({index(first + t), index(first + t + 1), index(first + t + 2)});
+            first += mesh.pnStripLength[s] + 2;
+        }
+    }
+    else
+        for (uint32_t t = 0; t < mesh.nNumFaces; ++t)
+            tris.push_back({index(3 * t), index(3 * t + 1), index(3 * t + 2)});
+    return tris;
+}
+
+// World-space triangles of every mesh node of the read scene at its current frame.
+std::vector<STriangle> ExportedTriangles(CQMXTModelTVO& model, SStats& stats)
+{
+    std::vector<STriangle> out;
+    for (uint32_t n = 0; n < model.nNumMeshNode; ++n)
+    {
+        STVONode& node = model.pNode[n];
+        const STVOMesh& mesh = model.pMesh[node.nIdx];
+        QMXTMATRIXf unpack;
+        std::copy(mesh.mUnpackMatrix, mesh.mUnpackMatrix + 16, unpack.f);
+        const QMXTMATRIXf world = model.GetWorldMatrix(node);
+        const CQMXTBoneBatches& batches = mesh.sBoneBatch;
+        const bool skinned = batches.nBatchCnt > 0 && mesh.sBoneIdx.n > 0 && mesh.sBoneWeight.n > 0;
+        const std::vector<std::array<uint32_t, 3>> tris = Triangles(mesh);
+        uint32_t batch = 0;
+        for (uint32_t t = 0; t < tris.size(); ++t)
+        {
+            while (skinned && batch + 1 < batches.nBatchCnt && batches.pnBatchOffset[batch + 1] <= t)
+                ++batch;
+            STriangle tri;
+            for (int c = 0; c < 3; ++c)
+            {
+                const uint32_t v = tris[t][c];
+                float raw[4];
+                QMXTVertexRead(raw, Element(mesh, mesh.sVertex, v), mesh.sVertex.eType, mesh.sVertex.n);
+                QMXTVECTOR3f p;
+                QMXTTransform(p, {raw[0], raw[1], raw[2]}, unpack);
+                QMXTVECTOR3f w = {0, 0, 0};
+                if (skinned)
+                {
+                    float bones[4], weights[4];
+                    QMXTVertexRead(bones, Element(mesh, mesh.sBoneIdx, v), mesh.sBoneIdx.eType, mesh.sBoneIdx.n);
+                    QMXTVertexRead(weights, Element(mesh, mesh.sBoneWeight, v), mesh.sBoneWeight.eType,
+                                   mesh.sBoneWeight.n);
+                    for (uint32_t b = 0; b < mesh.sBoneIdx.n && b < 4; ++b)
+                    {
+                        if (!(weights[b] > 0.0f))
+                            continue;
+                        const uint32_t slot = static_cast<uint32_t>(bones[b] + 0.5f);
+                        const STVONode& bone =
+                            model.pNode[batches.pnBatches[batch * batches.nBatchBoneMax + slot]];
+                        QMXTVECTOR3f q;
+                        QMXTTransform(q, p, model.GetBoneWorldMatrix(node, bone));
+                        w = {w.x + weights[b] * q.x, w.y + weights[b] * q.y, w.z + weights[b] * q.z};
+                    }
+                }
+                else
+                    QMXTTransform(w, p, world);
+                tri[c] = aiVector3D(w.x, w.y, w.z);
+            }
+            out.push_back(tri);
+            stats.skinnedTriangles += skinned ? 1 : 0;
+        }
+    }
+    return out;
+}
+
+// The importer's world-space triangles of every node the content exports as a mesh.
+std::vector<STriangle> ImporterTriangles(const aiScene& scene, const SContent& content,
+                                         const SAssimpFillResult& fill, const CImporterPose& pose)
+{
+    std::set<const aiNode*> sources;
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+        if (content.nodes[i].type == eNodeMesh && fill.sources[i])
+            sources.insert(fill.sources[i]);
+    std::vector<STriangle> out;
+    for (const aiNode* node : sources)
+    {
+        const std::vector<aiVector3D> corners = ImporterCorners(scene, *node, pose);
+        for (size_t c = 0; c + 2 < corners.size(); c += 3)
+            out.push_back({corners[c], corners[c + 1], corners[c + 2]});
+    }
+    return out;
+}
+
+// Largest distance from a corner of one triangle to the nearest corner of the other, both ways.
+double CornerDistance(const STriangle& a, const STriangle& b)
+{
+    double worst = 0.0;
+    for (int pass = 0; pass < 2; ++pass)
+        for (const aiVector3D& p : pass ? a : b)
+        {
+            double nearest = 1e300;
+            for (const aiVector3D& q : pass ? b : a)
+                nearest = std::min(nearest, static_cast<double>((p - q).Length()));
+            worst = std::max(worst, nearest);
+        }
+    return worst;
+}
+
+// Each exported triangle takes one unused importer triangle within tolerance; a spatial hash of
+// the centroids keeps the search local. Returns the first failure, empty when all match.
+std::string MatchTriangles(const std::vector<STriangle>& got, const std::vector<STriangle>& want, float size,
+                           SStats& stats)
+{
+    if (got.size() != want.size())
+        return "the file has " + std::to_string(got.size()) + " triangles, the importer " +
+               std::to_string(want.size());
+    const double tolerance = 1e-4 * size;
+    const double cell = 4.0 * tolerance;
+    auto key = [&](const aiVector3D& c, int dx, int dy, int dz)
+    {
+        const long long x = static_cast<long long>(std::floor(c.x / cell)) + dx;
+        const long long y = static_cast<long long>(std::floor(c.y / cell)) + dy;
+        const long long z = static_cast<long long>(std::floor(c.z / cell)) + dz;
+        return (x * 73856093LL) ^ (y * 19349663LL) ^ (z * 83492791LL);
+    };
+    auto centroid = [](const STriangle& t) { return (t[0] + t[1] + t[2]) / 3.0f; };
+    std::unordered_multimap<long long, size_t> grid;
+    for (size_t i = 0; i < want.size(); ++i)
+    {
+        if (std::isnan(want[i][0].x) || std::isnan(want[i][1].x) || std::isnan(want[i][2].x))
+            return "the importer gives a vertex more than four influences";
+        grid.emplace(key(centroid(want[i]), 0, 0, 0), i);
+    }
+    std::vector<bool> used(want.size(), false);
+    for (size_t i = 0; i < got.size(); ++i)
+    {
+        const aiVector3D c = centroid(got[i]);
+        size_t found = want.size();
+        double best = tolerance;
+        std::set<long long> seen;
+        for (int dx = -1; dx <= 1; ++dx)
+            for (int dy = -1; dy <= 1; ++dy)
+                for (int dz = -1; dz <= 1; ++dz)
+                {
+                    const long long k = key(c, dx, dy, dz);
+                    if (!seen.insert(k).second)
+                        continue;
+                    auto range = grid.equal_range(k);
+                    for (auto it = range.first; it != range.second; ++it)
+                    {
+                        const double d = used[it->second] ? 1e300 : CornerDistance(got[i], want[it->second]);
+                        if (d <= best)
+                        {
+                            best = d;
+                            found = it->second;
+                        }
+                    }
+                }
+        if (found == want.size())
+        {
+            char text[160];
+            std::snprintf(text, sizeof text, "triangle %zu (%g %g %g) matches none of the importer's", i,
+                          got[i][0].x, got[i][0].y, got[i][0].z);
+            return text;
+        }
+        used[found] = true;
+        stats.worst = std::max(stats.worst, best / size);
+    }
+    stats.triangles += static_cast<long>(got.size());
+    return "";
+}
+
+// Lights and cameras of the read scene against the importer's at the pose's time.
+void CheckLightsAndCameras(const aiScene& scene, CQMXTModelTVO& model, const CImporterPose& pose, float size,
+                           const std::string& where, SStats& stats)
+{
+    for (uint32_t l = 0; l < model.nNumLight; ++l)
+    {
+        const std::string name = model.pNode[model.nNumMeshNode + l].pszName;
+        const aiLight* light = nullptr;
+        for (unsigned k = 0; k < scene.mNumLights && !light; ++k)
+            if (name == scene.mLights[k]->mName.C_Str())
+                light = scene.mLights[k];
+        ASSERT_NE(light, nullptr) << where << name;
+        const aiMatrix4x4& g = pose.Global(name);
+        QMXTVECTOR3f pos, dir;
+        model.GetLight(pos, dir, l);
+        EXPECT_LT((aiVector3D(pos.x, pos.y, pos.z) - g * light->mPosition).Length(), 1e-4f * size) << where << name;
+        if (light->mType != aiLightSource_POINT && light->mDirection.Length() > 0)
+        {
+            const aiVector3D want = (aiMatrix3x3(g) * light->mDirection).Normalize();
+            EXPECT_GT(aiVector3D(dir.x, dir.y, dir.z).Normalize() * want, 0.99999f) << where << name;
+        }
+        ++stats.lights;
+    }
+    aiString format;
+    const bool gltf2 = scene.mMetaData && scene.mMetaData->Get("SourceAsset_Format", format) &&
+                       std::string(format.C_Str()) == "glTF2 Importer";
+    for (uint32_t c = 0; c < model.nNumCamera; ++c)
+    {
+        const std::string name = model.pNode[model.nNumMeshNode + model.nNumLight + c].pszName;
+        const aiCamera* camera = nullptr;
+        for (unsigned k = 0; k < scene.mNumCameras && !camera; ++k)
+            if (name == scene.mCameras[k]->mName.C_Str())
+                camera = scene.mCameras[k];
+        ASSERT_NE(camera, nullptr) << where << name;
+        const aiMatrix4x4& g = pose.Global(name);
+        QMXTVECTOR3f from, to, up;
+        model.GetCamera(from, to, up, c);
+        // glTF 2 cameras sit at their node's origin (the importer repeats the node's translation).
+        const aiVector3D wantFrom = g * (gltf2 ? aiVector3D(0, 0, 0) : camera->mPosition);
+        EXPECT_LT((aiVector3D(from.x, from.y, from.z) - wantFrom).Length(), 1e-4f * size) << where << name;
+        const aiVector3D view = (aiVector3D(to.x, to.y, to.z) - aiVector3D(from.x, from.y, from.z)).Normalize();
+        EXPECT_GT(view * (aiMatrix3x3(g) * camera->mLookAt).Normalize(), 0.99999f) << where << name;
+        ++stats.cameras;
+    }
+}
+
+// Last key time of an animation (its duration when later).
+double LastKey(const aiAnimation& anim)
+{
+    double last = anim.mDuration;
+    for (unsigned c = 0; c < anim.mNumChannels; ++c)
+    {
+        const aiNodeAnim* ch = anim.mChannels[c];
+        for (unsigned k = 0; k < ch->mNumPositionKeys; ++k)
+            last = std::max(last, ch->mPositionKeys[k].mTime);
+        for (unsigned k = 0; k < ch->mNumRotationKeys; ++k)
+            last = std::max(last, ch->mRotationKeys[k].mTime);
+        for (unsigned k = 0; k < ch->mNumScalingKeys; ++k)
+            last = std::max(last, ch->mScalingKeys[k].mTime);
+    }
+    return last;
+}
+
+void CheckRoundTrip(const std::string& file, const std::string& dir, SStats& stats)
+{
+    Assimp::Importer importer;
+    const aiScene* scene = LoadLikeTheCommandLine(importer, file);
+    ASSERT_NE(scene, nullptr) << file << ": " << importer.GetErrorString();
+    SContent content;
+    const SAssimpFillResult fill = FillContentFromAssimp(*scene, SAssimpFillSettings(), content);
+    ASSERT_TRUE(fill.ok) << file << ": " << fill.error;
+
+    CRecordingLogSink log;
+    COptions options;
+    options.SetFromString("bExportAnimations=1\nbExportSkin=1\n");
+    CTVO builder;
+    ASSERT_TRUE(builder.Process(content, options)) << file;
+    const std::string path = dir + "/" + fs::path(file).stem().string() + ".tvo";
+    ASSERT_TRUE(builder.Write(path.c_str(), options, "fidelity", false)) << file;
+    CQMXTModelTVO model;
+    ASSERT_EQ(model.ReadFromFile(path.c_str()), 0) << file;
+
+    const float size = SceneSize(*scene);
+    const aiAnimation* anim = fill.animation >= 0 ? scene->mAnimations[fill.animation] : nullptr;
+    CImporterPose pose(*scene, anim);
+    const int count = content.FrameCount();
+    ASSERT_EQ(static_cast<int>(model.nNumFrame), count) << file;
+    std::vector<int> frames = {0};
+    if (anim && count > 3)
+        frames.insert(frames.end(), {count / 3, (2 * count) / 3, count - 1});
+    const double tps = anim && anim->mTicksPerSecond > 0 ? anim->mTicksPerSecond : 25.0;
+    for (int frame : frames)
+    {
+        pose.At(anim ? std::min(frame * tps / content.info.fps, LastKey(*anim)) : 0.0);
+        model.SetFrame(static_cast<float>(frame));
+        const std::string where = file + " frame " + std::to_string(frame) + ": ";
+        const std::string failure =
+            MatchTriangles(ExportedTriangles(model, stats), ImporterTriangles(*scene, content, fill, pose), size, stats);
+        ASSERT_EQ(failure, "") << where;
+        CheckLightsAndCameras(*scene, model, pose, size, where, stats);
+        ++stats.frames;
+    }
+    ++stats.models;
+}
+} // namespace
+
+TEST(ExportFidelity, ReadBackTrianglesLightsAndCamerasMatchTheImporterAtSeveralFrames)
+{
+    char pattern[] = "/tmp/ostrex-fidelity-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern), nullptr);
+    const std::string dir = pattern;
+    const std::string models = OSTREX_ASSIMP_MODELS;
+    const std::vector<std::string> files = {
+        std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf",
+        models + "/glTF2/simple_skin/simple_skin.gltf",
+        models + "/glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf",
+        models + "/FBX/huesitos.fbx",
+        models + "/FBX/cubes_with_mirroring_and_pivot.fbx",
+        models + "/Collada/box_nested_animation.dae",
+        models + "/Collada/anims_with_full_rotations_between_keys.DAE",
+        models + "/Collada/cameras.dae",
+        models + "/Collada/lights.dae",
+    };
+    SStats stats;
+    for (const std::string& file : files)
+    {
+        CheckRoundTrip(file, dir, stats);
+        if (HasFatalFailure())
+            break;
+    }
+    fs::remove_all(dir);
+    std::cout << "[ fidelity ] " << stats.models << " models, " << stats.frames << " frames, " << stats.triangles
+              << " triangles (" << stats.skinnedTriangles << " through bone batches), " << stats.lights << " lights, "
+              << stats.cameras << " cameras; worst corner error " << stats.worst << " of the scene size\n";
+    EXPECT_EQ(stats.models, static_cast<int>(files.size()));
+    EXPECT_GT(stats.skinnedTriangles, 0);
+    EXPECT_GT(stats.lights, 0);
+    EXPECT_GT(stats.cameras, 0);
+}

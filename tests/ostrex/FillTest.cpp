@@ -1,0 +1,690 @@
+// The Assimp scene filler on scenes built in code: transforms, geometry, materials, skins, lights,
+// cameras, animation, selection and refusals, checked through the scene model's own queries.
+#include <gtest/gtest.h>
+
+#include <assimp/material.h>
+#include <assimp/texture.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "AssimpContent.h"
+#include "AssimpInternal.h"
+#include "Log.h"
+#include "TestSupport.h"
+
+namespace
+{
+const float kPi = 3.14159265f;
+
+aiMatrix4x4 TRS(const aiVector3D& t, const aiQuaternion& r = aiQuaternion(), const aiVector3D& s = {1, 1, 1})
+{
+    return AssimpCompose(s, r, t);
+}
+
+aiQuaternion Turn(const aiVector3D& axis, float angle)
+{
+    return aiQuaternion(aiVector3D(axis).Normalize(), angle);
+}
+
+void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol, const std::string& what)
+{
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(got[i], want[i], tol) << what << ", element " << i;
+}
+
+void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what)
+{
+    EXPECT_NEAR(got.x, want.x, tol) << what;
+    EXPECT_NEAR(got.y, want.y, tol) << what;
+    EXPECT_NEAR(got.z, want.z, tol) << what;
+}
+
+aiVector3D Unit(const aiVector3D& v)
+{
+    return aiVector3D(v).Normalize();
+}
+
+QMXTVECTOR3f UnitQ(const QMXTVECTOR3f& v)
+{
+    QMXTVECTOR3f out;
+    return QMXTMatrixVec3NormalizeF(out, v);
+}
+
+SContent Fill(CSceneKit& kit, const SAssimpFillSettings& settings = {})
+{
+    SContent content;
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    EXPECT_TRUE(r.ok) << r.error;
+    return content;
+}
+
+std::string FillError(CSceneKit& kit, const SAssimpFillSettings& settings = {})
+{
+    SContent content;
+    content.nodes.resize(3); // replaced even on failure
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    EXPECT_FALSE(r.ok);
+    EXPECT_TRUE(content.nodes.empty());
+    return r.error;
+}
+
+unsigned Triangle(CSceneKit& kit, unsigned material = 0)
+{
+    return kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}, material);
+}
+
+aiMaterial* NamedMaterial(const char* name)
+{
+    aiMaterial* m = new aiMaterial;
+    const aiString s(name);
+    m->AddProperty(&s, AI_MATKEY_NAME);
+    return m;
+}
+
+void AddTexture(aiMaterial* m, aiTextureType type, const char* path)
+{
+    const aiString s(path);
+    m->AddProperty(&s, AI_MATKEY_TEXTURE(type, 0));
+}
+} // namespace
+
+TEST(AssimpFill, NodesKeepTreeNamesKindsAndTheImportersWorldMatrices)
+{
+    CSceneKit kit;
+    kit.Root()->mTransformation = TRS({1, 2, 3}, Turn({0, 0, 1}, 0.5f));
+    aiNode* a = kit.AddNode(kit.Root(), "A", TRS({0, 5, 0}, Turn({1, 0, 0}, 1.1f), {2, 0.5f, 3}));
+    aiNode* b = kit.AddNode(a, "B", TRS({-1, 0, 2}, Turn({1, 1, 1}, -2.0f)));
+    aiNode* c = kit.AddNode(b, "C", TRS({0, 0, 1}, Turn({0, 1, 0}, 3.0f), {-1, 2, 1}));
+    kit.AddNode(kit.Root(), "D", TRS({0, 0, 0}, Turn({0, 1, 0}, 0.2f), {0, 1, 1})); // flattened
+    kit.AttachMesh(c, Triangle(kit));
+    kit.AddMaterial(new aiMaterial);
+
+    const SContent content = Fill(kit);
+    ASSERT_EQ(content.nodes.size(), 5u);
+    const char* names[] = {"Root", "A", "B", "C", "D"};
+    const int parents[] = {-1, 0, 1, 2, 0};
+    const int kinds[] = {eNodePlain, eNodePlain, eNodePlain, eNodeMesh, eNodePlain};
+    CContentModel model(content);
+    for (int i = 0; i < 5; ++i)
+    {
+        const CNode& n = content.nodes[i];
+        EXPECT_EQ(n.index, i);
+        EXPECT_EQ(n.name, names[i]);
+        EXPECT_EQ(n.parent, parents[i]);
+        EXPECT_EQ(n.type, kinds[i]);
+        EXPECT_TRUE(n.frames.empty());
+        const aiNode* src = FindNode(kit.Scene(), names[i]);
+        const QMXTMATRIXf local = RowLayout(src->mTransformation);
+        EXPECT_EQ(std::memcmp(n.tm.matrix, local.f, sizeof local.f), 0) << names[i];
+        ExpectMatrixNear(model.World(i), RowLayout(GlobalOf(src)), 1e-4f * 10, names[i]);
+    }
+    EXPECT_EQ(content.info.startFrame, 0);
+    EXPECT_EQ(content.info.endFrame, 0);
+}
+
+TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
+{
+    CSceneKit kit;
+    const unsigned quad =
+        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2, 3}, {0, 1}}, 0);
+    aiMesh& m = kit.Mesh(quad);
+    m.mNormals = new aiVector3D[4]{{0, 0, 1}, {0, 0, 2}, {0, 0, 0}, {0, 0, 1}}; // one unusable
+    m.mTextureCoords[0] = new aiVector3D[4]{{0, 0, 9}, {1, 0, 9}, {1, 1, 9}, {0, 1, 9}};
+    m.mNumUVComponents[0] = 2;
+    m.mTextureCoords[2] = new aiVector3D[4]{{.1f, .2f, .3f}, {.4f, .5f, .6f}, {.7f, .8f, .9f}, {1, 1, 1}};
+    m.mNumUVComponents[2] = 3;
+    m.mColors[0] = new aiColor4D[4]{{1, 0, 0, 1}, {0, 1, 0, 1}, {0, 0, 1, 1}, {1, 1, 1, 0.5f}};
+    const unsigned tri = kit.AddMesh({{0, 0, 1}, {0, 0, 2}, {0, 1, 1}}, {{0, 1, 2}}, 1); // no normals
+    aiNode* geo = kit.AddNode(kit.Root(), "Geo");
+    kit.AttachMesh(geo, quad);
+    kit.AttachMesh(geo, tri);
+    kit.AddMaterial(NamedMaterial("First"));
+    kit.AddMaterial(NamedMaterial("Second"));
+
+    CRecordingLogSink log;
+    const SContent content = Fill(kit);
+    EXPECT_TRUE(
+        log.Has(eLogWarning,
+                "Warning: 'Geo': 1 point and line primitives (or faces with bad indices) are not exported."));
+    const CNode& node = content.nodes[ContentIndex(content, "Geo")];
+    ASSERT_EQ(node.type, eNodeMesh);
+    const SGeomData& g = node.geom;
+    ASSERT_EQ(g.faces.size(), 3u);
+    ASSERT_EQ(g.positions.size(), 9u);
+    ASSERT_EQ(g.normals.size(), 9u);
+    // The quad is split into (0, 1, 2) and (0, 2, 3); every corner has its own entries.
+    const float quadX[] = {0, 1, 1, 0, 1, 0};
+    const float quadY[] = {0, 0, 1, 0, 1, 1};
+    for (int c = 0; c < 6; ++c)
+    {
+        const SFace& f = g.faces[c / 3];
+        EXPECT_EQ(f.pos[c % 3], c);
+        EXPECT_EQ(f.normal[c % 3], c);
+        EXPECT_EQ(g.positions[c].x, quadX[c]);
+        EXPECT_EQ(g.positions[c].y, quadY[c]);
+        ExpectVecNear(g.normals[c], {0, 0, 1}, 1e-6f,
+                      "quad normal " + std::to_string(c)); // normalised, or the face's
+    }
+    ExpectVecNear(g.normals[6], {-1, 0, 0}, 1e-6f, "generated normal"); // (0,0,1)x(0,1,0) of the triangle
+    EXPECT_EQ(content.materials.size(), 2u);
+    EXPECT_EQ(g.faces[0].material, 0);
+    EXPECT_EQ(g.faces[1].material, 0);
+    EXPECT_EQ(g.faces[2].material, 1);
+    EXPECT_EQ(content.materials[1].name, "Second");
+    for (const SFace& f : g.faces)
+        EXPECT_EQ(f.group, -1);
+    // Colours: the quad's corners point at their colours, the triangle has none.
+    ASSERT_EQ(g.colours.size(), 6u);
+    EXPECT_EQ(g.faces[1].colour[2], 5);
+    EXPECT_EQ(g.colours[5].w, 0.5f);
+    EXPECT_EQ(g.faces[2].colour[0], -1);
+    // Channels are compacted (sets 0 and 2), two or three components, zeros for the triangle.
+    ASSERT_EQ(g.channels.size(), 2u);
+    for (const SMappingChannel& ch : g.channels)
+    {
+        ASSERT_EQ(ch.faces.size(), 3u);
+        ASSERT_EQ(ch.uvw.size(), 9u);
+        EXPECT_EQ(ch.faces[2].idx[1], 7);
+        EXPECT_EQ(ch.uvw[7].x, 0.0f);
+    }
+    EXPECT_EQ(g.channels[0].uvw[4].y, 1.0f);
+    EXPECT_EQ(g.channels[0].uvw[4].z, 0.0f);       // two components: w is 0
+    EXPECT_FLOAT_EQ(g.channels[1].uvw[4].z, 0.9f); // corner 4 is vertex 2
+    EXPECT_TRUE(node.modifiers.empty());
+}
+
+TEST(AssimpFill, MissingNormalsAreSmoothedOverCornersAtTheSamePlace)
+{
+    CSceneKit kit;
+    // Two triangles at a right angle sharing an edge, with separate vertices.
+    const unsigned mesh = kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {0, 0, 1}, {1, 0, 0}},
+                                      {{0, 1, 2}, {3, 4, 5}});
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Roof"), mesh);
+    kit.AddMaterial(new aiMaterial);
+    const SContent content = Fill(kit);
+    const SGeomData& g = content.nodes[ContentIndex(content, "Roof")].geom;
+    const float h = std::sqrt(0.5f);
+    ExpectVecNear(g.normals[0], {0, h, h}, 1e-6f, "shared corner");
+    ExpectVecNear(g.normals[1], {0, h, h}, 1e-6f, "shared corner");
+    ExpectVecNear(g.normals[2], {0, 0, 1}, 1e-6f, "own corner");
+    ExpectVecNear(g.normals[4], {0, 1, 0}, 1e-6f, "own corner");
+    ExpectVecNear(g.normals[5], {0, h, h}, 1e-6f, "shared corner");
+}
+
+TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
+{
+    CSceneKit kit;
+    aiMaterial* red = NamedMaterial("Red");
+    const aiColor3D diffuse(1, 0, 0), specular(0.5f, 0.5f, 0.5f), ambient(0.1f, 0.2f, 0.3f);
+    const float shininess = 20.0f, opacity = 0.25f;
+    red->AddProperty(&diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
+    red->AddProperty(&specular, 1, AI_MATKEY_COLOR_SPECULAR);
+    red->AddProperty(&ambient, 1, AI_MATKEY_COLOR_AMBIENT);
+    red->AddProperty(&shininess, 1, AI_MATKEY_SHININESS);
+    AddTexture(red, aiTextureType_DIFFUSE, "C:\\maps\\brick.png");
+    AddTexture(red, aiTextureType_HEIGHT, "textures/bump.jpg");
+    AddTexture(red, aiTextureType_SHININESS, "gloss.png");
+    AddTexture(red, aiTextureType_OPACITY, "*0");
+    AddTexture(red, aiTextureType_EMISSIVE, "*1");
+    aiMaterial* glass = NamedMaterial("Glass");
+    glass->AddProperty(&opacity, 1, AI_MATKEY_OPACITY);
+    AddTexture(glass, aiTextureType_HEIGHT, "h.png");
+    AddTexture(glass, aiTextureType_NORMALS, "n.png");
+    AddTexture(glass, aiTextureType_BASE_COLOR, "base.png");
+    AddTexture(glass, aiTextureType_LIGHTMAP, "*0"); // the same embedded texture again
+    kit.AddMaterial(NamedMaterial("Unused"));
+    kit.AddMaterial(red);
+    kit.AddMaterial(glass);
+    aiTexture* png = new aiTexture;
+    png->mWidth = 5; // compressed: five bytes of file
+    png->mHeight = 0;
+    std::strcpy(png->achFormatHint, "png");
+    png->pcData = new aiTexel[2];
+    std::memcpy(png->pcData, "\x89PNG!", 5);
+    aiTexture* texels = new aiTexture;
+    texels->mWidth = 2;
+    texels->mHeight = 1;
+    texels->pcData = new aiTexel[2];
+    texels->pcData[0] = {10, 20, 30, 40}; // b, g, r, a
+    texels->pcData[1] = {50, 60, 70, 80};
+    texels->mFilename = "glow.bmp";
+    kit.Scene().mNumTextures = 2;
+    kit.Scene().mTextures = new aiTexture* [2] { png, texels };
+    kit.AttachMesh(kit.AddNode(kit.Root(), "X"), Triangle(kit, 1));
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Y"), Triangle(kit, 1));
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Z"), Triangle(kit, 2));
+
+    SAssimpFillSettings settings;
+    settings.texturePrefix = "scene";
+    SContent content;
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    ASSERT_TRUE(r.ok) << r.error;
+    ASSERT_EQ(content.materials.size(), 2u); // added on first use, shared by X and Y
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Y")].geom.faces[0].material, 0);
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Z")].geom.faces[0].material, 1);
+    const SMaterial& m0 = content.materials[0];
+    EXPECT_EQ(m0.name, "Red");
+    EXPECT_EQ(m0.diffuse[0], 1.0f);
+    EXPECT_EQ(m0.specular[1], 0.5f);
+    EXPECT_EQ(m0.ambient[2], 0.3f);
+    EXPECT_EQ(m0.shininess, 20.0f);
+    EXPECT_EQ(m0.opacity, 1.0f);
+    const std::string slots0[] = {"brick.png",      "", "", "", "bump.jpg", "scene_glow.tga", "gloss.png",
+                                  "scene_tex0.png", "", ""};
+    for (int s = 0; s < SMaterial::eTextureSlots; ++s)
+        EXPECT_EQ(m0.textures[s], slots0[s]) << "slot " << s;
+    const SMaterial& m1 = content.materials[1];
+    EXPECT_EQ(m1.opacity, 0.25f);
+    EXPECT_EQ(m1.textures[0], "base.png");
+    EXPECT_EQ(m1.textures[1], "scene_tex0.png");
+    EXPECT_EQ(m1.textures[4], "n.png");
+
+    ASSERT_EQ(r.textures.size(), 2u); // in the order first named: the emissive slot comes first
+    EXPECT_EQ(r.textures[1].fileName, "scene_tex0.png");
+    EXPECT_EQ(std::string(r.textures[1].data.begin(), r.textures[1].data.end()), "\x89PNG!");
+    EXPECT_EQ(r.textures[0].fileName, "scene_glow.tga");
+    const std::vector<uint8_t>& tga = r.textures[0].data;
+    ASSERT_EQ(tga.size(), 18u + 8u);
+    EXPECT_EQ(tga[2], 2);
+    EXPECT_EQ(tga[12], 2);
+    EXPECT_EQ(tga[14], 1);
+    EXPECT_EQ(tga[16], 32);
+    EXPECT_EQ(std::vector<uint8_t>(tga.begin() + 18, tga.end()),
+              (std::vector<uint8_t>{10, 20, 30, 40, 50, 60, 70, 80}));
+}
+
+TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
+{
+    CSceneKit kit;
+    aiNode* arm = kit.AddNode(kit.Root(), "Arm", TRS({0, 0, 5}));
+    aiNode* b1 = kit.AddNode(kit.Root(), "B1", TRS({0, 0, 5}));
+    kit.AddNode(b1, "B2", TRS({0, 2, 0}));
+    for (const char* extra : {"B3", "B4", "B5"})
+        kit.AddNode(kit.Root(), extra, TRS({0, 0, 5}));
+    const unsigned mesh =
+        kit.AddMesh({{1, 0, 0}, {1, 2, 0}, {1, 1, 0}, {0, 0, 0}, {2, 2, 0}}, {{0, 1, 2}, {2, 3, 4}});
+    kit.AttachMesh(arm, mesh);
+    kit.AddMaterial(new aiMaterial);
+    // Offsets: mesh space to bone space at the bind pose (globals before animation).
+    auto offset = [&](const char* bone)
+    { return aiMatrix4x4(GlobalOf(FindNode(kit.Scene(), bone))).Inverse() * GlobalOf(arm); };
+    kit.AddBone(mesh, "B1", offset("B1"), {{0, 1.0f}, {2, 0.5f}, {4, 0.1f}});
+    kit.AddBone(mesh, "B2", offset("B2"), {{1, 1.0f}, {2, 0.5f}, {4, 0.3f}});
+    kit.AddBone(mesh, "B3", offset("B3"), {{4, 0.05f}});
+    kit.AddBone(mesh, "B4", offset("B4"), {{4, 0.2f}});
+    kit.AddBone(mesh, "B5", offset("B5"), {{4, 0.35f}});
+    // The animation moves the bones away from the bind pose already at frame 0.
+    aiAnimation& anim = kit.AddAnimation("Wave", 10, 10);
+    aiNodeAnim& c1 = kit.AddChannel(anim, "B1");
+    c1.mNumPositionKeys = 2;
+    c1.mPositionKeys = new aiVectorKey[2]{{0, {0, 1, 5}}, {10, {3, 1, 5}}};
+    aiNodeAnim& c2 = kit.AddChannel(anim, "B2");
+    c2.mNumRotationKeys = 1;
+    c2.mRotationKeys = new aiQuatKey[1]{{0, Turn({0, 0, 1}, kPi / 2)}};
+    c2.mNumPositionKeys = 1;
+    c2.mPositionKeys = new aiVectorKey[1]{{0, {0, 2, 0}}};
+
+    CRecordingLogSink log;
+    const SContent content = Fill(kit);
+    EXPECT_EQ(
+        log.Count("Warning (Arm): Ignoring some bone influences. \nThe maximum number of bone influences a "
+                  "vertex may have is 4."),
+        1);
+    const int armIndex = ContentIndex(content, "Arm");
+    const CNode& node = content.nodes[armIndex];
+    ASSERT_EQ(node.modifiers.size(), 1u);
+    const SModifier& skin = node.modifiers[0];
+    EXPECT_EQ(skin.name, "Skin");
+    ASSERT_EQ(skin.vertices.size(), node.geom.positions.size());
+    for (const char* joint : {"B1", "B2", "B3", "B4", "B5"})
+        EXPECT_EQ(content.nodes[ContentIndex(content, joint)].type, eNodeJoint) << joint;
+
+    // Importer's skinning at frame 0 (globals with the first keys), with the kept weights.
+    const int b[6] = {-1,
+                      ContentIndex(content, "B1"),
+                      ContentIndex(content, "B2"),
+                      ContentIndex(content, "B3"),
+                      ContentIndex(content, "B4"),
+                      ContentIndex(content, "B5")};
+    const aiMatrix4x4 g1 = TRS({0, 1, 5}), g2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, kPi / 2)),
+                      g5 = TRS({0, 0, 5});
+    const aiMatrix4x4 s1 = g1 * offset("B1"), s2 = g2 * offset("B2"), s5 = g5 * offset("B5");
+    const aiMesh& src = kit.Mesh(mesh);
+    const float t4 = 0.1f + 0.3f + 0.2f + 0.35f;
+    const aiVector3D expected[5] = {s1 * src.mVertices[0], s2 * src.mVertices[1],
+                                    0.5f * (s1 * src.mVertices[2]) + 0.5f * (s2 * src.mVertices[2]),
+                                    GlobalOf(arm) * src.mVertices[3],
+                                    (0.1f * (s1 * src.mVertices[4]) + 0.3f * (s2 * src.mVertices[4]) +
+                                     0.2f * (s5 * src.mVertices[4]) + 0.35f * (s5 * src.mVertices[4])) /
+                                        t4};
+    const unsigned corners[6] = {0, 1, 2, 2, 3, 4};
+    CContentModel model(content);
+    const QMXTMATRIXf world = model.World(armIndex);
+    for (int c = 0; c < 6; ++c)
+    {
+        QMXTVECTOR3f p;
+        QMXTTransform(p, node.geom.positions[c], world);
+        ExpectVecNear(p, expected[corners[c]], 1e-4f, "corner " + std::to_string(c));
+    }
+    EXPECT_EQ(skin.vertices[0].weights.size(), 1u);
+    EXPECT_EQ(skin.vertices[0].weights[0].bone, b[1]);
+    EXPECT_EQ(skin.vertices[1].weights[0].bone, b[2]);
+    ASSERT_EQ(skin.vertices[4].weights.size(), 1u); // no influences: follows the mesh node itself
+    EXPECT_EQ(skin.vertices[4].weights[0].bone, armIndex);
+    EXPECT_EQ(skin.vertices[4].weights[0].weight, 1.0f);
+    const std::vector<CBoneWeight>& four = skin.vertices[5].weights;
+    ASSERT_EQ(four.size(), 4u);
+    EXPECT_EQ(four[2].bone, b[5]); // B5 (0.35) took the place of B3 (0.05)
+    EXPECT_NEAR(four[2].weight, 0.35f / t4, 1e-6f);
+
+    // Later frames: the scene model carries the frame-0 pose along with the bone, as the importer does.
+    const int frame = 5;
+    model.Model().SetFrame(static_cast<float>(frame));
+    const QMXTMATRIXf bone = model.Model().GetBoneWorldMatrix(model.Node(armIndex), model.Node(b[1]));
+    QMXTVECTOR3f p;
+    QMXTTransform(p, node.geom.positions[0], bone);
+    ExpectVecNear(p, TRS({1.5f, 1, 5}) * offset("B1") * src.mVertices[0], 1e-4f, "frame 5");
+}
+
+TEST(AssimpFill, SkinNamingAMissingJointIsReportedAndLeftOut)
+{
+    CSceneKit kit;
+    const unsigned mesh = Triangle(kit);
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Body"), mesh);
+    kit.AddMaterial(new aiMaterial);
+    kit.AddBone(mesh, "Ghost", aiMatrix4x4(), {{0, 1.0f}});
+    CRecordingLogSink log;
+    const SContent content = Fill(kit);
+    EXPECT_TRUE(log.Has(eLogError, "Error: Joint Ghost could not be found for skinning."));
+    const CNode& body = content.nodes[ContentIndex(content, "Body")];
+    ASSERT_EQ(body.modifiers.size(), 1u);
+    for (const SBonedVtx& v : body.modifiers[0].vertices) // the mesh stays rigid with its node
+        EXPECT_EQ(v.weights[0].bone, ContentIndex(content, "Body"));
+    EXPECT_EQ(body.geom.positions[1].x, 1.0f);
+}
+
+TEST(AssimpFill, LightsGiveTheImportersPositionDirectionAndSettings)
+{
+    CSceneKit kit;
+    aiNode* rig = kit.AddNode(kit.Root(), "Rig", TRS({1, 2, 3}, Turn({0, 1, 0}, 0.7f), {2, 2, 2}));
+    kit.AddNode(rig, "Lamp", TRS({0, 1, 0}));
+    kit.AddNode(kit.Root(), "Spot", TRS({4, 0, 0}, Turn({1, 0, 1}, 1.3f)));
+    kit.AddNode(kit.Root(), "Spot.Target", TRS({9, 9, 9}));
+    aiNode* sun = kit.AddNode(kit.Root(), "Sun", TRS({0, 10, 0}, Turn({1, 0, 0}, -0.4f)));
+    kit.AttachMesh(sun, Triangle(kit));
+    kit.AddMaterial(new aiMaterial);
+    aiLight& lamp = kit.AddLight("Lamp", aiLightSource_POINT);
+    lamp.mPosition = {0.5f, 0, 0};
+    lamp.mDirection = {0, 0, -1};
+    lamp.mAttenuationLinear = 0; // no falloff at all
+    lamp.mColorDiffuse = {1, 0.5f, 0.25f};
+    aiLight& spot = kit.AddLight("Spot", aiLightSource_SPOT);
+    spot.mDirection = {1, 0, 0};
+    spot.mUp = {0, 0, 0};
+    spot.mAngleOuterCone = 0.8f;
+    spot.mAttenuationConstant = 1;
+    spot.mAttenuationLinear = 0.1f;
+    spot.mAttenuationQuadratic = 0.01f;
+    aiLight& sunLight = kit.AddLight("Sun", aiLightSource_DIRECTIONAL);
+    sunLight.mDirection = {0, -1, 0};
+    sunLight.mUp = {0, 0, 1};
+    kit.AddLight("Sky", aiLightSource_AMBIENT).mColorAmbient = {0.1f, 0.2f, 0.3f};
+    kit.AddLight("Panel", aiLightSource_AREA);
+    kit.AddLight("Orphan", aiLightSource_POINT);
+
+    CRecordingLogSink log;
+    const SContent content = Fill(kit);
+    EXPECT_TRUE(log.Has(
+        eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
+    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Orphan' has no node; it is not exported."));
+    EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
+
+    CContentModel model(content);
+    int lights = 0;
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+    {
+        const CNode& n = content.nodes[i];
+        if (n.type != eNodeLight)
+            continue;
+        ++lights;
+        const aiLight& src = n.name == "Lamp" ? lamp : (n.name == "Spot" ? spot : sunLight);
+        const aiMatrix4x4 g = GlobalOf(FindNode(kit.Scene(), n.name));
+        QMXTVECTOR3f pos, dir;
+        model.Model().GetLight(pos, dir, static_cast<uint32_t>(model.LightNumber(static_cast<int>(i))));
+        ExpectVecNear(pos, g * src.mPosition, 1e-4f, n.name + " position");
+        ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(g) * src.mDirection), 1e-5f, n.name + " direction");
+    }
+    EXPECT_EQ(lights, 3);
+    const CNode& lampNode = content.nodes[ContentIndex(content, "Lamp")];
+    EXPECT_EQ(lampNode.type, eNodeLight); // a leaf: the node itself
+    EXPECT_EQ(lampNode.light.lightType, eTVOLightPoint);
+    EXPECT_EQ(lampNode.light.colour[1], 0.5f);
+    EXPECT_EQ(lampNode.light.constantAttenuation, 1.0f); // the file had no falloff at all
+    const CNode& spotNode = content.nodes[ContentIndex(content, "Spot")];
+    EXPECT_EQ(spotNode.light.lightType, eTVOLightSpot);
+    EXPECT_EQ(spotNode.light.falloffAngle, 0.8f);
+    EXPECT_EQ(spotNode.light.linearAttenuation, 0.1f);
+    EXPECT_EQ(spotNode.light.target, ContentIndex(content, "Spot.Target"));
+    // A light on a mesh node is a child of it, named after the light.
+    const int sunMesh = ContentIndex(content, "Sun");
+    EXPECT_EQ(content.nodes[sunMesh].type, eNodeMesh);
+    int sunLightNode = -1;
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+        if (content.nodes[i].type == eNodeLight && content.nodes[i].parent == sunMesh)
+            sunLightNode = static_cast<int>(i);
+    ASSERT_GE(sunLightNode, 0);
+    EXPECT_EQ(content.nodes[sunLightNode].name, "Sun");
+    EXPECT_EQ(content.nodes[sunLightNode].light.lightType, eTVOLightDirectional);
+    EXPECT_EQ(content.nodes[sunLightNode].light.target, -1);
+}
+
+TEST(AssimpFill, CamerasGiveTheImportersViewFieldOfViewAndTarget)
+{
+    CSceneKit kit;
+    aiNode* rig = kit.AddNode(kit.Root(), "CamRig", TRS({0, 0, 10}, Turn({1, 0, 0}, 0.3f), {3, 3, 3}));
+    kit.AddNode(rig, "Cam", TRS({1, 0, 0}, Turn({0, 1, 0}, 0.5f)));
+    aiNode* eye = kit.AddNode(kit.Root(), "Eye", TRS({0, 2, 0}));
+    kit.AddNode(eye, "Lens");
+    kit.AddNode(kit.Root(), "Eye.Target", TRS({0, 0, -4}));
+    kit.AddNode(kit.Root(), "Flat");
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Box"), Triangle(kit));
+    kit.AddMaterial(new aiMaterial);
+    aiCamera& cam = kit.AddCamera("Cam");
+    cam.mPosition = {1, 2, 3};
+    cam.mLookAt = {2, 0, 0};
+    cam.mUp = {0, 1, 0.2f}; // not quite perpendicular
+    cam.mHorizontalFOV = 1.2f;
+    cam.mAspect = 1.5f;
+    cam.mClipPlaneNear = 0.5f;
+    cam.mClipPlaneFar = 500;
+    aiCamera& eyeCam = kit.AddCamera("Eye");
+    eyeCam.mLookAt = {0, 0, -1};
+    kit.AddCamera("Flat").mOrthographicWidth = 2;
+
+    CRecordingLogSink log;
+    const SContent content = Fill(kit);
+    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Camera 'Flat' is orthographic; it is not exported."));
+    CContentModel model(content);
+    const int camIndex = ContentIndex(content, "Cam");
+    const CNode& camNode = content.nodes[camIndex];
+    ASSERT_EQ(camNode.type, eNodeCamera);
+    EXPECT_FLOAT_EQ(camNode.camera.fov, 2.0f * std::atan(std::tan(0.6f) / 1.5f));
+    EXPECT_EQ(camNode.camera.nearPlane, 0.5f);
+    EXPECT_EQ(camNode.camera.farPlane, 500.0f);
+    QMXTVECTOR3f from, to, up;
+    const float fov =
+        model.Model().GetCamera(from, to, up, static_cast<uint32_t>(model.CameraNumber(camIndex)));
+    EXPECT_EQ(fov, camNode.camera.fov);
+    const aiMatrix4x4 g = GlobalOf(FindNode(kit.Scene(), "Cam"));
+    const aiVector3D wantFrom = g * cam.mPosition;
+    const aiVector3D wantDir = Unit(aiMatrix3x3(g) * cam.mLookAt);
+    ExpectVecNear(from, wantFrom, 1e-4f, "from");
+    ExpectVecNear(UnitQ({to.x - from.x, to.y - from.y, to.z - from.z}), wantDir, 1e-5f, "view");
+    const aiVector3D upWorld = aiMatrix3x3(g) * cam.mUp;
+    ExpectVecNear(UnitQ(up), Unit(upWorld - wantDir * (upWorld * wantDir)), 1e-5f, "up");
+    // Without a target node one is made ahead of the camera, as far as its look-at vector reaches.
+    const int target = camNode.camera.target;
+    ASSERT_GE(target, 0);
+    EXPECT_EQ(content.nodes[target].name, "Cam.Target");
+    EXPECT_EQ(content.nodes[target].parent, camIndex);
+    const QMXTMATRIXf tw = model.World(target);
+    ExpectVecNear({tw[12], tw[13], tw[14]}, g * (cam.mPosition + cam.mLookAt), 1e-4f, "target");
+    // A camera on a node with children is a child node; an existing ".Target" node is its target.
+    const int eyeIndex = ContentIndex(content, "Eye");
+    EXPECT_EQ(content.nodes[eyeIndex].type, eNodePlain);
+    int eyeCamNode = -1;
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+        if (content.nodes[i].type == eNodeCamera && content.nodes[i].parent == eyeIndex)
+            eyeCamNode = static_cast<int>(i);
+    ASSERT_GE(eyeCamNode, 0);
+    EXPECT_EQ(content.nodes[eyeCamNode].camera.target, ContentIndex(content, "Eye.Target"));
+    ASSERT_GE(ContentIndex(content, "Flat"), 0);
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Flat")].type, eNodePlain);
+}
+
+TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
+{
+    CSceneKit kit;
+    aiNode* mover = kit.AddNode(kit.Root(), "Mover", TRS({5, 5, 5}));
+    kit.AttachMesh(mover, Triangle(kit));
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Still", TRS({1, 0, 0})), Triangle(kit));
+    kit.AddNode(kit.Root(), "Cam");
+    kit.AddCamera("Cam");
+    kit.AddMaterial(new aiMaterial);
+    kit.AddAnimation("Idle", 5, 24);
+    aiAnimation& anim = kit.AddAnimation("Move", 24, 24);
+    aiNodeAnim& ch = kit.AddChannel(anim, "Mover");
+    ch.mNumPositionKeys = 2;
+    ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {24, {24, 0, 0}}};
+    ch.mNumRotationKeys = 2;
+    ch.mRotationKeys = new aiQuatKey[2]{{0, aiQuaternion()}, {24, Turn({0, 1, 0}, kPi / 2)}};
+
+    SAssimpFillSettings settings;
+    settings.animation = "Move";
+    SContent content;
+    SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    ASSERT_TRUE(r.ok) << r.error;
+    EXPECT_EQ(r.animation, 1);
+    EXPECT_EQ(content.info.fps, 24); // the animation's own rate
+    EXPECT_EQ(content.info.endFrame, 24);
+    const int mi = ContentIndex(content, "Mover");
+    ASSERT_EQ(content.nodes[mi].frames.size(), 25u);
+    EXPECT_TRUE(content.nodes[ContentIndex(content, "Still")].frames.empty());
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Cam")].camera.fovFrames.size(), 25u);
+    EXPECT_EQ(content.nodes[mi].tm, content.nodes[mi].frames[0]); // the still transform is frame 0
+    CContentModel model(content);
+    const int frames[] = {0, 6, 12, 24};
+    for (int f : frames)
+    {
+        const aiMatrix4x4 want = TRS({static_cast<float>(f), 0, 0}, Turn({0, 1, 0}, kPi / 2 * f / 24.0f));
+        ExpectMatrixNear(model.World(mi, static_cast<float>(f)), RowLayout(want), 1e-5f * 24,
+                         "frame " + std::to_string(f));
+    }
+
+    settings.animation = "1"; // by index, sampled at a chosen rate
+    settings.fps = 48;
+    r = FillContentFromAssimp(kit.Scene(), settings, content);
+    ASSERT_TRUE(r.ok) << r.error;
+    EXPECT_EQ(content.info.fps, 48);
+    EXPECT_EQ(content.FrameCount(), 49);
+    EXPECT_NEAR(content.nodes[ContentIndex(content, "Mover")].frames[12].pos[0], 6.0f, 1e-5f);
+
+    settings = SAssimpFillSettings(); // the first animation by default
+    r = FillContentFromAssimp(kit.Scene(), settings, content);
+    EXPECT_EQ(r.animation, 0);
+    EXPECT_EQ(content.FrameCount(), 6);
+
+    settings.animation = "Run";
+    EXPECT_EQ(FillError(kit, settings), "no animation 'Run' (the file has 2 animations: 0 'Idle', 1 'Move')");
+    settings.animation = "2";
+    EXPECT_NE(FillError(kit, settings).find("no animation '2'"), std::string::npos);
+}
+
+TEST(AssimpFill, AnimationRateFromTicksAndRefusalOfHugeAnimations)
+{
+    CSceneKit kit;
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Mover"), Triangle(kit));
+    kit.AddMaterial(new aiMaterial);
+    aiAnimation& anim = kit.AddAnimation("Ms", 2000, 1000); // milliseconds: no frame rate of its own
+    aiNodeAnim& ch = kit.AddChannel(anim, "Mover");
+    ch.mNumPositionKeys = 2;
+    ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {2000, {2, 0, 0}}};
+    SContent content = Fill(kit);
+    EXPECT_EQ(content.info.fps, 30);
+    EXPECT_EQ(content.FrameCount(), 61);
+    EXPECT_NEAR(content.nodes[ContentIndex(content, "Mover")].frames[15].pos[0], 0.5f, 1e-5f);
+
+    anim.mDuration = 1e12;
+    ch.mPositionKeys[1].mTime = 1e12;
+    const std::string error = FillError(kit);
+    EXPECT_NE(error.find("the animation 'Ms' is too long to sample"), std::string::npos) << error;
+    EXPECT_NE(error.find("choose a lower --fps"), std::string::npos) << error;
+}
+
+TEST(AssimpFill, SelectionKeepsSubtreesWithAncestorsAsPlainTransforms)
+{
+    CSceneKit kit;
+    aiNode* group = kit.AddNode(kit.Root(), "Group", TRS({0, 3, 0}));
+    kit.AttachMesh(group, Triangle(kit));
+    aiNode* arm = kit.AddNode(group, "Arm", TRS({1, 0, 0}));
+    kit.AttachMesh(arm, Triangle(kit));
+    kit.AttachMesh(kit.AddNode(arm, "Hand"), Triangle(kit));
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Other"), Triangle(kit));
+    kit.AddNode(kit.Root(), "Light");
+    kit.AddLight("Light", aiLightSource_POINT);
+    kit.AddMaterial(new aiMaterial);
+    SAssimpFillSettings settings;
+    settings.selection = {"Arm"};
+    const SContent content = Fill(kit, settings);
+    ASSERT_EQ(content.nodes.size(), 4u);
+    EXPECT_EQ(content.nodes[0].name, "Root");
+    EXPECT_EQ(content.nodes[1].name, "Group");
+    EXPECT_EQ(content.nodes[1].type, eNodePlain);
+    EXPECT_TRUE(content.nodes[1].geom.faces.empty());
+    EXPECT_EQ(content.nodes[2].name, "Arm");
+    EXPECT_EQ(content.nodes[2].type, eNodeMesh);
+    EXPECT_EQ(content.nodes[3].name, "Hand");
+    EXPECT_EQ(content.nodes[3].parent, 2);
+    CContentModel model(content);
+    ExpectMatrixNear(model.World(3), RowLayout(GlobalOf(FindNode(kit.Scene(), "Hand"))), 1e-6f, "Hand");
+
+    settings.selection = {"Arm", "Nobody"};
+    EXPECT_EQ(FillError(kit, settings), "no node named 'Nobody' in the scene");
+}
+
+TEST(AssimpFill, ScenesWithNothingToExportAreRefused)
+{
+    CSceneKit empty;
+    empty.AddNode(empty.Root(), "Lonely");
+    EXPECT_EQ(FillError(empty), "nothing to export: the scene holds no triangles, lights or cameras");
+
+    CSceneKit lines;
+    const unsigned mesh = lines.AddMesh({{0, 0, 0}, {1, 0, 0}}, {{0, 1}});
+    lines.AttachMesh(lines.AddNode(lines.Root(), "Wire"), mesh);
+    lines.AddMaterial(new aiMaterial);
+    CRecordingLogSink log;
+    EXPECT_EQ(FillError(lines), "nothing to export: the scene holds no triangles, lights or cameras");
+    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Mesh 'Wire' has no triangles. Exporting as a dummy node."));
+
+    aiScene rootless;
+    SContent content;
+    EXPECT_EQ(FillContentFromAssimp(rootless, {}, content).error, "the file holds no scene (no root node)");
+    CSceneKit holey; // counts meshes it does not hold
+    holey.AttachMesh(holey.AddNode(holey.Root(), "A"), Triangle(holey));
+    aiMesh** meshes = holey.Scene().mMeshes;
+    holey.Scene().mMeshes = nullptr;
+    EXPECT_EQ(FillError(holey), "the scene is malformed (a list it counts entries in is missing)");
+    holey.Scene().mMeshes = meshes;
+
+    CSceneKit loop; // a node reached twice is not a tree
+    aiNode* a = loop.AddNode(loop.Root(), "A");
+    loop.AttachMesh(a, Triangle(loop));
+    loop.AddMaterial(new aiMaterial);
+    aiNode** children = new aiNode* [2] { a, a };
+    delete[] loop.Root()->mChildren;
+    loop.Root()->mChildren = children;
+    loop.Root()->mNumChildren = 2;
+    EXPECT_EQ(FillError(loop), "the node tree is not a tree (node 'A' is reached twice)");
+    loop.Root()->mNumChildren = 1; // let the scene free the node once
+}

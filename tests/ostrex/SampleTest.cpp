@@ -1,0 +1,174 @@
+// The project's sample scene: the importer reads it, the generator reproduces it, and the filled
+// content keeps the box, the skinned tube (matching the importer's skinning at every checked frame
+// through the scene model's bone matrices), the spot light and the aimed camera.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "AssimpContent.h"
+#include "Log.h"
+#include "TestSupport.h"
+
+namespace
+{
+namespace fs = std::filesystem;
+
+const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
+
+std::string ReadAll(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+class SampleTest : public ::testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        m_scene = LoadLikeTheCommandLine(m_importer, kSample);
+        ASSERT_NE(m_scene, nullptr) << m_importer.GetErrorString();
+        SAssimpFillSettings settings;
+        settings.sceneName = "sample";
+        m_fill = FillContentFromAssimp(*m_scene, settings, m_content);
+        ASSERT_TRUE(m_fill.ok) << m_fill.error;
+    }
+
+    const CNode& Node(const std::string& name) const
+    {
+        return m_content.nodes[ContentIndex(m_content, name)];
+    }
+
+    Assimp::Importer m_importer;
+    const aiScene* m_scene = nullptr;
+    SContent m_content;
+    SAssimpFillResult m_fill;
+};
+
+float Distance(const QMXTVECTOR3f& a, const aiVector3D& b)
+{
+    return (aiVector3D(a.x, a.y, a.z) - b).Length();
+}
+} // namespace
+
+TEST(SampleFiles, GeneratorReproducesTheCommittedSample)
+{
+    char pattern[] = "/tmp/ostrex-sample-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern), nullptr);
+    const std::string dir = pattern;
+    const std::string command =
+        "python3 '" + std::string(OSTREX_SAMPLES_DIR) + "/make_sample.py' '" + dir + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    EXPECT_EQ(ReadAll(dir + "/sample.gltf"), ReadAll(kSample));
+    EXPECT_EQ(ReadAll(dir + "/checker.png"), ReadAll(std::string(OSTREX_SAMPLES_DIR) + "/checker.png"));
+    fs::remove_all(dir);
+}
+
+TEST_F(SampleTest, ImporterSeesEveryPart)
+{
+    EXPECT_EQ(m_scene->mNumMeshes, 2u);
+    EXPECT_EQ(m_scene->mNumLights, 1u);
+    EXPECT_EQ(m_scene->mNumCameras, 1u);
+    ASSERT_EQ(m_scene->mNumAnimations, 1u);
+    EXPECT_STREQ(m_scene->mAnimations[0]->mName.C_Str(), "Bend");
+    EXPECT_EQ(m_scene->mMeshes[1]->mNumBones, 2u);
+}
+
+TEST_F(SampleTest, BoxTubeJointsAndMaterials)
+{
+    EXPECT_EQ(m_content.info.name, "sample");
+    EXPECT_EQ(m_content.info.fps, 30);
+    EXPECT_EQ(m_content.FrameCount(), 61); // two seconds at 30 frames per second
+
+    const CNode& box = Node("Box");
+    EXPECT_EQ(box.type, eNodeMesh);
+    EXPECT_EQ(box.geom.faces.size(), 12u);
+    EXPECT_EQ(box.geom.positions.size(), 36u);
+    ASSERT_EQ(box.geom.channels.size(), 1u);
+    const SMaterial& checker = m_content.materials[box.geom.faces[0].material];
+    EXPECT_EQ(checker.name, "Checker");
+    EXPECT_EQ(checker.textures[0], "checker.png");
+    EXPECT_TRUE(fs::exists(std::string(OSTREX_SAMPLES_DIR) + "/" + checker.textures[0]));
+
+    const CNode& tube = Node("Tube");
+    EXPECT_EQ(tube.type, eNodeMesh);
+    EXPECT_EQ(tube.geom.faces.size(), 8u * 12u * 2u);
+    ASSERT_EQ(tube.modifiers.size(), 1u);
+    EXPECT_EQ(tube.modifiers[0].vertices.size(), tube.geom.positions.size());
+    EXPECT_EQ(m_content.materials[tube.geom.faces[0].material].name, "Copper");
+    EXPECT_EQ(Node("Bone1").type, eNodeJoint);
+    EXPECT_EQ(Node("Bone2").type, eNodeJoint);
+    EXPECT_EQ(Node("Bone2").frames.size(), 61u);
+    EXPECT_TRUE(Node("Box").frames.empty());
+}
+
+TEST_F(SampleTest, SkinnedTubeFollowsTheImportersSkinningAtEveryCheckedFrame)
+{
+    const int tubeIndex = ContentIndex(m_content, "Tube");
+    const CNode& tube = m_content.nodes[tubeIndex];
+    CContentModel model(m_content);
+    CImporterPose pose(*m_scene, m_scene->mAnimations[0]);
+    const float size = SceneSize(*m_scene);
+    float worst = 0.0f;
+    for (int frame : {0, 7, 15, 30, 44, 60})
+    {
+        pose.At(frame * 1000.0 / 30.0); // the animation counts milliseconds
+        const std::vector<aiVector3D> want = ImporterCorners(*m_scene, *m_fill.sources[tubeIndex], pose);
+        ASSERT_EQ(want.size(), tube.geom.positions.size());
+        model.Model().SetFrame(static_cast<float>(frame));
+        for (size_t c = 0; c < want.size(); ++c)
+        {
+            QMXTVECTOR3f p = {0, 0, 0};
+            for (const CBoneWeight& w : tube.modifiers[0].vertices[c].weights)
+            {
+                QMXTVECTOR3f q;
+                QMXTTransform(q, tube.geom.positions[c],
+                              model.Model().GetBoneWorldMatrix(model.Node(tubeIndex), model.Node(w.bone)));
+                p = {p.x + w.weight * q.x, p.y + w.weight * q.y, p.z + w.weight * q.z};
+            }
+            worst = std::max(worst, Distance(p, want[c]) / size);
+        }
+    }
+    EXPECT_LT(worst, 1e-4f);
+    RecordProperty("worst_relative_corner_error", std::to_string(worst));
+}
+
+TEST_F(SampleTest, SpotLightAndCameraAsAuthored)
+{
+    const int spot = ContentIndex(m_content, "Spot");
+    const int camera = ContentIndex(m_content, "Camera");
+    ASSERT_EQ(m_content.nodes[spot].type, eNodeLight);
+    ASSERT_EQ(m_content.nodes[camera].type, eNodeCamera);
+    const SLightData& light = m_content.nodes[spot].light;
+    EXPECT_EQ(light.lightType, eTVOLightSpot);
+    EXPECT_FLOAT_EQ(light.falloffAngle, 1.2f); // the file's 0.6 from the axis is a 1.2 cone
+    EXPECT_FLOAT_EQ(light.colour[1], 0.95f);
+    const SCameraData& cam = m_content.nodes[camera].camera;
+    EXPECT_FLOAT_EQ(cam.fov, 0.8f); // the file's vertical field of view
+    EXPECT_FLOAT_EQ(cam.nearPlane, 0.1f);
+    EXPECT_FLOAT_EQ(cam.farPlane, 100.0f);
+    EXPECT_EQ(cam.target, ContentIndex(m_content, "Camera.Target"));
+    EXPECT_EQ(cam.fovFrames.size(), 61u);
+
+    // Where the generator put them: the light at (-0.5, 4, 2.5) aimed at the box at (-1.5, 0.5, 0),
+    // the camera on its turned rig at (4, 3, 6) aimed at (0, 1, 0) with y up.
+    CContentModel model(m_content);
+    QMXTVECTOR3f pos, dir;
+    model.Model().GetLight(pos, dir, static_cast<uint32_t>(model.LightNumber(spot)));
+    EXPECT_LT(Distance(pos, {-0.5f, 4.0f, 2.5f}), 1e-5f);
+    const aiVector3D toBox = aiVector3D(-1.0f, -3.5f, -2.5f).Normalize();
+    EXPECT_GT(aiVector3D(dir.x, dir.y, dir.z).Normalize() * toBox, 0.999999f);
+    QMXTVECTOR3f from, to, up;
+    model.Model().GetCamera(from, to, up, static_cast<uint32_t>(model.CameraNumber(camera)));
+    EXPECT_LT(Distance(from, {4.0f, 3.0f, 6.0f}), 1e-5f);
+    const aiVector3D toTarget = aiVector3D(-4.0f, -2.0f, -6.0f).Normalize();
+    EXPECT_GT(aiVector3D(to.x - from.x, to.y - from.y, to.z - from.z).Normalize() * toTarget, 0.999999f);
+    EXPECT_NEAR(aiVector3D(up.x, up.y, up.z).Normalize() * toTarget, 0.0f, 1e-5f);
+    EXPECT_GT(up.y, 0.0f);
+}

@@ -1,0 +1,151 @@
+// Profile storage on its own: the list layout, built-in entries, captions with ":" and "/", and
+// listed profiles whose values are missing.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <tinyxml.h>
+
+#include "PrefsTestSupport.h"
+#include "ProfileStore.h"
+#include "QMXPreferences.h"
+
+namespace
+{
+// A stand-in for the export options: one number under prefix + "/Value".
+class CNumber : public CQMXPrefsStorable
+{
+  public:
+    explicit CNumber(int value = 0) : m_iValue(value) {}
+    bool Save(CQMXPreferences& prefs, const char* prefix) const override
+    {
+        return prefs.SetValue((std::string(prefix) + "/Value").c_str(), m_iValue) == eQMXPrefSuccess;
+    }
+    bool Load(CQMXPreferences& prefs, const char* prefix) override
+    {
+        return prefs.GetValue((std::string(prefix) + "/Value").c_str(), m_iValue, m_iValue) != eQMXPrefCriticalError;
+    }
+    int m_iValue;
+};
+
+struct SLoaded
+{
+    std::vector<std::string> captions;
+    std::vector<std::unique_ptr<CNumber>> numbers;
+    std::vector<std::string> messages;
+};
+
+class ProfileStore : public ::testing::Test
+{
+  protected:
+    void SetUp() override
+    {
+        CQMXTString errors;
+        ASSERT_TRUE(prefs.Load(errors));
+    }
+
+    int LoadInto(SLoaded& loaded, CProfileStore& store)
+    {
+        return store.Load(
+            prefs, "Options",
+            [&](const CQMXTString& caption) -> CQMXPrefsStorable* {
+                loaded.captions.push_back(caption.c_str());
+                loaded.numbers.push_back(std::make_unique<CNumber>(-1));
+                return loaded.numbers.back().get();
+            },
+            [&](const CQMXTString& message) { loaded.messages.push_back(message.c_str()); });
+    }
+
+    CTempHome home;
+    CQMXPreferences prefs{"Ostrex"};
+};
+} // namespace
+
+TEST_F(ProfileStore, ListEntriesAndSubtreesInTheFile)
+{
+    const CNumber current(1), defaults(2), first(10), second(20), third(30);
+    CProfileStore store;
+    store.m_sLastImportPath = "/home/u/in";
+    store.m_sLastExportPath = "/home/u/out";
+    ASSERT_TRUE(store.Save(prefs, "Options",
+                           {{"[Current]", &current, true},
+                            {"Mobile: low", &first, false},
+                            {"Default Settings", &defaults, true},
+                            {"a:b:c", &second, false},
+                            {"GLES/2", &third, false}}));
+    EXPECT_FALSE(prefs.IsDirty()); // saved by the store
+
+    TiXmlDocument xml;
+    ASSERT_TRUE(xml.LoadFile(home.PrefsFile("Ostrex").c_str()));
+    const TiXmlElement* options = xml.FirstChildElement("plist")->FirstChildElement("dict")->FirstChildElement("dict");
+    ASSERT_NE(options, nullptr);
+    const TiXmlElement* key = options->FirstChildElement("key");
+    EXPECT_STREQ(key->GetText(), "LastImportPath");
+    EXPECT_STREQ(key->NextSiblingElement()->GetText(), "/home/u/in");
+    const TiXmlElement* custom = options->FirstChildElement("dict");
+    ASSERT_NE(custom, nullptr);
+    const char* entries[] = {"0:Mobile: low", "1:a:b:c", "2:GLES"};
+    int n = 0;
+    const TiXmlElement* list = nullptr;
+    for (const TiXmlElement* k = custom->FirstChildElement("key"); k; k = k->NextSiblingElement("key"))
+    {
+        if (std::string(k->GetText()) == "List")
+            list = k->NextSiblingElement();
+        else
+            EXPECT_STREQ(k->GetText(), entries[n++]);
+    }
+    EXPECT_EQ(n, 3);
+    ASSERT_NE(list, nullptr);
+    ASSERT_STREQ(list->Value(), "array");
+    std::vector<std::string> listed;
+    for (const TiXmlElement* s = list->FirstChildElement(); s; s = s->NextSiblingElement())
+        listed.push_back(s->GetText());
+    EXPECT_EQ(listed, (std::vector<std::string>{"0:Mobile: low", "1:a:b:c", "2:GLES/2"}));
+    const std::string file = ReadWholeFile(home.PrefsFile("Ostrex"));
+    EXPECT_EQ(file.find("Current"), std::string::npos);
+    EXPECT_EQ(file.find("Default Settings"), std::string::npos);
+}
+
+TEST_F(ProfileStore, ProfilesComeBackInOrder)
+{
+    const CNumber first(10), second(20), third(30);
+    CProfileStore store;
+    store.m_sLastImportPath = "/in";
+    ASSERT_TRUE(store.Save(prefs, "Options", {{"Mobile: low", &first}, {"a:b:c", &second}, {"GLES/2", &third}}));
+
+    CProfileStore reloaded;
+    reloaded.m_sLastExportPath = "/kept";
+    SLoaded loaded;
+    EXPECT_EQ(LoadInto(loaded, reloaded), 3);
+    EXPECT_EQ(loaded.captions, (std::vector<std::string>{"Mobile: low", "a:b:c", "GLES/2"}));
+    ASSERT_EQ(loaded.numbers.size(), 3u);
+    EXPECT_EQ(loaded.numbers[0]->m_iValue, 10);
+    EXPECT_EQ(loaded.numbers[1]->m_iValue, 20);
+    EXPECT_EQ(loaded.numbers[2]->m_iValue, 30);
+    EXPECT_TRUE(loaded.messages.empty());
+    EXPECT_STREQ(reloaded.m_sLastImportPath.c_str(), "/in");
+    EXPECT_STREQ(reloaded.m_sLastExportPath.c_str(), ""); // stored empty, so read back empty
+
+    // Saving a shorter list removes the subtrees of the profiles that went.
+    ASSERT_TRUE(store.Save(prefs, "Options", {{"only", &second}}));
+    EXPECT_FALSE(prefs.KeyExists("Options/Custom/1:a:b:c"));
+    EXPECT_TRUE(prefs.KeyExists("Options/Custom/0:only/Value"));
+}
+
+TEST_F(ProfileStore, ListedProfilesWithoutValuesAreSkippedWithAMessage)
+{
+    ASSERT_EQ(prefs.SetValue("Options/Custom/List", std::vector<const char*>{"0:Ghost", "1:Real", "NoNumber", "3:Gone: too"}), 0);
+    ASSERT_EQ(prefs.SetValue("Options/Custom/1:Real/Value", 5), 0);
+    ASSERT_EQ(prefs.SetValue("Options/Custom/NoNumber/Value", 6), 0);
+    CProfileStore store;
+    SLoaded loaded;
+    EXPECT_EQ(LoadInto(loaded, store), 2);
+    EXPECT_EQ(loaded.captions, (std::vector<std::string>{"Real", "NoNumber"}));
+    EXPECT_EQ(loaded.messages, (std::vector<std::string>{"Failed to load profile Ghost. Entry does not exist",
+                                                         "Failed to load profile Gone: too. Entry does not exist"}));
+
+    // No list at all: nothing, and no message.
+    CProfileStore other;
+    EXPECT_EQ(other.Load(prefs, "Elsewhere", nullptr, nullptr), 0);
+    EXPECT_STREQ(CProfileStore::EntryName(12, "x:y").c_str(), "12:x:y");
+    EXPECT_STREQ(CProfileStore::CaptionOf("12:x:y").c_str(), "x:y");
+}

@@ -1,0 +1,154 @@
+// Resource files and the memory file system: disk reads, the read path, memory fall-back, registration
+// (copied or not), lookup order and the release at exit.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "QMXTMemoryFileSystem.h"
+#include "QMXTModelTVO.h"
+#include "QMXTResourceFile.h"
+#include "QMXTSink.h"
+#include "TVOTestScenes.h"
+
+namespace
+{
+void WriteFile(const std::string& path, const std::string& bytes)
+{
+    FILE* f = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(f, nullptr);
+    std::fwrite(bytes.data(), 1, bytes.size(), f);
+    std::fclose(f);
+}
+
+std::string Contents(const CQMXTResourceFile& f)
+{
+    return std::string(static_cast<const char*>(f.DataPtr()), f.Size());
+}
+
+struct SReadPath
+{
+    explicit SReadPath(const std::string& path) { CQMXTResourceFile::SetReadPath(path.c_str()); }
+    ~SReadPath() { CQMXTResourceFile::SetReadPath(""); }
+};
+} // namespace
+
+TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFile)
+{
+    const std::string dir = testing::TempDir();
+    WriteFile(dir + "res-disk.bin", "disk bytes");
+    SReadPath readPath(dir);
+    EXPECT_STREQ(CQMXTResourceFile::GetReadPath(), dir.c_str());
+    {
+        CQMXTResourceFile f("res-disk.bin");
+        ASSERT_TRUE(f.IsOpen());
+        EXPECT_FALSE(f.IsMemoryFile());
+        EXPECT_EQ(Contents(f), "disk bytes");
+    }
+
+    // A disk file of size 0 is not open; a memory file of the same (bare) name is used instead.
+    WriteFile(dir + "res-empty.bin", "");
+    EXPECT_FALSE(CQMXTResourceFile("res-empty.bin").IsOpen());
+    static const char memory[] = "memory bytes";
+    ASSERT_TRUE(CQMXTMemoryFileSystem::RegisterMemoryFile("res-empty.bin", memory, 12));
+    CQMXTResourceFile f("res-empty.bin");
+    ASSERT_TRUE(f.IsOpen());
+    EXPECT_TRUE(f.IsMemoryFile());
+    EXPECT_EQ(f.DataPtr(), memory);
+    f.Close();
+    EXPECT_FALSE(f.IsOpen());
+
+    EXPECT_FALSE(CQMXTResourceFile("res-nowhere.bin").IsOpen());
+    std::remove((dir + "res-disk.bin").c_str());
+    std::remove((dir + "res-empty.bin").c_str());
+}
+
+TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
+{
+    static int releases = 0;
+    static const char bytes[] = "custom";
+    CQMXTResourceFile::SetLoadReleaseFunctions(
+        [](const char* path, const void** data, uint32_t* size) -> void*
+        {
+            if (std::strcmp(path, "custom.bin") != 0)
+                return nullptr;
+            *data = bytes;
+            *size = 6;
+            return const_cast<char*>(bytes);
+        },
+        [](void* handle) { releases += handle == bytes; });
+    {
+        CQMXTResourceFile f("custom.bin");
+        EXPECT_TRUE(f.IsOpen());
+        EXPECT_EQ(Contents(f), "custom");
+    }
+    EXPECT_EQ(releases, 1);
+    CQMXTResourceFile::SetLoadReleaseFunctions(nullptr, nullptr);
+}
+
+TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
+{
+    const uint32_t before = CQMXTMemoryFileSystem::GetNumFiles();
+    static const char first[] = "first", second[] = "second";
+    static CQMXTMemoryFileSystem registerFirst("mfs-twice.bin", first, 5);
+    CQMXTMemoryFileSystem::RegisterMemoryFile("mfs-twice.bin", second, 6);
+
+    // Copies survive the caller's buffers.
+    {
+        std::string name = "mfs-copied.bin", data = "copied data";
+        ASSERT_TRUE(CQMXTMemoryFileSystem::RegisterMemoryFile(name.c_str(), data.data(), 11, true));
+        name[0] = 'X';
+        data[0] = 'X';
+    }
+    const void* data = nullptr;
+    uint32_t size = 0;
+    ASSERT_TRUE(CQMXTMemoryFileSystem::GetFile("mfs-twice.bin", &data, &size));
+    EXPECT_EQ(data, first); // the first registration wins
+    EXPECT_EQ(size, 5u);
+    ASSERT_TRUE(CQMXTMemoryFileSystem::GetFile("mfs-copied.bin", &data, &size));
+    EXPECT_EQ(std::string(static_cast<const char*>(data), size), "copied data");
+    EXPECT_FALSE(CQMXTMemoryFileSystem::GetFile("MFS-TWICE.BIN"));
+
+    // Growth past ten records keeps every earlier record, in order.
+    for (int i = 0; i < 25; ++i)
+        CQMXTMemoryFileSystem::RegisterMemoryFile(("mfs-" + std::to_string(i)).c_str(), first, 5, true);
+    ASSERT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), before + 28);
+    EXPECT_STREQ(CQMXTMemoryFileSystem::GetFilename(before), "mfs-twice.bin");
+    EXPECT_STREQ(CQMXTMemoryFileSystem::GetFilename(before + 2), "mfs-copied.bin");
+    EXPECT_STREQ(CQMXTMemoryFileSystem::GetFilename(before + 27), "mfs-24");
+    EXPECT_EQ(CQMXTMemoryFileSystem::GetFilename(before + 28), nullptr);
+
+    // The at-exit release frees the copies and empties the table (the sanitizer checks the frees).
+    {
+        CQMXTMemoryFileSystem::CAtExit release;
+    }
+    EXPECT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), 0u);
+    EXPECT_FALSE(CQMXTMemoryFileSystem::GetFile("mfs-copied.bin"));
+}
+
+TEST(MemoryFileSystem, RegisteredSceneLoadsByNameLikeADiskFile)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    const std::string disk = testing::TempDir() + "mfs-scene.tvo";
+    ASSERT_EQ(s.SaveTVO(disk.c_str(), "opt=1\n", nullptr), 0);
+    CSinkMemory sink;
+    ASSERT_EQ(s.SaveTVO(sink, "opt=1\n", nullptr), 0);
+    // Registered under its base name, as generated source does (copied here, since the bytes are local).
+    ASSERT_TRUE(CQMXTMemoryFileSystem::RegisterMemoryFile("mfs-embedded.tvo", sink.Data().data(),
+                                                          static_cast<uint32_t>(sink.Data().size()), true));
+
+    CQMXTModelTVO fromDisk, fromMemory;
+    ASSERT_EQ(fromDisk.ReadFromFile(disk.c_str()), 0);
+    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo"), 0);
+    CSinkMemory a, b;
+    ASSERT_EQ(fromDisk.SaveTVO(a), 0);
+    ASSERT_EQ(fromMemory.SaveTVO(b), 0);
+    EXPECT_EQ(a.Data(), b.Data());
+    char options[16] = {};
+    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo", options, sizeof options), 0);
+    EXPECT_STREQ(options, "opt=1\n");
+    EXPECT_EQ(fromMemory.ReadFromFile("mfs-absent.tvo"), 1);
+    std::remove(disk.c_str());
+}

@@ -1,0 +1,568 @@
+// The .tvo file: exact bytes, write -> read -> write identity, the values a read restores, the
+// texts-only reads, and every way a file can be wrong.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "QMXTError.h"
+#include "QMXTModelTVO.h"
+#include "QMXTSink.h"
+#include "QMXTSource.h"
+#include "TVOFileBytes.h"
+#include "TVOTestScenes.h"
+
+using tvotest::CBytes;
+
+namespace
+{
+std::vector<uint8_t> Save(const CQMXTModelTVO& s, const char* options = nullptr,
+                          const char* history = nullptr)
+{
+    CSinkMemory sink;
+    EXPECT_EQ(s.SaveTVO(sink, options, history), 0);
+    return sink.Data();
+}
+
+int Read(CQMXTModelTVO& s, const std::vector<uint8_t>& bytes)
+{
+    return s.ReadFromMemory(bytes.data(), static_cast<uint32_t>(bytes.size()));
+}
+
+// Reads and returns the one-line error the source recorded ("" on success).
+std::string ReadError(const std::vector<uint8_t>& bytes)
+{
+    CSourceStream source;
+    source.Init(bytes.data(), static_cast<uint32_t>(bytes.size()));
+    CQMXTModelTVO s;
+    const int result = s.ReadFromSource(source);
+    EXPECT_EQ(result != 0, source.Failed());
+    return source.DescribeError();
+}
+
+std::string TempPath(const char* name)
+{
+    return testing::TempDir() + name;
+}
+
+struct SCapture
+{
+    std::string text;
+    QMXTErrorSink previous;
+    SCapture()
+    {
+        previous = QMXTSetErrorSink([this](const std::string& t) { text += t; });
+    }
+    ~SCapture() { QMXTSetErrorSink(previous); }
+};
+
+// A scene block with the given count fields (zeros elsewhere) and extra content before its end.
+CBytes Scene(uint32_t nodes, const CBytes& records = CBytes(), uint32_t frames = 0)
+{
+    CBytes b;
+    b.Begin(1001);
+    for (uint32_t tag = 2002; tag <= 2009; ++tag)
+        b.LeafU32(tag, tag == 2005 ? nodes : (tag == 2009 ? frames : 0));
+    b.Append(records);
+    return b.End(1001);
+}
+} // namespace
+
+TEST(TVOFile, GoldenBytesOfVersionOptionsSceneAndOneNode)
+{
+    CQMXTModelTVO s;
+    s.nNumNode = 1;
+    s.pNode = static_cast<STVONode*>(std::calloc(1, sizeof(STVONode)));
+    STVONode& n = s.pNode[0];
+    n.pszName = tvotest::Str("n");
+    n.nIdxMaterial = n.nIdxParent = -1;
+    n.pfAnimPosition = tvotest::Floats(3, 1.0f, 1.0f);
+    ASSERT_EQ(s.InitImpl(), 0);
+
+    // Spelt out byte by byte: tag, length, data, tag | 0x80000000, 0, all little-endian.
+    std::vector<uint8_t> expected = {
+        0xE8, 0x03, 0, 0,    11, 0, 0, 0, 'A', 'B', '.', 'T', 'V',  'O',  '.', '2',  '.', '0', 0, // version
+        0xE8, 0x03, 0, 0x80, 0,  0, 0, 0,                                                         //
+        0xEA, 0x03, 0, 0,    4,  0, 0, 0, 'a', '=', '1', 0,   0xEA, 0x03, 0,   0x80, 0,   0,   0,
+        0,                                // options
+        0xE9, 0x03, 0, 0,    0,  0, 0, 0, // scene
+    };
+    auto leaf = [&expected](uint16_t tag, std::vector<uint8_t> data)
+    {
+        const uint8_t lo = tag & 0xFF, hi = tag >> 8;
+        expected.insert(expected.end(), {lo, hi, 0, 0, static_cast<uint8_t>(data.size()), 0, 0, 0});
+        expected.insert(expected.end(), data.begin(), data.end());
+        expected.insert(expected.end(), {lo, hi, 0, 0x80, 0, 0, 0, 0});
+    };
+    leaf(2000, std::vector<uint8_t>(12, 0));
+    leaf(2001, std::vector<uint8_t>(12, 0));
+    for (uint16_t tag = 2002; tag <= 2009; ++tag)
+        leaf(tag, {static_cast<uint8_t>(tag == 2005 ? 1 : 0), 0, 0, 0});
+    leaf(2016, {0, 0, 0, 0});
+    expected.insert(expected.end(), {0xDD, 0x07, 0, 0, 0, 0, 0, 0}); // node 2013
+    leaf(5000, {0, 0, 0, 0});
+    leaf(5001, {'n', 0});
+    leaf(5002, {0xFF, 0xFF, 0xFF, 0xFF});
+    leaf(5003, {0xFF, 0xFF, 0xFF, 0xFF});
+    leaf(5012, {0, 0, 0, 0});
+    leaf(5007, {0, 0, 0x80, 0x3F, 0, 0, 0, 0x40, 0, 0, 0x40, 0x40}); // 1.0f, 2.0f, 3.0f
+    expected.insert(expected.end(), {0xDD, 0x07, 0, 0x80, 0, 0, 0, 0});
+    expected.insert(expected.end(), {0xE9, 0x03, 0, 0x80, 0, 0, 0, 0});
+
+    EXPECT_EQ(Save(s, "a=1", ""), expected);
+}
+
+TEST(TVOFile, WriteReadWriteIsByteIdenticalForEveryBlock)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    const std::vector<uint8_t> first = Save(s, "bOpt=1\nfScale=2\n", "exported today");
+    CQMXTModelTVO r;
+    ASSERT_EQ(Read(r, first), 0);
+    EXPECT_TRUE(r.IsLoaded());
+    EXPECT_EQ(Save(r, "bOpt=1\nfScale=2\n", "exported today"), first);
+
+    // The same through a disk file.
+    const std::string path = TempPath("rich.tvo");
+    ASSERT_EQ(s.SaveTVO(path.c_str(), "bOpt=1\nfScale=2\n", "exported today"), 0);
+    std::ifstream in(path, std::ios::binary);
+    const std::vector<uint8_t> onDisk((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(onDisk, first);
+    CQMXTModelTVO d;
+    ASSERT_EQ(d.ReadFromFile(path.c_str()), 0);
+    EXPECT_EQ(Save(d, "bOpt=1\nfScale=2\n", "exported today"), first);
+    std::remove(path.c_str());
+}
+
+TEST(TVOFile, InterleavedStreamWithoutComponentsCarriesNoOffset)
+{
+    // Found by fuzzing: an absent stream of an interleaved mesh with a stray offset was written once,
+    // then dropped on the next write.
+    CQMXTModelTVO s;
+    tvotest::MakeBigScene(s, 3, true);
+    QMXTModelTVODataSetOffset(s.pMesh[0].sTangents, 8);
+    const std::vector<uint8_t> first = Save(s);
+    CQMXTModelTVO r;
+    ASSERT_EQ(Read(r, first), 0);
+    EXPECT_EQ(QMXTModelTVODataOffset(r.pMesh[0].sTangents), 0u);
+    EXPECT_EQ(Save(r), first);
+
+    CBytes mesh;
+    const float vertex[3] = {1, 2, 3};
+    mesh.Begin(2012).LeafU32(6000, 1).Leaf(6014, vertex, 12);
+    mesh.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 12).LeafU32(9003, 0).End(6006);
+    mesh.Begin(6007).LeafU32(9003, 4).End(6007).End(2012);
+    CBytes scene;
+    scene.Begin(1001).LeafU32(2004, 1).Append(mesh).End(1001);
+    const CBytes file = CBytes().Version().Append(scene);
+    ASSERT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 0) << ReadError(file.b);
+    EXPECT_EQ(QMXTModelTVODataOffset(r.pMesh[0].sNormals), 0u);
+    const std::vector<uint8_t> again = Save(r);
+    CQMXTModelTVO r2;
+    ASSERT_EQ(Read(r2, again), 0);
+    EXPECT_EQ(Save(r2), again);
+}
+
+TEST(TVOFile, ReadRestoresTheSceneValues)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    CQMXTModelTVO r;
+    ASSERT_EQ(Read(r, Save(s)), 0);
+
+    EXPECT_EQ(r.nNumFrame, 4u);
+    EXPECT_EQ(r.nFPS, 25u);
+    EXPECT_FLOAT_EQ(r.pfColourBackground[2], 0.4f);
+    ASSERT_EQ(r.nUserDataSize, 7u);
+    EXPECT_EQ(std::memcmp(r.pUserData, s.pUserData, 7), 0);
+
+    ASSERT_EQ(r.nNumNode, 8u);
+    EXPECT_STREQ(r.pNode[0].pszName, "MeshA");
+    EXPECT_EQ(r.pNode[0].nIdxParent, 7);
+    EXPECT_EQ(r.pNode[7].nIdxParent, -1);
+    EXPECT_EQ(r.pNode[0].pnAnimPositionIdx[3], 6u);
+    EXPECT_FLOAT_EQ(r.pNode[0].pfAnimPosition[8], 4.0f);
+    EXPECT_FLOAT_EQ(r.pNode[7].pfAnimScale[27], 1.27f);
+    ASSERT_EQ(r.pNode[0].nUserDataSize, 5u);
+    EXPECT_EQ(r.pNode[0].pUserData[4], static_cast<uint8_t>(40 + 4 * 31));
+
+    const STVOMesh& a = r.pMesh[0];
+    ASSERT_NE(a.pInterleaved, nullptr);
+    EXPECT_EQ(a.sVertex.nStride, 44u);
+    EXPECT_EQ(QMXTModelTVODataOffset(a.sNormals), 12u);
+    EXPECT_EQ(QMXTModelTVODataOffset(a.psUVW[1]), 36u);
+    EXPECT_EQ(std::memcmp(a.pInterleaved, s.pMesh[0].pInterleaved, 6 * 44), 0);
+    EXPECT_EQ(a.sBoneBatch.nBatchCnt, 2u);
+    EXPECT_EQ(a.sBoneBatch.pnBatches[3], 3u);
+    EXPECT_EQ(a.ePrimitiveType, static_cast<uint32_t>(eTVOIndexedTriangleList));
+
+    const STVOMesh& b = r.pMesh[1];
+    EXPECT_EQ(b.pInterleaved, nullptr);
+    EXPECT_EQ(b.nNumStrips, 2u);
+    EXPECT_EQ(b.ePrimitiveType, static_cast<uint32_t>(eTVOIndexedTriangleStrip));
+    EXPECT_EQ(std::memcmp(b.sFaces.pData, s.pMesh[1].sFaces.pData, 7 * 4), 0);
+    EXPECT_EQ(b.sBinormals.eType, EQMXTDataDEC3N);
+    EXPECT_EQ(std::memcmp(b.sTangents.pData, s.pMesh[1].sTangents.pData, 15), 0);
+    EXPECT_FLOAT_EQ(b.mUnpackMatrix[12], -3.0f);
+    EXPECT_FLOAT_EQ(r.pMesh[2].mUnpackMatrix[15], 1.0f);
+
+    // Attenuation is stored for point and spot lights only, falloff for spot lights only.
+    EXPECT_FLOAT_EQ(r.pLight[0].fQuadraticAttenuation, 0.25f);
+    EXPECT_FLOAT_EQ(r.pLight[0].fFalloffAngle, 0.0f);
+    EXPECT_FLOAT_EQ(r.pLight[1].fConstantAttenuation, 0.0f);
+    EXPECT_FLOAT_EQ(r.pLight[2].fFalloffExponent, 2.0f);
+    EXPECT_EQ(r.pLight[2].nIdxTarget, 7);
+    ASSERT_NE(r.pCamera[0].pfAnimFOV, nullptr);
+    EXPECT_FLOAT_EQ(r.pCamera[0].pfAnimFOV[3], 0.95f);
+    EXPECT_EQ(r.pCamera[1].pfAnimFOV, nullptr);
+
+    EXPECT_STREQ(r.pMaterial[0].pszEffectFile, "shaders.xef");
+    EXPECT_EQ(r.pMaterial[0].nIdxTexture[eTVOTexBump], 1);
+    EXPECT_EQ(r.pMaterial[1].nIdxTexture[eTVOTexDiffuse], -1);
+    EXPECT_EQ(r.pMaterial[1].pszEffectFile, nullptr);
+    EXPECT_EQ(r.pMaterial[0].nFlags, 3u);
+    EXPECT_STREQ(r.pTexture[1].pszName, "wood_bump.png");
+
+    // The animation queries see the same scene.
+    s.SetFrame(1.5f);
+    r.SetFrame(1.5f);
+    for (uint32_t i = 0; i < 8; ++i)
+        for (int k = 0; k < 16; ++k)
+            EXPECT_EQ(r.GetWorldMatrix(r.pNode[i])[k], s.GetWorldMatrix(s.pNode[i])[k]);
+}
+
+TEST(TVOFile, EmptySceneReadsAndWritesNoFramesPerSecond)
+{
+    CQMXTModelTVO s;
+    s.nFPS = 30; // not written without frames
+    ASSERT_EQ(s.InitImpl(), 0);
+    const std::vector<uint8_t> bytes = Save(s);
+    CQMXTModelTVO r;
+    ASSERT_EQ(Read(r, bytes), 0);
+    EXPECT_EQ(r.nNumNode, 0u);
+    EXPECT_EQ(r.nFPS, 0u);
+
+    // Only the version and an empty scene container.
+    CQMXTModelTVO bare;
+    const CBytes minimal = CBytes().Version().Begin(1001).End(1001);
+    ASSERT_EQ(bare.ReadFromMemory(minimal.Data(), minimal.Size()), 0);
+    EXPECT_TRUE(bare.IsLoaded());
+    EXPECT_EQ(bare.nNumMesh, 0u);
+}
+
+TEST(TVOFile, VersionBlockMustBeExactlyTheElevenByteText)
+{
+    CQMXTModelTVO r;
+    const CBytes good = CBytes().Version().Append(Scene(0));
+    EXPECT_EQ(r.ReadFromMemory(good.Data(), good.Size()), 0);
+    const CBytes longer = CBytes().LeafStr(1000, "AB.TVO.2.0x").Append(Scene(0));
+    EXPECT_EQ(r.ReadFromMemory(longer.Data(), longer.Size()), 1);
+    const CBytes other = CBytes().LeafStr(1000, "AB.TVO.1.0").Append(Scene(0));
+    EXPECT_EQ(r.ReadFromMemory(other.Data(), other.Size()), 1);
+    const CBytes missing = Scene(0);
+    EXPECT_EQ(r.ReadFromMemory(missing.Data(), missing.Size()), 1);
+    EXPECT_NE(ReadError(longer.b).find("version block of 12 bytes"), std::string::npos);
+}
+
+TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    const std::vector<uint8_t> bytes = Save(s, "key=value\n", "history line");
+    const uint32_t n = static_cast<uint32_t>(bytes.size());
+
+    CQMXTModelTVO r;
+    char options[4] = {'-', '-', '-', '-'};
+    ASSERT_EQ(r.ReadFromMemory(bytes.data(), n, options, sizeof options), 0);
+    EXPECT_EQ(std::string(options, 4), "key=");
+    EXPECT_FALSE(r.IsLoaded());
+    EXPECT_EQ(r.nNumNode, 0u);
+
+    char all[64] = {}, history[64] = {};
+    ASSERT_EQ(r.ReadFromMemory(bytes.data(), n, all, sizeof all, history, sizeof history), 0);
+    EXPECT_STREQ(all, "key=value\n");
+    EXPECT_STREQ(history, "history line");
+
+    // A loaded scene stays as it was.
+    ASSERT_EQ(Read(r, bytes), 0);
+    char h[5] = {};
+    ASSERT_EQ(r.ReadFromMemory(bytes.data(), n, nullptr, 0, h, 4), 0);
+    EXPECT_STREQ(h, "hist");
+    EXPECT_EQ(r.nNumNode, 8u);
+}
+
+TEST(TVOFile, HistorySkipFollowsTheOptionsSizeAsItAlwaysDid)
+{
+    // No options block, so after the history the reader goes on looking for the options text. The
+    // rest of the history is skipped only when the options buffer is smaller than the history block.
+    const CBytes file = CBytes().Version().LeafStr(1003, "0123456789abcdef").Append(Scene(0));
+    CQMXTModelTVO r;
+    char options[8], history[4];
+    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size(), options, 8, history, 4),
+              1); // skipped: reaches the scene end
+    EXPECT_EQ(std::string(history, 4), "0123");
+
+    // With an options buffer as large as the block the rest is not skipped: the reader lands inside
+    // the text, reads "4567" "89ab" as a marker and fails on the bogus length.
+    CSourceStream source;
+    source.Init(file.Data(), file.Size());
+    char big[64];
+    EXPECT_EQ(r.ReadFromSource(source, big, sizeof big, history, 4), 1);
+    EXPECT_NE(source.DescribeError().find("block 926299444 (unknown)"), std::string::npos)
+        << source.DescribeError();
+}
+
+TEST(TVOFile, UnknownBlocksAreSkippedAtEveryLevel)
+{
+    const uint8_t junk[5] = {1, 2, 3, 4, 5};
+    CBytes node;
+    node.Begin(2013)
+        .Leaf(5999, junk, 5)
+        .LeafStr(5001, "n")
+        .LeafU32(5003, 0xFFFFFFFF)
+        .Begin(5998)
+        .End(5998)
+        .End(2013);
+    CBytes mesh;
+    mesh.Begin(2012).LeafU32(6000, 3).Leaf(6099, junk, 5);
+    mesh.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 1).LeafU32(9002, 4).Leaf(9099, junk, 3);
+    const float xyz[3] = {1, 2, 3};
+    mesh.Leaf(9003, xyz, 12).End(6006).End(2012);
+    CBytes records;
+    records.Leaf(2099, junk, 5).Append(node).Append(mesh);
+    CBytes scene = Scene(1, records);
+    // One mesh: patch the mesh count (the 2004 leaf is the third count in Scene()).
+    scene.b[8 + 2 * 20 + 8] = 1;
+    const CBytes file = CBytes().Leaf(999, junk, 5).Version().Append(scene).Leaf(1999, junk, 2);
+    CQMXTModelTVO r;
+    ASSERT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 0) << ReadError(file.b);
+    EXPECT_STREQ(r.pNode[0].pszName, "n");
+    ASSERT_EQ(r.nNumMesh, 1u);
+    float read[3];
+    std::memcpy(read, r.pMesh[0].sVertex.pData, 12);
+    EXPECT_FLOAT_EQ(read[2], 3.0f);
+}
+
+TEST(TVOFile, OlderStaticNodeBlocksBecomeChannels)
+{
+    const float pos[3] = {1, 2, 3}, scale[3] = {2, 2, 2};
+    const float anim[4] = {0, 0, 0, 1};
+    CBytes node;
+    node.Begin(2013)
+        .LeafU32(5003, 0xFFFFFFFF)
+        .Leaf(5004, pos, 12)
+        .Leaf(5006, scale, 12)
+        .Leaf(5008, anim, 16)
+        .End(2013);
+    const CBytes file = CBytes().Version().Append(Scene(1, node, 1));
+    CQMXTModelTVO r;
+    ASSERT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 0) << ReadError(file.b);
+    const STVONode& n = r.pNode[0];
+    EXPECT_FLOAT_EQ(n.pfAnimPosition[2], 3.0f);
+    const float expectedScale[7] = {2, 2, 2, 0, 0, 0, 0};
+    EXPECT_EQ(std::memcmp(n.pfAnimScale, expectedScale, sizeof expectedScale), 0);
+    // The rotation had an array of its own: it is marked animated instead of replaced.
+    EXPECT_EQ(n.nAnimationFlags, static_cast<uint32_t>(eTVOHasRotationAnimation));
+    EXPECT_FLOAT_EQ(n.pfAnimRotation[3], 1.0f);
+}
+
+TEST(TVOFile, ByteOrderAndFixedPointAreRefusedWithTheirMessages)
+{
+    SCapture capture;
+    CBytes swapped;
+    swapped.U32(0xE8030000u).U32(0x0B000000u);
+    CQMXTModelTVO r;
+    EXPECT_EQ(r.ReadFromMemory(swapped.Data(), swapped.Size()), 1);
+    EXPECT_EQ(capture.text, "Error: Endianness mismatch between the .tvo file and the platform.\n");
+
+    capture.text.clear();
+    CBytes flags;
+    flags.LeafU32(2016, 1);
+    const CBytes fixed = CBytes().Version().Append(Scene(0, flags));
+    EXPECT_EQ(r.ReadFromMemory(fixed.Data(), fixed.Size()), 1);
+    EXPECT_EQ(capture.text,
+              "Error: The TVO file is in fixed point format but the tools haven't been compiled with "
+              "fixed point enabled.\n");
+}
+
+TEST(TVOFile, CountsMustMatchTheRecordsMet)
+{
+    CBytes node;
+    node.Begin(2013).End(2013);
+    CQMXTModelTVO r;
+    const CBytes fewer = CBytes().Version().Append(Scene(2, node));
+    EXPECT_EQ(r.ReadFromMemory(fewer.Data(), fewer.Size()), 1);
+    EXPECT_NE(ReadError(fewer.b).find("1 nodes for a count of 2"), std::string::npos);
+    CBytes two = node;
+    two.Append(node);
+    const CBytes more = CBytes().Version().Append(Scene(1, two));
+    EXPECT_EQ(r.ReadFromMemory(more.Data(), more.Size()), 1);
+    EXPECT_NE(ReadError(more.b).find("more nodes than their count 1"), std::string::npos);
+    EXPECT_EQ(r.nNumNode, 0u); // a failed read leaves an empty scene
+    EXPECT_EQ(r.pNode, nullptr);
+}
+
+TEST(TVOFile, MeshWithFewerUVWBlocksThanItsCountFails)
+{
+    CBytes mesh;
+    mesh.Begin(2012).LeafU32(6002, 2);
+    mesh.Begin(6010).LeafU32(9000, 1).LeafU32(9001, 2).LeafU32(9002, 8).End(6010).End(2012);
+    CBytes scene;
+    scene.Begin(1001).LeafU32(2004, 1).Append(mesh).End(1001);
+    const CBytes file = CBytes().Version().Append(scene);
+    CQMXTModelTVO r;
+    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 1);
+    EXPECT_NE(
+        ReadError(file.b).find("end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"),
+        std::string::npos)
+        << ReadError(file.b);
+}
+
+TEST(TVOFile, SizesThatDoNotMatchTheCountsFail)
+{
+    auto meshFile = [](const CBytes& fields)
+    {
+        CBytes scene;
+        scene.Begin(1001).LeafU32(2004, 1).Begin(2012).Append(fields).End(2012).End(1001);
+        return CBytes().Version().Append(scene).b;
+    };
+    const uint16_t faces[3] = {0, 1, 5};
+    const float pos[9] = {};
+    CBytes badIndex;
+    badIndex.LeafU32(6000, 3).LeafU32(6001, 1);
+    badIndex.Begin(6003).LeafU32(9000, 3).LeafU32(9001, 1).LeafU32(9002, 2).Leaf(9003, faces, 6).End(6003);
+    EXPECT_NE(ReadError(meshFile(badIndex)).find("index 5 at position 2 is not below the vertex count 3"),
+              std::string::npos);
+
+    CBytes shortStream;
+    shortStream.LeafU32(6000, 4);
+    shortStream.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 12).Leaf(9003, pos, 36).End(6006);
+    EXPECT_NE(ReadError(meshFile(shortStream)).find("positions: 36 bytes of data for 4 vertices of 12 bytes"),
+              std::string::npos);
+
+    CBytes strips;
+    const uint32_t lengths[2] = {2, 2};
+    strips.LeafU32(6001, 3).Leaf(6004, lengths, 8).LeafU32(6005, 2);
+    EXPECT_NE(ReadError(meshFile(strips)).find("strips of 4 triangles for a face count of 3"),
+              std::string::npos);
+
+    CBytes overlap; // normals start inside the positions
+    overlap.LeafU32(6000, 1).Leaf(6014, pos, 24);
+    overlap.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 24).LeafU32(9003, 0).End(6006);
+    overlap.Begin(6007).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 24).LeafU32(9003, 8).End(6007);
+    EXPECT_NE(ReadError(meshFile(overlap)).find("interleaved streams that overlap"), std::string::npos);
+
+    // Animation keys must cover every frame the node claims to be animated for.
+    CBytes node;
+    node.Begin(2013).LeafU32(5012, eTVOHasPositionAnimation).Leaf(5007, pos, 24).End(2013);
+    const CBytes file = CBytes().Version().Append(Scene(1, node, 3));
+    EXPECT_NE(ReadError(file.b).find("node 0: 6 position floats where the animation needs 9"),
+              std::string::npos);
+}
+
+TEST(TVOFile, HugeCountsAndLengthsInATinyFileFailBeforeAllocating)
+{
+    CQMXTModelTVO r;
+    // 20 bytes claiming four billion nodes.
+    CBytes count;
+    count.Begin(1001).LeafU32(2005, 0xFFFFFFFF);
+    count.b.resize(20);
+    EXPECT_EQ(r.ReadFromMemory(count.Data(), count.Size()), 1);
+    CBytes full = CBytes().Version();
+    full.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
+    EXPECT_NE(ReadError(full.b).find("268435456 records cannot fit in the 16 bytes left"), std::string::npos);
+
+    // A leaf claiming almost 4 GiB of user data.
+    CBytes length = CBytes().Version();
+    length.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0);
+    EXPECT_NE(ReadError(length.b).find("unexpected end of data (4294967280 bytes needed, 4 left)"),
+              std::string::npos);
+}
+
+TEST(TVOFile, EveryTruncatedPrefixFailsCleanly)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    const std::vector<uint8_t> bytes = Save(s, "opts", "hist");
+    for (size_t n = 0; n < bytes.size(); ++n)
+    {
+        CQMXTModelTVO r;
+        // A copy of exactly n bytes, so the sanitizer sees any read past the prefix.
+        std::vector<uint8_t> prefix(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
+        ASSERT_EQ(r.ReadFromMemory(prefix.empty() ? bytes.data() : prefix.data(), static_cast<uint32_t>(n)),
+                  1)
+            << "prefix of " << n << " bytes";
+        ASSERT_FALSE(r.IsLoaded());
+    }
+    CQMXTModelTVO r;
+    EXPECT_EQ(Read(r, bytes), 0);
+}
+
+TEST(TVOFile, ErrorNamesTheByteOffsetAndTheBlock)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    std::vector<uint8_t> bytes = Save(s);
+    bytes.resize(bytes.size() - 100);
+    const std::string error = ReadError(bytes);
+    EXPECT_EQ(error.rfind("byte ", 0), 0u) << error;
+    EXPECT_NE(error.find(", block 2013 (node) in 1001 (scene): "), std::string::npos) << error;
+    EXPECT_NE(error.find("unexpected end of data"), std::string::npos) << error;
+}
+
+TEST(TVOFile, WriterStopsAtTheFirstFailedWriteAndLeavesNoFile)
+{
+    class CFailingSink : public CSink
+    {
+      public:
+        int calls = 0;
+        bool Write(const void*, size_t) override
+        {
+            ++calls;
+            return false;
+        }
+    } failing;
+    CQMXTModelTVO s;
+    tvotest::MakeBigScene(s, 20000, false); // several buffers' worth
+    EXPECT_EQ(s.SaveTVO(failing), 1);
+    EXPECT_EQ(failing.calls, 1);
+
+    const std::string path = TempPath("no-such-dir/x.tvo");
+    EXPECT_EQ(s.SaveTVO(path.c_str()), 1);
+
+    // An interleaved layout whose streams overlap cannot be written.
+    CQMXTModelTVO bad;
+    tvotest::MakeBigScene(bad, 3, true);
+    QMXTModelTVODataSetOffset(bad.pMesh[0].sNormals, 4);
+    CSinkMemory sink;
+    EXPECT_EQ(bad.SaveTVO(sink), 1);
+    const std::string file = TempPath("bad.tvo");
+    EXPECT_EQ(bad.SaveTVO(file.c_str()), 1);
+    EXPECT_EQ(std::fopen(file.c_str(), "rb"), nullptr);
+    EXPECT_EQ(std::fopen((file + ".tmp").c_str(), "rb"), nullptr);
+}
+
+TEST(TVOFile, ShallowAndDeepCopiesOfASceneRecord)
+{
+    CQMXTModelTVO source;
+    tvotest::MakeRichScene(source);
+    const std::vector<uint8_t> bytes = Save(source);
+    {
+        CQMXTModelTVO shallow;
+        ASSERT_EQ(shallow.ReadFromMemory(static_cast<const STVOScene&>(source)), 0);
+        EXPECT_TRUE(shallow.IsCallerOwned());
+        EXPECT_EQ(shallow.pNode, source.pNode); // the same arrays; destroying it frees none of them
+    }
+    CQMXTModelTVO deep;
+    ASSERT_EQ(deep.CopyFromMemory(source), 0);
+    EXPECT_FALSE(deep.IsCallerOwned());
+    EXPECT_NE(deep.pNode, source.pNode);
+    EXPECT_NE(deep.pMesh[0].pInterleaved, source.pMesh[0].pInterleaved);
+    EXPECT_EQ(Save(deep), bytes);
+    // Values the file leaves out are copied too.
+    EXPECT_FLOAT_EQ(deep.pLight[1].fConstantAttenuation, 1.0f);
+}

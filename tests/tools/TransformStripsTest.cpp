@@ -1,0 +1,140 @@
+// Strips to list and back, and reordering of triangle corners.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "QMXTModelTVOTransform.h"
+#include "TransformFixtures.h"
+
+namespace
+{
+void SetList(STVOMesh& m, const std::vector<uint32_t>& idx, uint32_t type = EQMXTDataUnsignedShort)
+{
+    m.nNumVertex = 1 + *std::max_element(idx.begin(), idx.end());
+    m.nNumFaces = static_cast<uint32_t>(idx.size() / 3);
+    m.sFaces = MakeIndices(type, idx);
+}
+
+std::vector<uint32_t> Lengths(const STVOMesh& m)
+{
+    return std::vector<uint32_t>(m.pnStripLength, m.pnStripLength + m.nNumStrips);
+}
+
+// A list that strips well: a zig-zag band of quads, written as the hardware draws a strip.
+std::vector<uint32_t> Band(uint32_t triangles)
+{
+    std::vector<uint32_t> idx;
+    for (uint32_t k = 0; k < triangles; ++k)
+    {
+        const Tri t = k % 2 ? Tri{k + 1, k, k + 2} : Tri{k, k + 1, k + 2};
+        idx.insert(idx.end(), t.begin(), t.end());
+    }
+    return idx;
+}
+} // namespace
+
+TEST(TransformStrips, StripsBecomeAListInTheFixedCornerOrder)
+{
+    SMeshHolder h;
+    STVOMesh& m = h.mesh();
+    SetList(m, {0, 1, 2, 3, 4, 7, 8, 9});
+    m.nNumFaces = 4;
+    m.nNumStrips = 2;
+    m.pnStripLength = HeapCopy(std::vector<uint32_t>{3, 1});
+    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+    EXPECT_EQ(m.nNumStrips, 0u);
+    EXPECT_EQ(m.pnStripLength, nullptr);
+    EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{0, 1, 2, 2, 1, 3, 3, 2, 4, 7, 8, 9}));
+}
+
+TEST(TransformStrips, ListBecomesStripsThatDrawEveryTriangleWithItsWinding)
+{
+    std::mt19937 rng(3);
+    for (int round = 0; round < 50; ++round)
+    {
+        // Bands (which strip) broken up by random triangles (which mostly do not).
+        std::vector<uint32_t> idx = Band(1 + rng() % 9);
+        for (int extra = rng() % 4; extra > 0; --extra)
+        {
+            const std::vector<uint32_t> more = Band(1 + rng() % 5);
+            for (uint32_t i : more)
+                idx.push_back(i + 20);
+            for (int c = 0; c < 3; ++c)
+                idx.push_back(rng() % 30);
+        }
+        SMeshHolder h;
+        STVOMesh& m = h.mesh();
+        SetList(m, idx, round % 2 ? EQMXTDataUnsignedInt : EQMXTDataUnsignedShort);
+        ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+        const std::vector<uint32_t> strips = ReadIndices(m);
+        EXPECT_EQ(HardwareStripTriangles(strips, Lengths(m)), ListTriangles(idx));
+        EXPECT_EQ(strips.size(), m.nNumFaces + 2 * m.nNumStrips);
+    }
+    SMeshHolder h;
+    SetList(h.mesh(), Band(7));
+    ASSERT_EQ(QMXTModelTVOToggleStrips(h.mesh()), 0);
+    EXPECT_EQ(Lengths(h.mesh()), (std::vector<uint32_t>{7})); // a band is one strip
+    EXPECT_EQ(ReadIndices(h.mesh()), (std::vector<uint32_t>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+}
+
+TEST(TransformStrips, AStripNeverCrossesABoneBatch)
+{
+    SMeshHolder h;
+    STVOMesh& m = h.mesh();
+    SetList(m, Band(6));
+    CQMXTBoneBatches& b = m.sBoneBatch;
+    b.nBatchCnt = 3;
+    b.nBatchBoneMax = 1;
+    b.pnBatches = HeapCopy(std::vector<uint32_t>{0, 0, 0});
+    b.pnBatchBoneCnt = HeapCopy(std::vector<uint32_t>{1, 1, 1});
+    b.pnBatchOffset = HeapCopy(std::vector<uint32_t>{0, 2, 5});
+    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+    EXPECT_EQ(Lengths(m), (std::vector<uint32_t>{2, 3, 1}));
+    EXPECT_EQ(HardwareStripTriangles(ReadIndices(m), Lengths(m)), ListTriangles(Band(6)));
+}
+
+TEST(TransformStrips, StripsToListToStripsKeepsEveryTriangleWithItsWinding)
+{
+    SMeshHolder h;
+    STVOMesh& m = h.mesh();
+    SetList(m, {5, 6, 7, 8, 9, 10, 1, 2, 3, 4});
+    m.nNumFaces = 6;
+    m.nNumStrips = 2;
+    m.pnStripLength = HeapCopy(std::vector<uint32_t>{4, 2});
+    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+    const std::vector<Tri> list = ListTriangles(ReadIndices(m));
+    ASSERT_EQ(list.size(), 6u);
+    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+    EXPECT_EQ(HardwareStripTriangles(ReadIndices(m), Lengths(m)), list);
+    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
+    EXPECT_EQ(ListTriangles(ReadIndices(m)), list);
+}
+
+TEST(TransformStrips, BadInputFails)
+{
+    SMeshHolder h;
+    STVOMesh& m = h.mesh();
+    m.nNumFaces = 2;
+    EXPECT_EQ(QMXTModelTVOToggleStrips(m), 1); // no indices
+    SetList(m, {0, 1, 2, 3});
+    m.nNumFaces = 2;
+    m.nNumStrips = 1;
+    m.pnStripLength = HeapCopy(std::vector<uint32_t>{3}); // three triangles claimed, two present
+    EXPECT_EQ(QMXTModelTVOToggleStrips(m), 1);
+    EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{0, 1, 2, 3}));
+}
+
+TEST(TransformReorderFaces, PermutesTheCornersOfEveryTriangle)
+{
+    SMeshHolder h;
+    STVOMesh& m = h.mesh();
+    SetList(m, {0, 1, 2, 3, 4, 5}, EQMXTDataUnsignedInt);
+    ASSERT_EQ(QMXTModelTVOReorderFaces(m, 0, 2, 1), 0);
+    EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{0, 2, 1, 3, 5, 4}));
+    ASSERT_EQ(QMXTModelTVOReorderFaces(m, 1, 2, 0), 0);
+    EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{2, 1, 0, 5, 4, 3}));
+    EXPECT_EQ(QMXTModelTVOReorderFaces(m, 0, 0, 1), 1);
+    EXPECT_EQ(QMXTModelTVOReorderFaces(m, 0, 1, 3), 1);
+    EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{2, 1, 0, 5, 4, 3}));
+}

@@ -1,0 +1,216 @@
+// tvoinfo as a user meets it: the binary run on files written here, its exit status, its lines and
+// its JSON.
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include "QMXTModelTVO.h"
+#include "QMXTSink.h"
+#include "TVOTestScenes.h"
+
+namespace
+{
+struct SRun
+{
+    int status = -1;
+    std::string out, err;
+};
+
+std::string Slurp(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+SRun RunTvoinfo(const std::string& args)
+{
+    // Per-test capture files: CTest runs the tests of this binary in parallel processes.
+    const std::string stem = testing::TempDir() + "tvoinfo-" +
+                             testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string out = stem + ".out", err = stem + ".err";
+    const std::string command = std::string(TVOINFO_PATH) + " " + args + " >" + out + " 2>" + err;
+    SRun r;
+    const int raw = std::system(command.c_str());
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = Slurp(out);
+    r.err = Slurp(err);
+    return r;
+}
+
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+bool HasLine(const std::string& text, const std::string& line)
+{
+    for (const std::string& l : Lines(text))
+        if (l == line)
+            return true;
+    return false;
+}
+
+std::string WriteRich(const char* name, const char* options, const char* history)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeRichScene(s);
+    const std::string path = testing::TempDir() + name;
+    EXPECT_EQ(s.SaveTVO(path.c_str(), options, history), 0);
+    return path;
+}
+
+QJsonObject Json(const std::string& text)
+{
+    QJsonParseError error;
+    const QJsonDocument doc =
+        QJsonDocument::fromJson(QByteArray(text.data(), static_cast<int>(text.size())), &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    return doc.object();
+}
+} // namespace
+
+TEST(TVOInfo, SummaryNamesCountsNodesStreamsMaterialsLightsCamerasAndTexts)
+{
+    const std::string path = WriteRich("info-rich.tvo", "bOpt=1\nfScale=2\n", "exported by a test");
+    const SRun r = RunTvoinfo(path);
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    const std::string& o = r.out;
+    EXPECT_TRUE(
+        HasLine(o, "scene: 8 nodes (2 mesh nodes), 3 meshes, 2 materials, 2 textures, 3 lights, 2 cameras"))
+        << o;
+    EXPECT_TRUE(HasLine(o, "frames: 4 at 25 fps"));
+    EXPECT_TRUE(HasLine(
+        o, "  [0] \"MeshA\" mesh 0, parent 7, material 0, animation position rotation, user data 5 bytes"));
+    EXPECT_TRUE(HasLine(o, "  [3] \"Sun\" light 1, parent 7, material -1, animation static"));
+    EXPECT_TRUE(HasLine(o, "  [6] \"Cam2\" camera 1, parent 7, material -1, animation static"));
+    EXPECT_TRUE(HasLine(o, "  [7] \"Root\" other -1, parent -1, material -1, animation scale"));
+    EXPECT_TRUE(HasLine(o,
+                        "  [0] 6 vertices, 4 faces, triangle list, 0 strips, 2 bone batches (up to 2 bones), "
+                        "2 UVW, interleaved, stride 44"));
+    EXPECT_TRUE(HasLine(o, "      normals: short, normalised x3, stride 44, offset 12"));
+    EXPECT_TRUE(HasLine(o, "      UVW 1: float x2, stride 44, offset 36"));
+    EXPECT_TRUE(
+        HasLine(o, "  [1] 5 vertices, 3 faces, triangle strips, 2 strips, 0 bone batches (up to 0 bones), "
+                   "1 UVW, separate streams"));
+    EXPECT_TRUE(HasLine(o, "      binormals: DEC3N x1, stride 4"));
+    EXPECT_TRUE(HasLine(o,
+                        "  [0] \"wood\" opacity 1, textures: diffuse \"wood.png\", bump \"wood_bump.png\", "
+                        "effect shaders.xef Lit"));
+    EXPECT_TRUE(HasLine(o, "  [1] directional, colour 1 0.6 0.25, target -1"));
+    EXPECT_TRUE(HasLine(
+        o, "  [2] spot, colour 1 0.7 0.25, target 7, attenuation 1 0.5 0.25, falloff 0.7 exponent 2"));
+    EXPECT_TRUE(HasLine(o, "  [0] field of view 0.8 (animated), near 0.5, far 1000, target 7"));
+    EXPECT_TRUE(HasLine(o, "  fScale=2"));
+    EXPECT_TRUE(HasLine(o, "  exported by a test"));
+    std::remove(path.c_str());
+}
+
+TEST(TVOInfo, JsonCarriesTheSameFactsForScripts)
+{
+    const std::string path = WriteRich("info-json.tvo", "bOpt=1\n", nullptr);
+    const SRun r = RunTvoinfo("--json " + path);
+    ASSERT_EQ(r.status, 0) << r.err;
+    const QJsonObject j = Json(r.out);
+    EXPECT_EQ(j["scene"].toObject()["frames"].toInt(), 4);
+    EXPECT_EQ(j["scene"].toObject()["fps"].toInt(), 25);
+    const QJsonArray nodes = j["nodes"].toArray();
+    ASSERT_EQ(nodes.size(), 8);
+    EXPECT_EQ(nodes[0].toObject()["name"].toString(), "MeshA");
+    EXPECT_EQ(nodes[0].toObject()["animation"].toArray(), QJsonArray({"position", "rotation"}));
+    EXPECT_EQ(nodes[5].toObject()["kind"].toString(), "camera");
+    const QJsonObject mesh = j["meshes"].toArray()[0].toObject();
+    EXPECT_TRUE(mesh["interleaved"].toBool());
+    EXPECT_EQ(mesh["boneBatches"].toInt(), 2);
+    const QJsonArray streams = mesh["streams"].toArray();
+    ASSERT_EQ(streams.size(), 8);
+    EXPECT_EQ(streams[0].toObject()["name"].toString(), "faces");
+    EXPECT_TRUE(streams[0].toObject()["offset"].isNull());
+    EXPECT_EQ(streams[4].toObject()["name"].toString(), "UVW 1");
+    EXPECT_EQ(streams[4].toObject()["offset"].toInt(), 36);
+    EXPECT_EQ(streams[4].toObject()["type"].toString(), "float");
+    EXPECT_EQ(j["meshes"].toArray()[1].toObject()["primitive"].toString(), "strips");
+    EXPECT_EQ(j["materials"].toArray()[0].toObject()["textures"].toObject()["bump"].toString(),
+              "wood_bump.png");
+    EXPECT_EQ(j["lights"].toArray()[2].toObject()["type"].toString(), "spot");
+    EXPECT_TRUE(j["cameras"].toArray()[0].toObject()["fovAnimated"].toBool());
+    EXPECT_EQ(j["options"].toString(), "bOpt=1\n");
+    EXPECT_TRUE(j["history"].isNull());
+    std::remove(path.c_str());
+}
+
+TEST(TVOInfo, JsonStaysValidForAnyNameBytes)
+{
+    CQMXTModelTVO s;
+    tvotest::MakeBigScene(s, 3, false);
+    std::free(s.pNode[0].pszName);
+    s.pNode[0].pszName = tvotest::Str("q\"uote\\ tab\t nl\n \x01 caf\xc3\xa9 bad\xff");
+    const std::string path = testing::TempDir() + "info-names.tvo";
+    ASSERT_EQ(s.SaveTVO(path.c_str()), 0);
+    const SRun r = RunTvoinfo("--json " + path);
+    ASSERT_EQ(r.status, 0);
+    const QJsonObject j = Json(r.out);
+    EXPECT_EQ(j["nodes"].toArray()[0].toObject()["name"].toString(),
+              QString::fromUtf8("q\"uote\\ tab\t nl\n \x01 caf\xc3\xa9 bad") + QChar(0xFF));
+    std::remove(path.c_str());
+}
+
+TEST(TVOInfo, BlocksListsTheRawTreeWithOffsets)
+{
+    const std::string path = WriteRich("info-blocks.tvo", "o=1\n", nullptr);
+    const SRun r = RunTvoinfo("--blocks " + path);
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::vector<std::string> lines = Lines(r.out);
+    ASSERT_GT(lines.size(), 4u);
+    EXPECT_EQ(lines[1], "         0  1000 version, 11 bytes");
+    EXPECT_EQ(lines[2], "        27  1002 options, 5 bytes");
+    EXPECT_EQ(lines[3], "        48  1001 scene");
+    EXPECT_EQ(lines[4], "        56    2000 clear colour, 12 bytes");
+    EXPECT_TRUE(HasLine(r.out, "      2257      6014 interleaved data, 264 bytes")) << r.out;
+    std::remove(path.c_str());
+}
+
+TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
+{
+    const std::string path = WriteRich("info-bad.tvo", nullptr, nullptr);
+    std::string bytes = Slurp(path);
+    bytes.resize(bytes.size() - 100);
+    {
+        std::ofstream out(path, std::ios::binary);
+        out << bytes;
+    }
+    for (const char* mode : {"", "--json ", "--blocks "})
+    {
+        const SRun r = RunTvoinfo(mode + path);
+        EXPECT_EQ(r.status, 1) << mode;
+        const std::vector<std::string> err = Lines(r.err);
+        ASSERT_EQ(err.size(), 1u) << mode << r.err;
+        EXPECT_EQ(err[0].rfind("tvoinfo: " + path + ": byte ", 0), 0u) << err[0];
+        EXPECT_NE(err[0].find("block 2013 (node) in 1001 (scene): unexpected end of data"), std::string::npos)
+            << err[0];
+    }
+    EXPECT_EQ(RunTvoinfo(path).out, "");
+
+    const SRun missing = RunTvoinfo(testing::TempDir() + "info-missing.tvo");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(Lines(missing.err).size(), 1u);
+    EXPECT_EQ(RunTvoinfo("").status, 2);
+    EXPECT_EQ(RunTvoinfo("--bogus " + path).status, 2);
+    EXPECT_EQ(RunTvoinfo(path + " " + path).status, 2);
+    std::remove(path.c_str());
+}
