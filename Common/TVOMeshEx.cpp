@@ -287,18 +287,7 @@ STVOMesh EmptyTVOMesh()
 
 void FreeTVOMesh(STVOMesh& m)
 {
-    const bool interleaved = m.pInterleaved != nullptr;
-    m.sFaces.Reset();
-    std::free(m.pnStripLength);
-    CTVOData* streams[] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
-                           &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
-    for (CTVOData* s : streams)
-        s->Reset(interleaved);
-    for (uint32_t i = 0; m.psUVW && i < m.nNumUVW; ++i)
-        m.psUVW[i].Reset(interleaved);
-    std::free(m.psUVW);
-    std::free(m.pInterleaved);
-    m.sBoneBatch.Release();
+    QMXTModelTVOFreeMesh(m);
     m = EmptyTVOMesh();
 }
 

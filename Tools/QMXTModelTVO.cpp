@@ -55,7 +55,16 @@ void FreeNode(STVONode& n)
     std::free(n.pUserData);
 }
 
-void FreeMesh(STVOMesh& m)
+void FreeMaterial(STVOMaterial& m)
+{
+    std::free(m.pszName);
+    std::free(m.pszEffectFile);
+    std::free(m.pszEffectName);
+    std::free(m.pUserData);
+}
+} // namespace
+
+void QMXTModelTVOFreeMesh(STVOMesh& m)
 {
     const bool interleaved = m.pInterleaved != nullptr;
     m.sFaces.Reset();
@@ -70,15 +79,6 @@ void FreeMesh(STVOMesh& m)
     std::free(m.pInterleaved);
     m.sBoneBatch.Release();
 }
-
-void FreeMaterial(STVOMaterial& m)
-{
-    std::free(m.pszName);
-    std::free(m.pszEffectFile);
-    std::free(m.pszEffectName);
-    std::free(m.pUserData);
-}
-} // namespace
 
 CQMXTModelTVO::CQMXTModelTVO() : STVOScene(), m_pImpl(nullptr)
 {
@@ -456,7 +456,7 @@ void QMXTModelTVOFreeArrays(STVOScene& scene)
     for (uint32_t i = 0; scene.pNode && i < scene.nNumNode; ++i)
         FreeNode(scene.pNode[i]);
     for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
-        FreeMesh(scene.pMesh[i]);
+        QMXTModelTVOFreeMesh(scene.pMesh[i]);
     for (uint32_t i = 0; scene.pMaterial && i < scene.nNumMaterial; ++i)
         FreeMaterial(scene.pMaterial[i]);
     for (uint32_t i = 0; scene.pTexture && i < scene.nNumTexture; ++i)

@@ -301,6 +301,10 @@ class CQMXTModelTVO : public STVOScene
     SQMXTModelTVOImpl* m_pImpl;
 };
 
+// Frees every array a mesh owns (streams or interleaved block, strips, bone batches); the record
+// itself is left with dangling pointers for the caller to clear or drop.
+void QMXTModelTVOFreeMesh(STVOMesh& mesh);
+
 // Frees every array of every record of a scene (the record arrays too) and zeroes the record.
 void QMXTModelTVOFreeArrays(STVOScene& scene);
 
