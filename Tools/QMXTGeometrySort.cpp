@@ -15,6 +15,7 @@
 //   the option (per-vertex change counters), and is computed from the triangles at its corners
 //   outside the option whenever no closed triangle waits outside the option.
 #include "QMXTGeometrySort.h"
+#include "QMXTLargeArray.h"
 
 #include <algorithm>
 #include <cmath>
@@ -73,8 +74,8 @@ class CSlotBits
     }
 
   private:
-    std::vector<uint64_t> m_words;
-    std::vector<uint64_t> m_summary;
+    QMXTLargeVector<uint64_t> m_words;
+    QMXTLargeVector<uint64_t> m_summary;
 };
 
 struct SMesh
@@ -199,10 +200,12 @@ class CGeometrySorter
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
         m_appraisals.resize(1024);
+        m_fastEdgeIds.resize(size_t(nTriMax) * 3);
+        m_fastEdgeUses.resize(size_t(nTriMax) * 3);
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.
-    void Sort(std::vector<uint32_t>& out, std::vector<uint32_t>& blocks)
+    void Sort(QMXTLargeVector<uint32_t>& out, std::vector<uint32_t>& blocks)
     {
         out.reserve(size_t(m_nTri) * 3);
         m_pOut = &out;
@@ -259,7 +262,7 @@ class CGeometrySorter
         for (uint32_t v = 0; v < m_nVtx; ++v)
             m_triStart[v + 1] += m_triStart[v];
         m_triList.resize(m_triStart[m_nVtx]);
-        std::vector<uint32_t> fill(m_triStart.begin(), m_triStart.end() - 1);
+        QMXTLargeVector<uint32_t> fill(m_triStart.begin(), m_triStart.end() - 1);
         for (uint32_t t = 0; t < m_nTri; ++t)
             if (!m_degenerate[t])
                 for (int c = 0; c < 3; ++c)
@@ -311,7 +314,7 @@ class CGeometrySorter
     {
         m_list.resize(m_nVtx);
         m_slot.assign(m_nVtx, 0);
-        std::vector<uint8_t> placed(m_nVtx, 0);
+        QMXTLargeVector<uint8_t> placed(m_nVtx, 0);
         uint32_t end = 0;
         for (uint32_t v = 0; v < m_nVtx; ++v)
         {
@@ -566,8 +569,11 @@ class CGeometrySorter
         }
         const size_t cap = m_nTriMax - m_work.tri.size();
         size_t count = 0;
-        m_fastEdges.clear();
-        int delta = 0;
+        // Distinct edges of the triangles taken and their use counts; the closed-edge delta is summed
+        // at the end. Few triangles close at once, so a linear search is cheapest.
+        int32_t* edgeIds = m_fastEdgeIds.data();
+        int32_t* edgeUses = m_fastEdgeUses.data();
+        size_t nEdges = 0;
         for (uint32_t i = 0; i < nNew; ++i)
             for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
             {
@@ -586,20 +592,20 @@ class CGeometrySorter
                 for (int k = 0; k < 3; ++k)
                 {
                     const int32_t e = m_triEdge[size_t(*p) * 3 + k];
-                    auto it = std::find_if(m_fastEdges.begin(), m_fastEdges.end(),
-                                           [e](const SEdgeUse& use) { return use.nEdge == e; });
-                    if (it == m_fastEdges.end())
+                    size_t j = 0;
+                    while (j < nEdges && edgeIds[j] != e)
+                        ++j;
+                    if (j == nEdges)
                     {
-                        m_fastEdges.push_back({e, 1});
-                        delta += EdgeTerm(m_edgeRem[e], 1);
+                        edgeIds[nEdges] = e;
+                        edgeUses[nEdges++] = 0;
                     }
-                    else
-                    {
-                        delta += EdgeTerm(m_edgeRem[e], it->nCount + 1) - EdgeTerm(m_edgeRem[e], it->nCount);
-                        ++it->nCount;
-                    }
+                    ++edgeUses[j];
                 }
             }
+        int delta = 0;
+        for (size_t j = 0; j < nEdges; ++j)
+            delta += EdgeTerm(m_edgeRem[edgeIds[j]], edgeUses[j]);
         accepted = true;
         score = Score(count, nNew, delta);
         return true;
@@ -987,10 +993,10 @@ class CGeometrySorter
     const uint32_t* m_pnIdx;
     uint32_t m_nVtx, m_nTri, m_nVtxMax, m_nTriMax;
     uint32_t m_nModelTri = 0, m_nWritten = 0;
-    std::vector<uint32_t> m_triStart;
-    std::vector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
-    std::vector<uint32_t> m_slot;
-    std::vector<uint8_t> m_degenerate;
+    QMXTLargeVector<uint32_t> m_triStart;
+    QMXTLargeVector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
+    QMXTLargeVector<uint32_t> m_slot;
+    QMXTLargeVector<uint8_t> m_degenerate;
     std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
     CSlotBits m_rem1, m_remAny;              // slots whose vertex has exactly one / any triangle left
     SOption m_work, m_best, m_scratch[2];
@@ -1007,11 +1013,11 @@ class CGeometrySorter
         uint32_t nStamp;
         int32_t nSlot; // in the working option's edge list
     };
-    std::vector<uint32_t> m_vWork, m_vBest;
-    std::vector<STriangle> m_tri;
-    std::vector<SEdgeStamp> m_eWork;
+    QMXTLargeVector<uint32_t> m_vWork, m_vBest;
+    QMXTLargeVector<STriangle> m_tri;
+    QMXTLargeVector<SEdgeStamp> m_eWork;
     uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
-    std::vector<uint32_t>* m_pOut = nullptr;
+    QMXTLargeVector<uint32_t>* m_pOut = nullptr;
     // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
     struct SDependency
     {
@@ -1020,29 +1026,30 @@ class CGeometrySorter
         int32_t nNext;
     };
     std::vector<SGrownBlock> m_blocks;
-    std::vector<int32_t> m_blockOf, m_freeBlocks, m_footprintScratch, m_depHead, m_freeDeps;
+    QMXTLargeVector<int32_t> m_blockOf, m_depHead;
+    std::vector<int32_t> m_freeBlocks, m_footprintScratch, m_freeDeps;
     std::vector<SDependency> m_deps;
-    std::vector<uint32_t> m_vFootprint;
+    QMXTLargeVector<uint32_t> m_vFootprint;
     uint32_t m_footprintStamp = 0;
     // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
     std::vector<SAppraisal> m_appraisals;
-    std::vector<uint32_t> m_vStar;
+    QMXTLargeVector<uint32_t> m_vStar;
     struct SWorkCount
     {
         uint32_t nStamp;
         int32_t nCount;
     };
-    std::vector<SWorkCount> m_vWorkTri; // option triangles at each vertex
+    QMXTLargeVector<SWorkCount> m_vWorkTri; // option triangles at each vertex
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
-    std::vector<SEdgeUse> m_fastEdges;
+    std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
     uint32_t m_growth = 0;
 };
 
 // New vertex numbers by first use; records move with them.
 bool Renumber(uint8_t* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_t nVertexNum, size_t nIdxNum)
 {
-    std::vector<uint32_t> newNum(nVertexNum, UINT32_MAX);
-    uint8_t* scratch = static_cast<uint8_t*>(std::malloc(size_t(nVertexNum) * nStride + 1));
+    QMXTLargeVector<uint32_t> newNum(nVertexNum, UINT32_MAX);
+    uint8_t* scratch = static_cast<uint8_t*>(QMXTLargeAlloc(size_t(nVertexNum) * nStride + 1));
     if (!scratch)
         return false;
     uint32_t next = 0;
@@ -1057,7 +1064,7 @@ bool Renumber(uint8_t* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_t nV
         pnIdx[i] = n;
     }
     std::memcpy(pVertices, scratch, size_t(next) * nStride);
-    std::free(scratch);
+    QMXTLargeFree(scratch);
     return true;
 }
 } // namespace
@@ -1083,7 +1090,7 @@ int QMXTGeometrySort(void* pVertices, uint32_t* pnIdx, uint32_t nStride, uint32_
         std::vector<uint32_t> blocks;
         if (reorder && nTriNum)
         {
-            std::vector<uint32_t> out;
+            QMXTLargeVector<uint32_t> out;
             CGeometrySorter(pnIdx, nVertexNum, nTriNum, nBlockVertexMax, nBlockTriMax).Sort(out, blocks);
             if (renumber && !Renumber(static_cast<uint8_t*>(pVertices), out.data(), nStride, nVertexNum, nIdxNum))
                 return 1;
