@@ -18,6 +18,8 @@
 #include <new>
 #include <vector>
 
+#include "QMXTLargeArray.h"
+
 namespace
 {
 constexpr int32_t kNone = -1;
@@ -71,36 +73,57 @@ int CompareKeys(const SKey& a, const SKey& b)
     return static_cast<int32_t>(a.nKey - b.nKey);
 }
 
-// Merge sort with the split and tie rule of the C library's qsort, so an inconsistent comparison
-// (the wrapped difference) orders exactly as qsort does.
-void MergeSort(SKey* b, size_t n, SKey* tmp)
+// Merges the sorted runs a[0..n1) and a[n1..n) into out: the left element goes first unless the
+// comparison says it is greater (selected without a branch: the keys are random, so a branch would
+// mispredict half the time).
+void MergeRuns(const SKey* a, size_t n1, size_t n, SKey* out)
 {
-    if (n <= 1)
-        return;
-    size_t n1 = n / 2, n2 = n - n1;
-    SKey* b1 = b;
-    SKey* b2 = b + n1;
-    MergeSort(b1, n1, tmp);
-    MergeSort(b2, n2, tmp);
-    SKey* t = tmp;
-    // The left element goes first unless the comparison says it is greater (selected without a
-    // branch: the keys are random, so a branch would mispredict half the time).
-    while (n1 > 0 && n2 > 0)
+    const SKey* b1 = a;
+    const SKey* e1 = a + n1;
+    const SKey* b2 = e1;
+    const SKey* e2 = a + n;
+    while (b1 != e1 && b2 != e2)
     {
         uint64_t x, y;
         std::memcpy(&x, b1, sizeof x);
         std::memcpy(&y, b2, sizeof y);
-        const bool left = CompareKeys(*b1, *b2) <= 0;
-        const uint64_t pick = left ? x : y;
-        std::memcpy(t++, &pick, sizeof pick);
+        const size_t left = CompareKeys(*b1, *b2) <= 0;
+        const uint64_t mask = uint64_t(0) - uint64_t(left); // all ones when the left one goes
+        const uint64_t pick = (x & mask) | (y & ~mask);
+        std::memcpy(out++, &pick, sizeof pick);
         b1 += left;
-        n1 -= left;
-        b2 += !left;
-        n2 -= !left;
+        b2 += 1 - left;
     }
-    if (n1 > 0)
-        std::memcpy(t, b1, n1 * sizeof(SKey));
-    std::memcpy(b, tmp, (n - n2) * sizeof(SKey));
+    std::memcpy(out, b1, size_t(e1 - b1) * sizeof(SKey));
+    out += e1 - b1;
+    std::memcpy(out, b2, size_t(e2 - b2) * sizeof(SKey));
+}
+
+// Merge sort with the split and tie rule of the C library's qsort (left half n / 2, ties to the
+// left), so an inconsistent comparison (the wrapped difference) orders exactly as qsort does. The
+// result lands in other when toOther is set, else in a; the two buffers swap roles level by level
+// instead of copying every merge back.
+void MergeSortInto(SKey* a, SKey* other, size_t n, bool toOther)
+{
+    if (n == 1)
+    {
+        if (toOther)
+            other[0] = a[0];
+        return;
+    }
+    const size_t n1 = n / 2;
+    MergeSortInto(a, other, n1, !toOther);
+    MergeSortInto(a + n1, other + n1, n - n1, !toOther);
+    if (toOther)
+        MergeRuns(a, n1, n, other);
+    else
+        MergeRuns(other, n1, n, a);
+}
+
+void MergeSort(SKey* b, size_t n, SKey* tmp)
+{
+    if (n > 1)
+        MergeSortInto(b, tmp, n, false);
 }
 
 bool IsDegenerate(const uint32_t* tri)
@@ -109,19 +132,19 @@ bool IsDegenerate(const uint32_t* tri)
 }
 
 // Neighbours across edges 0 (corners 0-1), 1 (1-2) and 2 (2-0) of every triangle, kNone for none.
-std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
+QMXTLargeVector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
 {
-    std::vector<int32_t> adj(size_t(nTri) * 3, kNone);
+    QMXTLargeVector<int32_t> adj(size_t(nTri) * 3, kNone);
     const size_t nIdx = size_t(nTri) * 3;
     uint32_t nMaxVertex = 0;
     for (size_t i = 0; i < nIdx; ++i)
         nMaxVertex = std::max(nMaxVertex, pnInputIdx[i]);
     // Sparse vertex numbers are renumbered densely (same equalities) to keep the buckets small.
     const uint32_t* pnIdx = pnInputIdx;
-    std::vector<uint32_t> dense;
+    QMXTLargeVector<uint32_t> dense;
     if (nMaxVertex > nIdx + 64)
     {
-        std::vector<uint32_t> used(pnInputIdx, pnInputIdx + nIdx);
+        QMXTLargeVector<uint32_t> used(pnInputIdx, pnInputIdx + nIdx);
         std::sort(used.begin(), used.end());
         used.erase(std::unique(used.begin(), used.end()), used.end());
         dense.resize(nIdx);
@@ -131,7 +154,7 @@ std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
         nMaxVertex = uint32_t(used.size() - 1);
     }
     // Half-edges bucketed by lower vertex, each bucket sorted by (upper vertex, half-edge).
-    std::vector<uint32_t> start(size_t(nMaxVertex) + 2, 0);
+    QMXTLargeVector<uint32_t> start(size_t(nMaxVertex) + 2, 0);
     for (uint32_t t = 0; t < nTri; ++t)
         if (!IsDegenerate(pnIdx + size_t(t) * 3))
             for (int e = 0; e < 3; ++e)
@@ -144,9 +167,9 @@ std::vector<int32_t> BuildAdjacency(const uint32_t* pnInputIdx, uint32_t nTri)
         uint32_t nHalf;
         bool operator<(const SHalf& o) const { return nUpper != o.nUpper ? nUpper < o.nUpper : nHalf < o.nHalf; }
     };
-    std::vector<SHalf> half(start.back());
+    QMXTLargeVector<SHalf> half(start.back());
     {
-        std::vector<uint32_t> fill(start.begin(), start.end() - 1);
+        QMXTLargeVector<uint32_t> fill(start.begin(), start.end() - 1);
         for (uint32_t t = 0; t < nTri; ++t)
             if (!IsDegenerate(pnIdx + size_t(t) * 3))
                 for (uint32_t e = 0; e < 3; ++e)
@@ -201,8 +224,8 @@ struct SStripMesh
 {
     const uint32_t* pnIdx;
     uint32_t nTri;
-    std::vector<int32_t> adj;
-    std::vector<uint8_t> backEdge;
+    QMXTLargeVector<int32_t> adj;
+    QMXTLargeVector<uint8_t> backEdge;
 
     SStripMesh(const uint32_t* idx, uint32_t n) : pnIdx(idx), nTri(n), adj(BuildAdjacency(idx, n)), backEdge(size_t(n) * 3, 0)
     {
@@ -232,7 +255,7 @@ class CWalkPaths
     explicit CWalkPaths(const SStripMesh& mesh) : m_mesh(&mesh)
     {
         const size_t n = size_t(mesh.nTri) * 6;
-        std::vector<int32_t> pred(n, kNone);
+        QMXTLargeVector<int32_t> pred(n, kNone);
         for (size_t s = 0; s < n; ++s)
             if (const int32_t next = Successor(int32_t(s)); next != kNone)
             {
@@ -304,8 +327,8 @@ class CWalkPaths
     }
 
     const SStripMesh* m_mesh;
-    std::vector<int32_t> m_in, m_out, m_order; // out: chain end, or the cycle number on a cycle
-    std::vector<uint8_t> m_onCycle;
+    QMXTLargeVector<int32_t> m_in, m_out, m_order; // out: chain end, or the cycle number on a cycle
+    QMXTLargeVector<uint8_t> m_onCycle;
     int32_t m_nCycles = 0;
     bool m_bSimple = true;
 };
@@ -340,7 +363,7 @@ class CCompletable
     }
 
     // Marks the ends of all strips, counting the marks on every state in one sweep.
-    void Build(const std::vector<SLink>& links)
+    void Build(const QMXTLargeVector<SLink>& links)
     {
         m_bBuilding = true;
         m_pending.assign(m_direct.size() + 1, 0);
@@ -367,7 +390,7 @@ class CCompletable
     }
 
     // Re-marks the ends of the strips that hold the given triangles (and clears their other members).
-    void Refresh(const int32_t* tri, size_t n, const std::vector<SLink>& links)
+    void Refresh(const int32_t* tri, size_t n, const QMXTLargeVector<SLink>& links)
     {
         ++m_round;
         for (size_t i = 0; i < n; ++i)
@@ -453,12 +476,12 @@ class CCompletable
 
     static constexpr size_t kDirectRange = 4096;
     const CWalkPaths* m_paths = nullptr;
-    std::vector<int32_t> m_direct, m_fenwick, m_cycleMarks;
+    QMXTLargeVector<int32_t> m_direct, m_fenwick, m_cycleMarks;
     int32_t m_nLong = 0; // marks kept in the Fenwick tree
-    std::vector<int32_t> m_pending; // while building: differences over tour positions
+    QMXTLargeVector<int32_t> m_pending; // while building: differences over tour positions
     bool m_bBuilding = false;
-    std::vector<uint8_t> m_mask; // marked states of each triangle
-    std::vector<uint32_t> m_seen;
+    QMXTLargeVector<uint8_t> m_mask; // marked states of each triangle
+    QMXTLargeVector<uint32_t> m_seen;
     uint32_t m_round = 0;
 };
 
@@ -503,7 +526,7 @@ class CStripBuilder
     };
 
     // Writes strips in the order of their first triangles; returns the strip count.
-    uint32_t Output(std::vector<uint32_t>& idx, std::vector<uint32_t>& len) const
+    uint32_t Output(QMXTLargeVector<uint32_t>& idx, QMXTLargeVector<uint32_t>& len) const
     {
         idx.clear();
         len.clear();
@@ -719,8 +742,8 @@ class CStripBuilder
     bool StripImprove(uint32_t seed, SUnchangedPasses& memo)
     {
         CLibcRandom rng(seed);
-        std::vector<SKey>& keys = m_keys;
-        std::vector<SKey>& tmp = m_keysScratch;
+        QMXTLargeVector<SKey>& keys = m_keys;
+        QMXTLargeVector<SKey>& tmp = m_keysScratch;
         keys.resize(m_nTri);
         tmp.resize(m_nTri);
         int passes = 2, threshold = 0;
@@ -762,10 +785,10 @@ class CStripBuilder
   private:
     const uint32_t* m_pnIdx;
     uint32_t m_nTri;
-    const std::vector<int32_t>& m_adj;
-    const std::vector<uint8_t>& m_backEdge; // per triangle edge: the neighbour's edge back to it
-    std::vector<SLink> m_cur, m_cemented;
-    std::vector<uint32_t> m_inWalk; // the walk that last linked each triangle
+    const QMXTLargeVector<int32_t>& m_adj;
+    const QMXTLargeVector<uint8_t>& m_backEdge; // per triangle edge: the neighbour's edge back to it
+    QMXTLargeVector<SLink> m_cur, m_cemented;
+    QMXTLargeVector<uint32_t> m_inWalk; // the walk that last linked each triangle
     uint32_t m_walk = 0;
     struct SStep
     {
@@ -773,16 +796,16 @@ class CStripBuilder
         int edge;
         bool wind;
     } m_next = {kNone, 0, false}; // where the last walk would have gone on
-    std::vector<int32_t> m_chainMark; // per triangle edge: the chain start that last tried it
-    std::vector<int32_t> m_touched, m_visited;
+    QMXTLargeVector<int32_t> m_chainMark; // per triangle edge: the chain start that last tried it
+    QMXTLargeVector<int32_t> m_touched, m_visited;
     int64_t m_nStrips = 0;
     bool m_bKept = false; // a walk reached its threshold and was kept
     CCompletable m_complete;
     bool m_bTrack = false;
-    std::vector<SKey> m_keys, m_keysScratch;
+    QMXTLargeVector<SKey> m_keys, m_keysScratch;
 };
 
-template <typename T> T* CopyToHeap(const std::vector<T>& v)
+template <typename T> T* CopyToHeap(const QMXTLargeVector<T>& v)
 {
     T* p = static_cast<T*>(std::malloc(v.empty() ? 1 : v.size() * sizeof(T)));
     if (p && !v.empty())
@@ -792,7 +815,7 @@ template <typename T> T* CopyToHeap(const std::vector<T>& v)
 
 // Builds the best of the five seeded runs into idx and len. The edge pass does not depend on the
 // seed, so it runs once and each run starts from a copy of its strips.
-void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& idx, std::vector<uint32_t>& len)
+void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, QMXTLargeVector<uint32_t>& idx, QMXTLargeVector<uint32_t>& len)
 {
     const SStripMesh mesh(pnIdx, nTri);
     CStripBuilder afterEdges(mesh);
@@ -801,7 +824,7 @@ void BuildStrips(const uint32_t* pnIdx, uint32_t nTri, std::vector<uint32_t>& id
     const CCompletable marks = afterEdges.Completable(paths);
     CStripBuilder::SUnchangedPasses memo;
     bool firstPristine = false;
-    std::vector<uint32_t> runIdx, runLen;
+    QMXTLargeVector<uint32_t> runIdx, runLen;
     CStripBuilder builder(mesh);
     for (uint32_t seed = 0; seed < 5; ++seed)
     {
@@ -837,7 +860,7 @@ int QMXTTriStrip(uint32_t** ppnStripIdx, uint32_t** ppnStripLen, uint32_t* pnStr
     }
     try
     {
-        std::vector<uint32_t> idx, len;
+        QMXTLargeVector<uint32_t> idx, len;
         BuildStrips(pnIdx, nTriNum, idx, len);
         uint32_t* outIdx = CopyToHeap(idx);
         uint32_t* outLen = CopyToHeap(len);
@@ -864,11 +887,11 @@ int QMXTTriStripList(uint32_t* pnIdx, uint32_t nTriNum)
         return 1;
     try
     {
-        std::vector<uint32_t> idx, len;
+        QMXTLargeVector<uint32_t> idx, len;
         BuildStrips(pnIdx, nTriNum, idx, len);
         // Strip back to list: triangle k > 0 of a strip ends at its new index p and takes
         // (p-1, p-2, p) when k is odd and (p-2, p-1, p) when even, keeping every winding.
-        std::vector<uint32_t> list;
+        QMXTLargeVector<uint32_t> list;
         list.reserve(size_t(nTriNum) * 3);
         size_t s = 0;
         for (uint32_t n : len)
