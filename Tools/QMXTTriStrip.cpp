@@ -346,21 +346,44 @@ class CCompletable
     CCompletable() = default;
     CCompletable(const CWalkPaths& paths, uint32_t nTri)
         : m_paths(&paths), m_direct(paths.StateCount(), 0), m_cycleMarks(size_t(paths.CycleCount()), 0),
-          m_mask(nTri, 0), m_seen(nTri, 0)
+          m_mask(nTri, 0), m_seen(nTri, 0), m_quick(nTri, 0)
     {
+        for (uint32_t t = 0; t < nTri; ++t)
+            for (int e = 0; e < 3; ++e)
+                if (paths.OnCycle(CWalkPaths::State(t, e, true)))
+                    m_quick[t] |= uint8_t(8u << e);
+    }
+
+    // Whether a walk from triangle t leaving by edge e with the winding set may complete a strip.
+    // The passes ask in random triangle order; a byte a triangle keeps those reads in cache.
+    bool MayCompleteForward(uint32_t t, int e) const
+    {
+        const uint8_t quick = m_quick[t];
+        if ((quick >> e) & 1u)
+            return true;
+        const int32_t s = CWalkPaths::State(t, e, true);
+        if (((quick >> (3 + e)) & 1u) && m_cycleMarks[m_paths->Cycle(s)] > 0)
+            return true;
+        return m_nLong != 0 && LongMarks(s);
     }
 
     bool MayComplete(int32_t s) const
     {
         if (m_direct[s] > 0 || (m_paths->Cycle(s) != kNone && m_cycleMarks[m_paths->Cycle(s)] > 0))
             return true;
-        if (m_nLong == 0)
-            return false;
+        return m_nLong != 0 && LongMarks(s);
+    }
+
+  private:
+    bool LongMarks(int32_t s) const
+    {
         int32_t sum = 0;
         for (size_t i = size_t(m_paths->In(s)) + 1; i > 0; i -= i & (~i + 1))
             sum += m_fenwick[i];
         return sum > 0;
     }
+
+  public:
 
     // Marks the ends of all strips, counting the marks on every state in one sweep.
     void Build(const QMXTLargeVector<SLink>& links)
@@ -382,7 +405,7 @@ class CCompletable
         for (size_t i = 0; i < m_direct.size(); ++i)
         {
             count += m_pending[i];
-            m_direct[size_t(m_paths->StateAt(int32_t(i)))] = count;
+            SetDirect(m_paths->StateAt(int32_t(i)), count);
         }
         m_pending.clear();
         m_pending.shrink_to_fit();
@@ -458,7 +481,10 @@ class CCompletable
         {
             // Counted per state (not per tour position), so that a query reads next to its neighbours.
             for (size_t i = in; i < out; ++i)
-                m_direct[size_t(m_paths->StateAt(int32_t(i)))] += d;
+            {
+                const int32_t state = m_paths->StateAt(int32_t(i));
+                SetDirect(state, m_direct[size_t(state)] + d);
+            }
             return;
         }
         if (m_fenwick.empty())
@@ -466,6 +492,18 @@ class CCompletable
         m_nLong += d;
         FenwickAdd(in, d);
         FenwickAdd(out, -d);
+    }
+
+    // A state's direct count, mirrored in the quick bits for the states with the winding set.
+    void SetDirect(int32_t s, int32_t count)
+    {
+        m_direct[size_t(s)] = count;
+        if (s & 1)
+        {
+            uint8_t& quick = m_quick[size_t(s / 6)];
+            const uint8_t bit = uint8_t(1u << ((s % 6) / 2));
+            quick = count > 0 ? uint8_t(quick | bit) : uint8_t(quick & ~bit);
+        }
     }
 
     void FenwickAdd(size_t i, int32_t d)
@@ -482,6 +520,9 @@ class CCompletable
     bool m_bBuilding = false;
     QMXTLargeVector<uint8_t> m_mask; // marked states of each triangle
     QMXTLargeVector<uint32_t> m_seen;
+    // Per triangle, for its three edges with the winding set: bits 0-2 direct count above 0, bits 3-5
+    // state on a cycle.
+    QMXTLargeVector<uint8_t> m_quick;
     uint32_t m_round = 0;
 };
 
@@ -765,7 +806,7 @@ class CStripBuilder
                 m_bKept = false;
                 for (const SKey& k : keys)
                     for (int e = 0; e < 3; ++e)
-                        if ((!m_bTrack || m_complete.MayComplete(CWalkPaths::State(k.nTri, e, true))) &&
+                        if ((!m_bTrack || m_complete.MayCompleteForward(k.nTri, e)) &&
                             StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
                             improved = true;
                 if (pristine)
