@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 #include <type_traits>
+#include "QMXTLargeArray.h"
 
 template <typename T> class CPodBuffer
 {
@@ -30,7 +31,7 @@ template <typename T> class CPodBuffer
     {
         if (n <= m_capacity)
             return;
-        T* p = static_cast<T*>(std::realloc(m_p, n * sizeof(T)));
+        T* p = static_cast<T*>(QMXTLargeRealloc(m_p, n * sizeof(T)));
         if (!p)
             throw std::bad_alloc();
         m_p = p;

@@ -11,6 +11,7 @@
 #include "TVOBuilderStrings.h"
 #include "TVOMeshOpt.h"
 #include "TVOSceneEx.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -30,7 +31,7 @@ bool AddEmptyFloatStream(CTVOData& d, uint32_t vertexCount)
     d.eType = EQMXTDataFloat;
     d.n = 3;
     d.nStride = 12;
-    d.pData = static_cast<uint8_t*>(std::calloc(vertexCount ? vertexCount : 1, 12));
+    d.pData = static_cast<uint8_t*>(QMXTLargeCalloc(vertexCount ? vertexCount : 1, 12));
     return d.pData != nullptr;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <algorithm>
 #include <cstring>
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -82,7 +83,7 @@ void CVertex::Clear()
     m_nCount = 0;
     m_nMaxInfluences = 0;
     m_key.clear();
-    std::vector<uint64_t>().swap(m_table);
+    QMXTLargeVector<uint64_t>().swap(m_table);
     std::vector<uint64_t>().swap(m_recent);
     m_nTableLimit = 0;
     m_boneStart.clear();
@@ -142,7 +143,7 @@ uint32_t CVertex::HashKey(const uint32_t* key) const
 
 void CVertex::GrowTable()
 {
-    std::vector<uint64_t> old;
+    QMXTLargeVector<uint64_t> old;
     old.swap(m_table);
     m_table.assign(old.size() * 2, 0);
     m_nTableLimit = static_cast<uint32_t>(m_table.size() / 4 * 3);
@@ -250,7 +251,7 @@ void CTris::Init(uint32_t n)
 void CTris::Clear()
 {
     m_tris.clear();
-    std::vector<uint32_t>().swap(m_head);
+    QMXTLargeVector<uint32_t>().swap(m_head);
     m_next.clear();
 }
 
@@ -385,7 +386,7 @@ bool MakeStream(CTVOData& d, EQMXTDataType type, uint32_t count, uint32_t nv)
     d.pData = nullptr;
     if (count == 0 || nv == 0)
         return true;
-    d.pData = static_cast<uint8_t*>(std::malloc(static_cast<size_t>(d.nStride) * nv));
+    d.pData = static_cast<uint8_t*>(QMXTLargeAlloc(static_cast<size_t>(d.nStride) * nv));
     return d.pData != nullptr;
 }
 } // namespace

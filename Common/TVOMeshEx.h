@@ -12,6 +12,7 @@
 #include "BuilderSettings.h"
 #include "Content.h"
 #include "PodBuffer.h"
+#include "QMXTLargeArray.h"
 #include "QMXTModelTVO.h"
 
 // One candidate vertex, built per face corner.
@@ -77,7 +78,7 @@ class CVertex
     uint32_t m_nMaxInfluences = 0;
     CPodBuffer<uint32_t> m_key;
     // Open addressing: the key's hash in the high half, vertex index + 1 in the low half, 0 = empty.
-    std::vector<uint64_t> m_table;
+    QMXTLargeVector<uint64_t> m_table;
     // The same entries for the vertices met last, one per hash value modulo its size: host meshes
     // repeat a vertex soon after its first corner, and this small table answers those from cache.
     std::vector<uint64_t> m_recent;
@@ -105,7 +106,7 @@ class CTris
 
   private:
     CPodBuffer<uint32_t> m_tris;
-    std::vector<uint32_t> m_head; // per first vertex: its latest triangle + 1, 0 = none
+    QMXTLargeVector<uint32_t> m_head; // per first vertex: its latest triangle + 1, 0 = none
     CPodBuffer<uint32_t> m_next;  // per triangle: the previous one with the same first vertex + 1
 };
 

@@ -8,6 +8,7 @@
 
 #include "Log.h"
 #include "TVOBuilderStrings.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -24,7 +25,7 @@ template <typename T> T* CopyToArray(const std::vector<T>& list)
 {
     if (list.empty())
         return nullptr;
-    T* out = static_cast<T*>(std::malloc(sizeof(T) * list.size()));
+    T* out = static_cast<T*>(QMXTLargeAlloc(sizeof(T) * list.size()));
     if (out)
         std::memcpy(static_cast<void*>(out), list.data(), sizeof(T) * list.size());
     return out;
@@ -366,14 +367,14 @@ bool CTVOSceneEx::GenB()
 
     if (nNumMesh)
     {
-        pMesh = static_cast<STVOMesh*>(std::malloc(sizeof(STVOMesh) * nNumMesh));
+        pMesh = static_cast<STVOMesh*>(QMXTLargeAlloc(sizeof(STVOMesh) * nNumMesh));
         ok = ok && pMesh;
         for (uint32_t i = 0; pMesh && i < nNumMesh; ++i)
             pMesh[i] = meshes[i]->Release();
     }
     if (nNumNode)
     {
-        pNode = static_cast<STVONode*>(std::malloc(sizeof(STVONode) * nNumNode));
+        pNode = static_cast<STVONode*>(QMXTLargeAlloc(sizeof(STVONode) * nNumNode));
         ok = ok && pNode;
         for (uint32_t i = 0; pNode && i < nNumNode; ++i)
             pNode[i] = nodes[i].Release();

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "QMXTVertexData.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -274,7 +275,7 @@ class CVertexBuffer
         // Usually about as many vertices come out as went in, plus a few copies: start with room for
         // those (pages not written are not touched).
         const uint64_t cap = std::min<uint64_t>(uint64_t(nExpected) + nExpected / 4 + 64, 0xFFFFFFFFu / nStride);
-        if (void* p = std::malloc(cap * nStride))
+        if (void* p = QMXTLargeAlloc(cap * nStride))
         {
             m_pData.reset(static_cast<uint8_t*>(p));
             m_nCapacity = static_cast<uint32_t>(cap);
@@ -290,7 +291,7 @@ class CVertexBuffer
         {
             const uint64_t capacity = std::max<uint64_t>(64, uint64_t(m_nCapacity) * 2);
             const uint64_t cap = std::min<uint64_t>(capacity, 0xFFFFFFFFu / m_nStride);
-            void* p = std::realloc(m_pData.get(), cap * m_nStride);
+            void* p = QMXTLargeRealloc(m_pData.get(), cap * m_nStride);
             if (!p)
                 return nullptr;
             m_pData.release();
@@ -308,7 +309,7 @@ class CVertexBuffer
     {
         if (m_nCount == 0)
             return nullptr;
-        if (void* p = std::realloc(m_pData.get(), size_t(m_nCount) * m_nStride))
+        if (void* p = QMXTLargeRealloc(m_pData.get(), size_t(m_nCount) * m_nStride))
         {
             m_pData.release();
             m_pData.reset(static_cast<uint8_t*>(p));
@@ -332,7 +333,7 @@ bool ComponentFits(uint32_t offset, uint32_t type, uint32_t count, uint32_t stri
 
 template <typename T> T* AllocArray(size_t n)
 {
-    return static_cast<T*>(std::calloc(n ? n : 1, sizeof(T)));
+    return static_cast<T*>(QMXTLargeCalloc(n ? n : 1, sizeof(T)));
 }
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -92,7 +93,7 @@ int QMXTModelTVODataShred(CTVOData& data, uint32_t vertexCount, const int32_t* c
         QMXTVertexWrite(data.pData + static_cast<size_t>(v) * newStride, data.eType, outCount, out);
     }
     if (newStride < oldStride && vertexCount > 0)
-        if (void* shrunk = std::realloc(data.pData, static_cast<size_t>(vertexCount) * newStride))
+        if (void* shrunk = QMXTLargeRealloc(data.pData, static_cast<size_t>(vertexCount) * newStride))
             data.pData = static_cast<uint8_t*>(shrunk);
     data.n = newN;
     data.nStride = newStride;

@@ -6,6 +6,7 @@
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -227,7 +228,7 @@ template <typename T> bool AllocRecords(T*& records, uint32_t& count, uint32_t w
     count = 0;
     if (wanted == 0)
         return true;
-    records = static_cast<T*>(std::calloc(wanted, sizeof(T)));
+    records = static_cast<T*>(QMXTLargeCalloc(wanted, sizeof(T)));
     if (!records)
         return false;
     count = wanted;

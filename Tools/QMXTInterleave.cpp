@@ -6,6 +6,7 @@
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -39,7 +40,7 @@ int Interleave(STVOMesh& mesh, uint32_t alignment)
     });
     if (stride == 0)
         return 0; // no streams: nothing to interleave
-    uint8_t* block = static_cast<uint8_t*>(std::calloc(mesh.nNumVertex, stride));
+    uint8_t* block = static_cast<uint8_t*>(QMXTLargeCalloc(mesh.nNumVertex, stride));
     if (!block)
         return 1;
 
@@ -72,7 +73,7 @@ int DeInterleave(STVOMesh& mesh)
         uint8_t* array = nullptr;
         if (s.n != 0 && !failed)
         {
-            array = static_cast<uint8_t*>(std::malloc(static_cast<size_t>(mesh.nNumVertex) * QMXTModelTVODataStride(s)));
+            array = static_cast<uint8_t*>(QMXTLargeAlloc(static_cast<size_t>(mesh.nNumVertex) * QMXTModelTVODataStride(s)));
             failed = array == nullptr;
         }
         arrays.push_back(array);

@@ -12,8 +12,11 @@
 #include <new>
 #include <vector>
 
-// Returns a block of at least nBytes, or null. Release it with QMXTLargeFree.
+// The C heap functions with that advice: blocks come back from free() like any other (the scene
+// model's arrays are released with free), and QMXTLargeFree is free.
 void* QMXTLargeAlloc(size_t nBytes);
+void* QMXTLargeCalloc(size_t nCount, size_t nSize); // zeroed; null also when the product overflows
+void* QMXTLargeRealloc(void* p, size_t nBytes);
 void QMXTLargeFree(void* p);
 
 // A standard allocator over QMXTLargeAlloc; throws std::bad_alloc on failure.

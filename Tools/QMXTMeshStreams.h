@@ -8,6 +8,7 @@
 
 #include "QMXTModelTVO.h"
 #include "QMXTVertexData.h"
+#include "QMXTLargeArray.h"
 
 // Calls f(stream) for every vertex stream of the mesh, present or not, in the order positions,
 // normals, tangents, binormals, each UVW stream, colours, bone indices, bone weights.
@@ -100,5 +101,5 @@ inline void* QMXTMallocArray(size_t count, size_t size)
     if (size != 0 && count > SIZE_MAX / size)
         return nullptr;
     const size_t bytes = count * size;
-    return std::malloc(bytes ? bytes : 1);
+    return QMXTLargeAlloc(bytes ? bytes : 1);
 }

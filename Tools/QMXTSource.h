@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include "QMXTLargeArray.h"
 
 class CQMXTResourceFile;
 
@@ -25,7 +26,7 @@ template <typename T> bool SafeAlloc(T*& p, size_t count)
     p = nullptr;
     if (count == 0)
         return true;
-    p = static_cast<T*>(std::calloc(count, sizeof(T)));
+    p = static_cast<T*>(QMXTLargeCalloc(count, sizeof(T)));
     return p != nullptr;
 }
 

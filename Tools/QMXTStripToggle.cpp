@@ -4,6 +4,7 @@
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -140,9 +141,9 @@ int ListToStrips(STVOMesh& mesh)
     lengths[strips++] = length;
 
     const size_t bytes = static_cast<size_t>(out.Written()) * QMXTModelTVODataTypeSize(mesh.sFaces.eType);
-    if (void* shrunk = std::realloc(mesh.sFaces.pData, bytes))
+    if (void* shrunk = QMXTLargeRealloc(mesh.sFaces.pData, bytes))
         mesh.sFaces.pData = static_cast<uint8_t*>(shrunk);
-    if (void* shrunk = std::realloc(lengths, static_cast<size_t>(strips) * sizeof(uint32_t)))
+    if (void* shrunk = QMXTLargeRealloc(lengths, static_cast<size_t>(strips) * sizeof(uint32_t)))
         lengths = static_cast<uint32_t*>(shrunk);
     std::free(mesh.pnStripLength);
     mesh.pnStripLength = lengths;

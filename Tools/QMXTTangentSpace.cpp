@@ -11,6 +11,7 @@
 #include <memory>
 #include <new>
 #include <vector>
+#include "QMXTLargeArray.h"
 
 namespace
 {
@@ -210,7 +211,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
 
         // The output block has room for three copies of every vertex and is shrunk at the end.
         std::unique_ptr<uint8_t, SFreeDeleter> block(
-            static_cast<uint8_t*>(std::malloc(nVertexNum ? size_t(nVertexNum) * 3 * nStride : 1)));
+            static_cast<uint8_t*>(QMXTLargeAlloc(nVertexNum ? size_t(nVertexNum) * 3 * nStride : 1)));
         if (!block)
             return 1;
         std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
@@ -253,7 +254,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
                 Write3(rec + nOffsetBin, eTypeBin, b);
             }
         }
-        if (void* shrunk = std::realloc(block.get(), nOut ? size_t(nOut) * nStride : 1))
+        if (void* shrunk = QMXTLargeRealloc(block.get(), nOut ? size_t(nOut) * nStride : 1))
         {
             block.release();
             block.reset(static_cast<uint8_t*>(shrunk));

@@ -848,7 +848,7 @@ class CStripBuilder
 
 template <typename T> T* CopyToHeap(const QMXTLargeVector<T>& v)
 {
-    T* p = static_cast<T*>(std::malloc(v.empty() ? 1 : v.size() * sizeof(T)));
+    T* p = static_cast<T*>(QMXTLargeAlloc(v.empty() ? 1 : v.size() * sizeof(T)));
     if (p && !v.empty())
         std::memcpy(p, v.data(), v.size() * sizeof(T));
     return p;
