@@ -43,6 +43,13 @@ bool FaceTriangles(const aiFace& face, unsigned vertexCount, std::vector<unsigne
     out.clear();
     if (face.mNumIndices < 3 || !face.mIndices)
         return false;
+    if (face.mNumIndices == 3) // the common case, without the fan loop
+    {
+        if (face.mIndices[0] >= vertexCount || face.mIndices[1] >= vertexCount || face.mIndices[2] >= vertexCount)
+            return false;
+        out.assign(face.mIndices, face.mIndices + 3);
+        return true;
+    }
     for (unsigned i = 0; i < face.mNumIndices; ++i)
         if (face.mIndices[i] >= vertexCount)
             return false;
@@ -221,6 +228,14 @@ void MeshVertices(const aiMesh& mesh, int nodeIndex, const CAssimpGraph& graph,
     }
 }
 
+// The unit normal of a triangle, (0, 0, 1) for a degenerate one: what a corner without a usable
+// normal of its own gets.
+aiVector3D FaceNormal(const std::vector<aiVector3D>& positions, const unsigned* v)
+{
+    const aiVector3D n = (positions[v[1]] - positions[v[0]]) ^ (positions[v[2]] - positions[v[0]]);
+    return IsUsableNormal(n) ? Normalised(n) : aiVector3D(0, 0, 1);
+}
+
 struct SFillCounts
 {
     unsigned skippedPrimitives = 0;
@@ -250,10 +265,6 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
                 ++counts.nonFinite;
                 continue;
             }
-            aiVector3D faceNormal = (verts.positions[v[1]] - verts.positions[v[0]]) ^
-                                    (verts.positions[v[2]] - verts.positions[v[0]]);
-            faceNormal =
-                IsUsableNormal(faceNormal) ? Normalised(faceNormal) : aiVector3D(0, 0, 1); // degenerate
             SFace face;
             face.group = -1;
             face.material = material;
@@ -263,7 +274,7 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
                 geom.positions.push_back(ToVec(verts.positions[v[c]]));
                 const aiVector3D& n = verts.normals[v[c]];
                 face.normal[c] = static_cast<int>(geom.normals.size());
-                geom.normals.push_back(ToVec(IsUsableNormal(n) ? Normalised(n) : faceNormal));
+                geom.normals.push_back(ToVec(IsUsableNormal(n) ? Normalised(n) : FaceNormal(verts.positions, v)));
                 if (colours)
                 {
                     const aiColor4D& col = mesh.mColors[0][v[c]];
