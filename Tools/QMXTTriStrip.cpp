@@ -719,6 +719,27 @@ class CStripBuilder
         }
     }
 
+    // Whether some walk of a pass with this threshold would be kept, asked in triangle order from
+    // the present strips: without one, the pass leaves every strip as it is, whatever its order.
+    bool AnyWalkKept(int threshold)
+    {
+        for (uint32_t t = 0; t < m_nTri; ++t)
+            for (int e = 0; e < 3; ++e)
+                if (!m_bTrack || m_complete.MayCompleteForward(t, e))
+                {
+                    ++m_walk;
+                    m_touched.clear();
+                    m_visited.clear();
+                    int total = 1;
+                    Walk(static_cast<int32_t>(t), kNone, e, true, threshold, total);
+                    for (int32_t x : m_touched)
+                        m_cur[x] = m_cemented[x];
+                    if (total <= threshold)
+                        return true;
+                }
+        return false;
+    }
+
     // Keeps the walk when it got to the threshold, restores every touched triangle otherwise.
     bool Finish(int threshold, int total)
     {
@@ -800,7 +821,7 @@ class CStripBuilder
             }
             const int slot = threshold == 0 ? 0 : 1;
             bool improved = false;
-            if (!(pristine && memo.bKnown[slot] && memo.bUnchanged[slot]))
+            if (!(pristine && memo.bKnown[slot] && memo.bUnchanged[slot]) && AnyWalkKept(threshold))
             {
                 MergeSort(keys.data(), keys.size(), tmp.data());
                 m_bKept = false;
@@ -815,6 +836,12 @@ class CStripBuilder
                     memo.bUnchanged[slot] = !m_bKept;
                 }
                 pristine = pristine && !m_bKept;
+            }
+            // A pass in which no walk can be kept changes nothing and improves nothing in any order.
+            else if (pristine)
+            {
+                memo.bKnown[slot] = true;
+                memo.bUnchanged[slot] = true;
             }
             if (improved)
                 passes = 2;
