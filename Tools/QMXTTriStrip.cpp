@@ -73,16 +73,21 @@ int CompareKeys(const SKey& a, const SKey& b)
     return static_cast<int32_t>(a.nKey - b.nKey);
 }
 
-// Merges the sorted runs a[0..n1) and a[n1..n) into out: the left element goes first unless the
-// comparison says it is greater (selected without a branch: the keys are random, so a branch would
-// mispredict half the time).
-void MergeRuns(const SKey* a, size_t n1, size_t n, SKey* out)
+// One merge of the sorted runs [b1, e1) and [b2, e2) into out: the left element goes first unless
+// the comparison says it is greater. The pick is branch-free (the keys are random, so a branch
+// would mispredict half the time).
+struct SMerge
 {
-    const SKey* b1 = a;
-    const SKey* e1 = a + n1;
-    const SKey* b2 = e1;
-    const SKey* e2 = a + n;
-    while (b1 != e1 && b2 != e2)
+    const SKey* b1;
+    const SKey* e1;
+    const SKey* b2;
+    const SKey* e2;
+    SKey* out;
+
+    SMerge(const SKey* a, size_t n1, size_t n, SKey* to) : b1(a), e1(a + n1), b2(a + n1), e2(a + n), out(to) {}
+
+    bool Active() const { return b1 != e1 && b2 != e2; }
+    void Step()
     {
         uint64_t x, y;
         std::memcpy(&x, b1, sizeof x);
@@ -94,9 +99,52 @@ void MergeRuns(const SKey* a, size_t n1, size_t n, SKey* out)
         b1 += left;
         b2 += 1 - left;
     }
-    std::memcpy(out, b1, size_t(e1 - b1) * sizeof(SKey));
-    out += e1 - b1;
-    std::memcpy(out, b2, size_t(e2 - b2) * sizeof(SKey));
+    void Finish()
+    {
+        while (Active())
+            Step();
+        std::memcpy(out, b1, size_t(e1 - b1) * sizeof(SKey));
+        out += e1 - b1;
+        std::memcpy(out, b2, size_t(e2 - b2) * sizeof(SKey));
+    }
+};
+
+void MergeRuns(const SKey* a, size_t n1, size_t n, SKey* out)
+{
+    SMerge(a, n1, n, out).Finish();
+}
+
+// Two independent merges stepped together: each step of one merge waits on its own loads and
+// compare, so interleaving two keeps the processor busy while each waits.
+void MergeRunsTwo(SMerge m1, SMerge m2)
+{
+    while (m1.Active() && m2.Active())
+    {
+        m1.Step();
+        m2.Step();
+    }
+    m1.Finish();
+    m2.Finish();
+}
+
+void MergeSortInto(SKey* a, SKey* other, size_t n, bool toOther);
+
+// Sorts two neighbouring ranges each exactly as MergeSortInto does, running their merges level by
+// level side by side.
+void MergeSortPairInto(SKey* a, SKey* other, size_t n1, size_t n2, bool toOther)
+{
+    if (n1 < 2 || n2 < 2)
+    {
+        MergeSortInto(a, other, n1, toOther);
+        MergeSortInto(a + n1, other + n1, n2, toOther);
+        return;
+    }
+    const size_t h1 = n1 / 2, h2 = n2 / 2;
+    MergeSortPairInto(a, other, h1, n1 - h1, !toOther);
+    MergeSortPairInto(a + n1, other + n1, h2, n2 - h2, !toOther);
+    SKey* from = toOther ? a : other;
+    SKey* to = toOther ? other : a;
+    MergeRunsTwo(SMerge(from, h1, n1, to), SMerge(from + n1, h2, n2, to + n1));
 }
 
 // Merge sort with the split and tie rule of the C library's qsort (left half n / 2, ties to the
@@ -111,9 +159,10 @@ void MergeSortInto(SKey* a, SKey* other, size_t n, bool toOther)
             other[0] = a[0];
         return;
     }
+    if (n == 0)
+        return;
     const size_t n1 = n / 2;
-    MergeSortInto(a, other, n1, !toOther);
-    MergeSortInto(a + n1, other + n1, n - n1, !toOther);
+    MergeSortPairInto(a, other, n1, n - n1, !toOther);
     if (toOther)
         MergeRuns(a, n1, n, other);
     else
