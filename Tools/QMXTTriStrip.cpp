@@ -19,161 +19,11 @@
 #include <vector>
 
 #include "QMXTLargeArray.h"
+#include "QMXTLibcOrder.h"
 
 namespace
 {
 constexpr int32_t kNone = -1;
-
-// The additive feedback generator behind the C library's rand(): 31 words of state, taps 3 and 31,
-// seeded by the 16807 multiplier and warmed up by 310 draws.
-class CLibcRandom
-{
-  public:
-    explicit CLibcRandom(uint32_t seed)
-    {
-        int32_t word = static_cast<int32_t>(seed == 0 ? 1 : seed);
-        m_nState[0] = static_cast<uint32_t>(word);
-        for (int i = 1; i < kDegree; ++i)
-        {
-            const int32_t hi = word / 127773, lo = word % 127773;
-            word = 16807 * lo - 2836 * hi;
-            if (word < 0)
-                word += 2147483647;
-            m_nState[i] = static_cast<uint32_t>(word);
-        }
-        for (int i = 0; i < 10 * kDegree; ++i)
-            Next();
-    }
-
-    uint32_t Next()
-    {
-        m_nState[m_nFront] += m_nState[m_nRear];
-        const uint32_t result = m_nState[m_nFront] >> 1;
-        m_nFront = m_nFront + 1 == kDegree ? 0 : m_nFront + 1;
-        m_nRear = m_nRear + 1 == kDegree ? 0 : m_nRear + 1;
-        return result;
-    }
-
-  private:
-    static constexpr int kDegree = 31;
-    uint32_t m_nState[kDegree];
-    int m_nFront = 3;
-    int m_nRear = 0;
-};
-
-struct SKey
-{
-    uint32_t nKey;
-    uint32_t nTri;
-};
-static_assert(sizeof(SKey) == 8, "keys move as 64-bit words");
-
-int CompareKeys(const SKey& a, const SKey& b)
-{
-    return static_cast<int32_t>(a.nKey - b.nKey);
-}
-
-// One merge of the sorted runs [b1, e1) and [b2, e2) into out: the left element goes first unless
-// the comparison says it is greater. The pick is branch-free (the keys are random, so a branch
-// would mispredict half the time).
-struct SMerge
-{
-    const SKey* b1;
-    const SKey* e1;
-    const SKey* b2;
-    const SKey* e2;
-    SKey* out;
-
-    SMerge(const SKey* a, size_t n1, size_t n, SKey* to) : b1(a), e1(a + n1), b2(a + n1), e2(a + n), out(to) {}
-
-    bool Active() const { return b1 != e1 && b2 != e2; }
-    void Step()
-    {
-        uint64_t x, y;
-        std::memcpy(&x, b1, sizeof x);
-        std::memcpy(&y, b2, sizeof y);
-        const size_t left = CompareKeys(*b1, *b2) <= 0;
-        const uint64_t mask = uint64_t(0) - uint64_t(left); // all ones when the left one goes
-        const uint64_t pick = (x & mask) | (y & ~mask);
-        std::memcpy(out++, &pick, sizeof pick);
-        b1 += left;
-        b2 += 1 - left;
-    }
-    void Finish()
-    {
-        while (Active())
-            Step();
-        std::memcpy(out, b1, size_t(e1 - b1) * sizeof(SKey));
-        out += e1 - b1;
-        std::memcpy(out, b2, size_t(e2 - b2) * sizeof(SKey));
-    }
-};
-
-void MergeRuns(const SKey* a, size_t n1, size_t n, SKey* out)
-{
-    SMerge(a, n1, n, out).Finish();
-}
-
-// Two independent merges stepped together: each step of one merge waits on its own loads and
-// compare, so interleaving two keeps the processor busy while each waits.
-void MergeRunsTwo(SMerge m1, SMerge m2)
-{
-    while (m1.Active() && m2.Active())
-    {
-        m1.Step();
-        m2.Step();
-    }
-    m1.Finish();
-    m2.Finish();
-}
-
-void MergeSortInto(SKey* a, SKey* other, size_t n, bool toOther);
-
-// Sorts two neighbouring ranges each exactly as MergeSortInto does, running their merges level by
-// level side by side.
-void MergeSortPairInto(SKey* a, SKey* other, size_t n1, size_t n2, bool toOther)
-{
-    if (n1 < 2 || n2 < 2)
-    {
-        MergeSortInto(a, other, n1, toOther);
-        MergeSortInto(a + n1, other + n1, n2, toOther);
-        return;
-    }
-    const size_t h1 = n1 / 2, h2 = n2 / 2;
-    MergeSortPairInto(a, other, h1, n1 - h1, !toOther);
-    MergeSortPairInto(a + n1, other + n1, h2, n2 - h2, !toOther);
-    SKey* from = toOther ? a : other;
-    SKey* to = toOther ? other : a;
-    MergeRunsTwo(SMerge(from, h1, n1, to), SMerge(from + n1, h2, n2, to + n1));
-}
-
-// Merge sort with the split and tie rule of the C library's qsort (left half n / 2, ties to the
-// left), so an inconsistent comparison (the wrapped difference) orders exactly as qsort does. The
-// result lands in other when toOther is set, else in a; the two buffers swap roles level by level
-// instead of copying every merge back.
-void MergeSortInto(SKey* a, SKey* other, size_t n, bool toOther)
-{
-    if (n == 1)
-    {
-        if (toOther)
-            other[0] = a[0];
-        return;
-    }
-    if (n == 0)
-        return;
-    const size_t n1 = n / 2;
-    MergeSortPairInto(a, other, n1, n - n1, !toOther);
-    if (toOther)
-        MergeRuns(a, n1, n, other);
-    else
-        MergeRuns(other, n1, n, a);
-}
-
-void MergeSort(SKey* b, size_t n, SKey* tmp)
-{
-    if (n > 1)
-        MergeSortInto(b, tmp, n, false);
-}
 
 bool IsDegenerate(const uint32_t* tri)
 {
@@ -852,9 +702,9 @@ class CStripBuilder
     // a row shorten nothing. Returns whether the strips are still those it started from.
     bool StripImprove(uint32_t seed, SUnchangedPasses& memo)
     {
-        CLibcRandom rng(seed);
-        QMXTLargeVector<SKey>& keys = m_keys;
-        QMXTLargeVector<SKey>& tmp = m_keysScratch;
+        CQMXTLibcRandom rng(seed);
+        QMXTLargeVector<SQMXTOrderKey>& keys = m_keys;
+        QMXTLargeVector<SQMXTOrderKey>& tmp = m_keysScratch;
         keys.resize(m_nTri);
         tmp.resize(m_nTri);
         int passes = 2, threshold = 0;
@@ -872,12 +722,12 @@ class CStripBuilder
             bool improved = false;
             if (!(pristine && memo.bKnown[slot] && memo.bUnchanged[slot]) && AnyWalkKept(threshold))
             {
-                MergeSort(keys.data(), keys.size(), tmp.data());
+                QMXTLibcQsortOrder(keys.data(), keys.size(), tmp.data());
                 m_bKept = false;
-                for (const SKey& k : keys)
+                for (const SQMXTOrderKey& k : keys)
                     for (int e = 0; e < 3; ++e)
-                        if ((!m_bTrack || m_complete.MayCompleteForward(k.nTri, e)) &&
-                            StripGrow(static_cast<int32_t>(k.nTri), e, threshold))
+                        if ((!m_bTrack || m_complete.MayCompleteForward(k.nIndex, e)) &&
+                            StripGrow(static_cast<int32_t>(k.nIndex), e, threshold))
                             improved = true;
                 if (pristine)
                 {
@@ -919,7 +769,7 @@ class CStripBuilder
     bool m_bKept = false; // a walk reached its threshold and was kept
     CCompletable m_complete;
     bool m_bTrack = false;
-    QMXTLargeVector<SKey> m_keys, m_keysScratch;
+    QMXTLargeVector<SQMXTOrderKey> m_keys, m_keysScratch;
 };
 
 template <typename T> T* CopyToHeap(const QMXTLargeVector<T>& v)
