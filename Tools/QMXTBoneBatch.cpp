@@ -366,9 +366,9 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
     try
     {
         // The weights and indices of every vertex in use, read once.
-        std::unique_ptr<SVertexBones[]> vtx(new SVertexBones[nVertexNum]);
+        QMXTLargeVector<SVertexBones> vtx(nVertexNum);
         {
-            std::vector<uint8_t> read(nVertexNum, 0);
+            QMXTLargeVector<uint8_t> read(nVertexNum, 0);
             for (size_t i = 0; i < nIdxNum; ++i)
             {
                 const uint32_t v = pnIdx[i];
@@ -383,11 +383,11 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
 
         // Triangle bone sets, interned by content.
         CDistinctSets sets;
-        std::unique_ptr<uint32_t[]> triSet(new uint32_t[nTriNum]);
+        QMXTLargeVector<uint32_t> triSet(nTriNum);
         STriangleBones set;
         for (uint32_t t = 0; t < nTriNum; ++t)
         {
-            if (!CollectTriangleBones(vtx.get(), pnIdx + size_t(t) * 3, nBonesPerVtx, nBoneLimit, set))
+            if (!CollectTriangleBones(vtx.data(), pnIdx + size_t(t) * 3, nBonesPerVtx, nBoneLimit, set))
                 return eFailed;
             triSet[t] = sets.Intern(set);
         }
@@ -410,7 +410,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
             ++batchStart[setBatch[triSet[t]] + 1];
         for (uint32_t b = 0; b < nBatches; ++b)
             batchStart[b + 1] += batchStart[b];
-        std::unique_ptr<uint32_t[]> order(new uint32_t[nTriNum]);
+        QMXTLargeVector<uint32_t> order(nTriNum);
         {
             std::vector<uint32_t> fill(batchStart.begin(), batchStart.end() - 1);
             for (uint32_t t = 0; t < nTriNum; ++t)
@@ -422,12 +422,12 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
         CVertexBuffer out(nStride, nVertexNum);
         // Per vertex its first and last copy and the copy chosen in the current batch (the last two
         // only meaningful once the first or the batch is set).
-        std::vector<uint32_t> firstCopy(nVertexNum, kNone), memoBatch(nVertexNum, kNone), nextCopy;
-        std::unique_ptr<uint32_t[]> lastCopy(new uint32_t[nVertexNum]), memoCopy(new uint32_t[nVertexNum]);
-        std::vector<float> stored; // four floats a copy
+        QMXTLargeVector<uint32_t> firstCopy(nVertexNum, kNone), memoBatch(nVertexNum, kNone), nextCopy;
+        QMXTLargeVector<uint32_t> lastCopy(nVertexNum), memoCopy(nVertexNum);
+        QMXTLargeVector<float> stored; // four floats a copy
         stored.reserve((size_t(nVertexNum) + nVertexNum / 4) * 4);
         nextCopy.reserve(size_t(nVertexNum) + nVertexNum / 4);
-        std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
+        QMXTLargeVector<uint32_t> newIdx(nIdxNum);
         for (uint32_t b = 0; b < nBatches; ++b)
         {
             for (uint32_t k = batchStart[b]; k < batchStart[b + 1]; ++k)
@@ -488,7 +488,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
         nBatchBoneMax = nBoneLimit;
         nBatchCnt = nBatches;
 
-        std::copy(newIdx.get(), newIdx.get() + nIdxNum, pnIdx);
+        std::copy(newIdx.begin(), newIdx.end(), pnIdx);
         *pnOutVtxNum = out.Size();
         *ppOutVtx = out.Surrender();
         return eSuccess;

@@ -180,7 +180,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
     try
     {
         // Corners a vertex, with the failures of a degenerate triangle or a crowded vertex.
-        std::vector<uint32_t> start(size_t(nVertexNum) + 1, 0);
+        QMXTLargeVector<uint32_t> start(size_t(nVertexNum) + 1, 0);
         for (size_t t = 0; t < nTriNum; ++t)
         {
             const uint32_t* tri = pnIdx + t * 3;
@@ -191,7 +191,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
                     return 1;
         }
         // Positions, normals and UVs of the vertices in use, read once.
-        std::unique_ptr<SVertexFrameData[]> vtx(new SVertexFrameData[nVertexNum]);
+        QMXTLargeVector<SVertexFrameData> vtx(nVertexNum);
         for (uint32_t v = 0; v < nVertexNum; ++v)
             if (start[v + 1] != 0)
             {
@@ -202,9 +202,9 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
         for (uint32_t v = 0; v < nVertexNum; ++v)
             start[v + 1] += start[v];
         // Each vertex's corners (positions in the index list), in triangle order.
-        std::unique_ptr<uint32_t[]> corners(new uint32_t[nIdxNum]);
+        QMXTLargeVector<uint32_t> corners(nIdxNum);
         {
-            std::vector<uint32_t> fill(start.begin(), start.end() - 1);
+            QMXTLargeVector<uint32_t> fill(start.begin(), start.end() - 1);
             for (size_t i = 0; i < nIdxNum; ++i)
                 corners[fill[pnIdx[i]]++] = static_cast<uint32_t>(i);
         }
@@ -214,7 +214,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
             static_cast<uint8_t*>(QMXTLargeAlloc(nVertexNum ? size_t(nVertexNum) * 3 * nStride : 1)));
         if (!block)
             return 1;
-        std::unique_ptr<uint32_t[]> newIdx(new uint32_t[nIdxNum]);
+        QMXTLargeVector<uint32_t> newIdx(nIdxNum);
         const uint64_t nOutMax = uint64_t(nVertexNum) * 3;
         uint32_t nOut = 0;
         SCorner frame[kMaxVertexTriangles];
@@ -259,7 +259,7 @@ int QMXTVertexGenerateTangentSpace(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, ui
             block.release();
             block.reset(static_cast<uint8_t*>(shrunk));
         }
-        std::copy(newIdx.get(), newIdx.get() + nIdxNum, pnIdx);
+        std::copy(newIdx.begin(), newIdx.end(), pnIdx);
         *pnOutVtxNum = nOut;
         *ppOutVtx = block.release();
         return 0;
