@@ -146,17 +146,17 @@ bool IsBetterThan(const SScore& a, const SScore& b)
     return a.nTri > b.nTri;
 }
 
-// A cached appraisal: valid within one growth while the star counters it depends on are unchanged.
-struct SAppraisal
+// A candidate triangle of the current growth and its cached appraisal, valid while the star
+// counters it depends on are unchanged.
+struct SCandidate
 {
-    uint32_t nGrowth = 0;
-    uint32_t nTriangle = 0;
+    int32_t nTriangle = 0;
     uint32_t nStar = 0;
-    size_t nCap = 0;
-    size_t nNewVtx = 0;   // corners of the triangle not yet in the option
-    bool bWalked = false; // accepted (otherwise rejected for want of vertex slots)
-    bool bFast = false;   // from the new corners only: counters over those, valid while no closed
-                          // triangle waits outside the option
+    uint32_t nCap = 0;
+    uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
+    bool bScored = false;
+    bool bFast = false; // from the new corners only: counters over those, valid while no closed
+                        // triangle waits outside the option
     SScore score{};
 };
 
@@ -199,7 +199,6 @@ class CGeometrySorter
         m_vWorkTri.assign(nVtx, {0, 0});
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
-        m_appraisals.resize(1024);
         m_fastEdgeIds.resize(size_t(nTriMax) * 3);
         m_fastEdgeUses.resize(size_t(nTriMax) * 3);
     }
@@ -244,7 +243,7 @@ class CGeometrySorter
         for (uint32_t t = 0; t < m_nTri; ++t)
         {
             const uint32_t* p = m_pnIdx + size_t(t) * 3;
-            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0};
+            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0, 0};
         }
         m_triStart.assign(size_t(m_nVtx) + 1, 0);
         m_degenerate.assign(m_nTri, 0);
@@ -611,97 +610,118 @@ class CGeometrySorter
         return true;
     }
 
-    // The score of appraising t, from the appraisal cache of this growth when nothing around t's
-    // vertices has joined the option since and the triangle cap still allows it. False when t's new
-    // vertices do not fit.
-    bool AppraiseScore(int32_t t, SScore& score)
+    // The score of candidate c under the current option, from its cached appraisal when nothing
+    // around its corners has joined the option since and the triangle cap still allows it. False
+    // when its new vertices do not fit (final within a growth: the free vertex slots shrink at least
+    // as fast as a candidate's new vertices).
+    bool CandidateScore(SCandidate& c, const uint32_t* tv, SScore& score)
     {
-        const uint32_t* tv = Tri(t);
         // Star counters over all corners, and over the corners not in the option (which is all the
         // fast appraisal depends on).
         uint32_t starAll = 0, starNew = 0, nNew = 0;
-        for (int c = 0; c < 3; ++c)
+        for (int k = 0; k < 3; ++k)
         {
-            starAll += m_vStar[tv[c]];
-            if (m_vWork[tv[c]] != m_workStamp)
+            starAll += m_vStar[tv[k]];
+            if (m_vWork[tv[k]] != m_workStamp)
             {
-                starNew += m_vStar[tv[c]];
+                starNew += m_vStar[tv[k]];
                 ++nNew;
             }
         }
         const size_t cap = m_nTriMax - m_work.tri.size();
-        SAppraisal* a = nullptr;
-        const uint32_t mask = static_cast<uint32_t>(m_appraisals.size() - 1);
-        for (uint32_t h = (uint32_t(t) * 2654435761u) & mask, probes = 0; probes < 8; h = (h + 1) & mask, ++probes)
+        if (c.bScored && (c.bFast ? m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nStar == starNew : c.nStar == starAll))
         {
-            SAppraisal& slot = m_appraisals[h];
-            if (slot.nGrowth != m_growth || slot.nTriangle == uint32_t(t))
+            if (c.nNewVtx > m_nVtxMax - m_work.vtx.size())
+                return false;
+            if (c.nCap == cap || (c.score.nTri < c.nCap && c.score.nTri <= cap))
             {
-                a = &slot;
-                break;
-            }
-        }
-        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) &&
-            (a->bFast ? m_nClosedOutside == 0 && a->nNewVtx == nNew && a->nStar == starNew : a->nStar == starAll))
-        {
-            if (!a->bWalked || a->nNewVtx > m_nVtxMax - m_work.vtx.size())
-                return false; // the free vertex slots only shrink during a growth
-            if (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap))
-            {
-                score = a->score;
+                score = c.score;
                 return true;
             }
         }
         bool accepted;
         size_t nNewVtx;
-        const bool fast = AppraiseFast(t, accepted, nNewVtx, score);
+        const bool fast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
         if (!fast)
         {
-            accepted = Appraise(t, m_scratch[1]);
+            accepted = Appraise(c.nTriangle, m_scratch[1]);
             nNewVtx = m_scratch[1].vtx.size();
             score = Score(m_scratch[1]);
         }
-        if (a)
-            *a = {m_growth, uint32_t(t), fast ? starNew : starAll, cap, nNewVtx, accepted, fast, score};
+        c.bScored = true;
+        c.bFast = fast;
+        c.nStar = fast ? starNew : starAll;
+        c.nCap = static_cast<uint32_t>(cap);
+        c.nNewVtx = static_cast<uint32_t>(nNewVtx);
+        c.score = score;
         return accepted;
+    }
+
+    // Appends v's unwritten triangles outside the option that are not candidates yet.
+    void AddCandidates(int32_t v)
+    {
+        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        {
+            STriangle& u = m_tri[*p];
+            if (u.bUsed || u.nWork == m_workStamp || u.nCandidate == m_growth)
+                continue;
+            u.nCandidate = m_growth;
+            SCandidate c{};
+            c.nTriangle = *p;
+            m_candidates.push_back(c);
+        }
     }
 
     // Grows the working option by the best appraised candidate until nothing fits: the first
     // accepted candidate, replaced by any later one that is better, in the order of the option's
     // vertices and their triangles. With a footprint given, records every vertex whose state the
     // growth read.
+    //
+    // The candidates of a growth are kept in one list in that order of first appearance: a triangle
+    // first appears at the earliest option vertex it touches, vertices only join, and a triangle that
+    // joins the option never leaves it. Within a growth every candidate adds at most three vertices,
+    // so two different triangle-per-vertex ratios differ by at least 1/6 and "better" is a strict
+    // order: the fold over the full walk picks the first candidate with the best score, which is
+    // what the fold over the list picks as well.
     void AddBestTriangles(std::vector<int32_t>* footprint = nullptr)
     {
         ++m_growth;
+        m_candidates.clear();
+        for (int32_t v : m_work.vtx)
+            AddCandidates(v);
         while (m_work.tri.size() < m_nTriMax)
         {
             int32_t kept = -1;
             SScore keptScore{};
-            for (size_t i = 0; i < m_work.vtx.size(); ++i)
+            size_t live = 0;
+            for (size_t i = 0; i < m_candidates.size(); ++i)
             {
-                const int32_t v = m_work.vtx[i];
-                if (!HasCandidates(v))
-                    continue;
-                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+                SCandidate c = m_candidates[i];
+                const STriangle& u = m_tri[c.nTriangle];
+                if (u.nWork == m_workStamp)
+                    continue; // joined the option
+                SScore score;
+                if (!CandidateScore(c, u.v, score))
+                    continue; // refused for good
+                m_candidates[live++] = c;
+                if (kept < 0 || IsBetterThan(score, keptScore))
                 {
-                    if (m_tri[*p].bUsed || m_tri[*p].nWork == m_workStamp)
-                        continue;
-                    SScore score;
-                    if (AppraiseScore(*p, score) && (kept < 0 || IsBetterThan(score, keptScore)))
-                    {
-                        kept = *p;
-                        keptScore = score;
-                    }
+                    kept = c.nTriangle;
+                    keptScore = score;
                 }
             }
+            m_candidates.resize(live);
             // The winner's full appraisal gives its triangles in walk order (it cannot be refused
             // here: its score was taken under the same option).
             if (kept < 0 || !Appraise(kept, m_scratch[0]))
                 break;
+            const size_t nOld = m_work.vtx.size();
             for (int32_t v : m_scratch[0].vtx)
                 WorkAddVertex(v);
             for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
+            for (size_t i = nOld; i < m_work.vtx.size(); ++i)
+                AddCandidates(m_work.vtx[i]);
         }
         // Everything read: the option's vertices and those of every unwritten triangle at them (each
         // triangle appraised is one of these, or joined the option).
@@ -1006,6 +1026,7 @@ class CGeometrySorter
     {
         uint32_t v[3];
         uint32_t nWork, nBest, nScratch;
+        uint32_t nCandidate; // growth that listed it as a candidate
         uint8_t bUsed;
     };
     struct SEdgeStamp
@@ -1031,8 +1052,8 @@ class CGeometrySorter
     std::vector<SDependency> m_deps;
     QMXTLargeVector<uint32_t> m_vFootprint;
     uint32_t m_footprintStamp = 0;
-    // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
-    std::vector<SAppraisal> m_appraisals;
+    // Candidates of the current growth, and per vertex a counter of option changes around it.
+    std::vector<SCandidate> m_candidates;
     QMXTLargeVector<uint32_t> m_vStar;
     struct SWorkCount
     {
