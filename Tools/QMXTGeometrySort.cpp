@@ -146,17 +146,14 @@ bool IsBetterThan(const SScore& a, const SScore& b)
     return a.nTri > b.nTri;
 }
 
-// A candidate triangle of the current growth and its cached appraisal, valid while the star
-// counters it depends on are unchanged.
+// A candidate triangle of the current growth and its cached fast appraisal.
 struct SCandidate
 {
     int32_t nTriangle = 0;
-    uint32_t nStar = 0;
+    uint32_t nClosing = 0; // sum of the closing counters of its new corners
     uint32_t nCap = 0;
     uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
-    bool bScored = false;
-    bool bFast = false; // from the new corners only: counters over those, valid while no closed
-                        // triangle waits outside the option
+    bool bFast = false;   // the score below is from the fast appraisal (otherwise not kept)
     SScore score{};
 };
 
@@ -195,8 +192,7 @@ class CGeometrySorter
         m_vWork.assign(nVtx, 0);
         m_vBest.assign(nVtx, 0);
         m_vFootprint.assign(nVtx, 0);
-        m_vStar.assign(nVtx, 0);
-        m_vWorkTri.assign(nVtx, {0, 0});
+        m_vClosing.assign(nVtx, 0);
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
         m_fastEdgeIds.resize(size_t(nTriMax) * 3);
@@ -402,35 +398,32 @@ class CGeometrySorter
         ++m_workStamp;
         m_nClosedOutside = 0;
     }
-    // Counts an option triangle at v: v has candidates only while it has more unwritten triangles.
-    void CountWorkTriangle(uint32_t v)
-    {
-        ++m_vStar[v];
-        SWorkCount& n = m_vWorkTri[v];
-        n = {m_workStamp, n.nStamp == m_workStamp ? n.nCount + 1 : 1};
-    }
-    bool HasCandidates(int32_t v) const
-    {
-        const SWorkCount& n = m_vWorkTri[v];
-        return m_rem[v] > (n.nStamp == m_workStamp ? n.nCount : 0);
-    }
-
     void WorkAddVertex(int32_t v)
     {
         if (m_vWork[v] == m_workStamp)
             return;
         m_vWork[v] = m_workStamp;
         m_work.vtx.push_back(v);
-        // Appraisals of triangles at v's neighbours read whether v is in the option; triangles whose
+        // Every unwritten triangle at v outside the option may now close against it: the triangles a
+        // fast appraisal at its other corners can take change (their counters move). Triangles whose
         // corners are now all in the option but that it does not hold yet are counted.
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
         {
-            const uint32_t* u = Tri(*p);
-            for (int c = 0; c < 3; ++c)
-                ++m_vStar[u[c]];
-            if (!m_tri[*p].bUsed && m_tri[*p].nWork != m_workStamp && m_vWork[u[0]] == m_workStamp &&
-                m_vWork[u[1]] == m_workStamp && m_vWork[u[2]] == m_workStamp)
+            const STriangle& u = m_tri[*p];
+            if (u.bUsed || u.nWork == m_workStamp)
+                continue;
+            const int c = u.v[0] == uint32_t(v) ? 0 : u.v[1] == uint32_t(v) ? 1 : 2;
+            const uint32_t a = u.v[(c + 1) % 3], b = u.v[(c + 2) % 3];
+            const bool inA = m_vWork[a] == m_workStamp, inB = m_vWork[b] == m_workStamp;
+            if (inA && inB)
                 ++m_nClosedOutside;
+            else
+            {
+                if (!inA)
+                    ++m_vClosing[a];
+                if (!inB)
+                    ++m_vClosing[b];
+            }
         }
     }
     void WorkAddEdgeUse(int32_t e, int32_t count)
@@ -452,8 +445,6 @@ class CGeometrySorter
         --m_nClosedOutside;
         m_tri[t].nWork = m_workStamp;
         m_work.tri.push_back(t);
-        for (int c = 0; c < 3; ++c)
-            CountWorkTriangle(Tri(t)[c]);
         for (int c = 0; c < 3; ++c)
             WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
     }
@@ -480,8 +471,6 @@ class CGeometrySorter
             --m_nClosedOutside;
             m_tri[t].nWork = m_workStamp;
             m_work.tri.push_back(t);
-            for (int c = 0; c < 3; ++c)
-                CountWorkTriangle(Tri(t)[c]);
         }
         for (const SEdgeUse& e : m_best.edges)
         {
@@ -610,26 +599,21 @@ class CGeometrySorter
         return true;
     }
 
-    // The score of candidate c under the current option, from its cached appraisal when nothing
-    // around its corners has joined the option since and the triangle cap still allows it. False
-    // when its new vertices do not fit (final within a growth: the free vertex slots shrink at least
-    // as fast as a candidate's new vertices).
+    // The score of candidate c under the current option, from its cached fast appraisal while the
+    // counters of its new corners are unchanged and the triangle cap still allows it. False when its
+    // new vertices do not fit (final within a growth: the free vertex slots shrink at least as fast
+    // as a candidate's new vertices).
     bool CandidateScore(SCandidate& c, const uint32_t* tv, SScore& score)
     {
-        // Star counters over all corners, and over the corners not in the option (which is all the
-        // fast appraisal depends on).
-        uint32_t starAll = 0, starNew = 0, nNew = 0;
+        uint32_t closing = 0, nNew = 0;
         for (int k = 0; k < 3; ++k)
-        {
-            starAll += m_vStar[tv[k]];
             if (m_vWork[tv[k]] != m_workStamp)
             {
-                starNew += m_vStar[tv[k]];
+                closing += m_vClosing[tv[k]];
                 ++nNew;
             }
-        }
         const size_t cap = m_nTriMax - m_work.tri.size();
-        if (c.bScored && (c.bFast ? m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nStar == starNew : c.nStar == starAll))
+        if (c.bFast && m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nClosing == closing)
         {
             if (c.nNewVtx > m_nVtxMax - m_work.vtx.size())
                 return false;
@@ -640,17 +624,14 @@ class CGeometrySorter
             }
         }
         bool accepted;
-        size_t nNewVtx;
-        const bool fast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
-        if (!fast)
+        size_t nNewVtx = 0;
+        c.bFast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
+        if (!c.bFast)
         {
             accepted = Appraise(c.nTriangle, m_scratch[1]);
-            nNewVtx = m_scratch[1].vtx.size();
             score = Score(m_scratch[1]);
         }
-        c.bScored = true;
-        c.bFast = fast;
-        c.nStar = fast ? starNew : starAll;
+        c.nClosing = closing;
         c.nCap = static_cast<uint32_t>(cap);
         c.nNewVtx = static_cast<uint32_t>(nNewVtx);
         c.score = score;
@@ -1052,15 +1033,10 @@ class CGeometrySorter
     std::vector<SDependency> m_deps;
     QMXTLargeVector<uint32_t> m_vFootprint;
     uint32_t m_footprintStamp = 0;
-    // Candidates of the current growth, and per vertex a counter of option changes around it.
+    // Candidates of the current growth, and per vertex a counter of changes of the triangles that
+    // could close against the option there.
     std::vector<SCandidate> m_candidates;
-    QMXTLargeVector<uint32_t> m_vStar;
-    struct SWorkCount
-    {
-        uint32_t nStamp;
-        int32_t nCount;
-    };
-    QMXTLargeVector<SWorkCount> m_vWorkTri; // option triangles at each vertex
+    QMXTLargeVector<uint32_t> m_vClosing;
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
     uint32_t m_growth = 0;
