@@ -78,6 +78,14 @@ class CSlotBits
     QMXTLargeVector<uint64_t> m_summary;
 };
 
+// Per edge: the count of unwritten triangles on it that close against the option (valid with
+// its stamp).
+struct SEdgeClosed
+{
+    uint32_t nStamp;
+    uint32_t nCount;
+};
+
 struct SMesh
 {
     uint32_t nStart;
@@ -150,6 +158,7 @@ bool IsBetterThan(const SScore& a, const SScore& b)
 struct SCandidate
 {
     int32_t nTriangle = 0;
+    uint64_t nRatio = 0;   // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
     uint32_t nClosing = 0; // sum of the closing counters of its new corners
     uint32_t nCap = 0;
     uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
@@ -189,10 +198,9 @@ class CGeometrySorter
             o->tri.reserve(std::min(nTriMax, nTri));
             o->edges.reserve(size_t(std::min(nTriMax, nTri)) * 3);
         }
-        m_vWork.assign(nVtx, 0);
+        m_vState.assign(nVtx, {0, 0, 0, 0});
         m_vBest.assign(nVtx, 0);
         m_vFootprint.assign(nVtx, 0);
-        m_vClosing.assign(nVtx, 0);
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
         m_fastEdgeIds.resize(size_t(nTriMax) * 3);
@@ -302,6 +310,7 @@ class CGeometrySorter
             if (e >= 0)
                 ++m_edgeRem[e];
         m_eWork.assign(size_t(nEdges), {0, 0});
+        m_eClosed.assign(size_t(nEdges), {0, 0});
     }
 
     // Connected groups by shared triangles, breadth first, laid out in one vertex list.
@@ -398,11 +407,33 @@ class CGeometrySorter
         ++m_workStamp;
         m_nClosedOutside = 0;
     }
+    bool InWork(uint32_t v) const { return m_vState[v].nWork == m_workStamp; }
+    // A triangle at v outside the option had a corner join it; it closes at v when its third corner
+    // is in the option too.
+    void Closing(uint32_t v, bool closes)
+    {
+        SVertexState& s = m_vState[v];
+        ++s.nClosing;
+        if (closes)
+        {
+            s.nClosed = s.nClosedStamp == m_workStamp ? s.nClosed + 1 : 1;
+            s.nClosedStamp = m_workStamp;
+        }
+    }
+    // Unwritten triangles on edge e (both ends outside the option) whose third corner is in it.
+    uint32_t Closed(const SEdgeClosed& e) const { return e.nStamp == m_workStamp ? e.nCount : 0; }
+    // Unwritten triangles at v (outside the option) whose other corners are in the option.
+    uint32_t Closed(uint32_t v) const
+    {
+        const SVertexState& s = m_vState[v];
+        return s.nClosedStamp == m_workStamp ? s.nClosed : 0;
+    }
+
     void WorkAddVertex(int32_t v)
     {
-        if (m_vWork[v] == m_workStamp)
+        if (InWork(v))
             return;
-        m_vWork[v] = m_workStamp;
+        m_vState[v].nWork = m_workStamp;
         m_work.vtx.push_back(v);
         // Every unwritten triangle at v outside the option may now close against it: the triangles a
         // fast appraisal at its other corners can take change (their counters move). Triangles whose
@@ -414,15 +445,21 @@ class CGeometrySorter
                 continue;
             const int c = u.v[0] == uint32_t(v) ? 0 : u.v[1] == uint32_t(v) ? 1 : 2;
             const uint32_t a = u.v[(c + 1) % 3], b = u.v[(c + 2) % 3];
-            const bool inA = m_vWork[a] == m_workStamp, inB = m_vWork[b] == m_workStamp;
+            const bool inA = InWork(a), inB = InWork(b);
             if (inA && inB)
                 ++m_nClosedOutside;
             else
             {
                 if (!inA)
-                    ++m_vClosing[a];
+                    Closing(a, inB);
                 if (!inB)
-                    ++m_vClosing[b];
+                    Closing(b, inA);
+                if (!inA && !inB)
+                {
+                    SEdgeClosed& e = m_eClosed[m_triEdge[size_t(*p) * 3 + (c + 1) % 3]];
+                    e.nCount = e.nStamp == m_workStamp ? e.nCount + 1 : 1;
+                    e.nStamp = m_workStamp;
+                }
             }
         }
     }
@@ -488,7 +525,7 @@ class CGeometrySorter
         ++m_scratchStamp;
         const uint32_t* tv = Tri(t);
         for (int c = 0; c < 3; ++c)
-            if (m_vWork[tv[c]] != m_workStamp)
+            if (!InWork(tv[c]))
                 s.vtx.push_back(static_cast<int32_t>(tv[c]));
         if (m_nVtxMax - m_work.vtx.size() < s.vtx.size())
             return false;
@@ -504,7 +541,7 @@ class CGeometrySorter
                 const uint32_t* uv = Tri(u);
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || m_vWork[uv[k]] == m_workStamp;
+                    closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || InWork(uv[k]);
                 if (!closes)
                     continue;
                 m_tri[u].nScratch = m_scratchStamp;
@@ -540,7 +577,7 @@ class CGeometrySorter
         uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
         uint32_t nNew = 0;
         for (int c = 0; c < 3; ++c)
-            if (m_vWork[tv[c]] != m_workStamp)
+            if (!InWork(tv[c]))
             {
                 if (nNew == 2)
                     return false;
@@ -572,7 +609,7 @@ class CGeometrySorter
                     continue; // met in the first new vertex's list
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = m_vWork[u.v[k]] == m_workStamp || u.v[k] == nv[0] || u.v[k] == nv[1];
+                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
                 if (!closes)
                     continue;
                 if (++count > cap)
@@ -599,6 +636,37 @@ class CGeometrySorter
         return true;
     }
 
+    // Six times the triangles-per-vertex ratio of appraising t, from the counts of triangles that
+    // close at its new corners and on the edge between two new corners (all the fast appraisal
+    // takes), or UINT64_MAX when those do not decide the appraisal. False when t's new corners do
+    // not fit.
+    bool Ratio(int32_t t, const uint32_t* tv, uint64_t& ratio) const
+    {
+        const bool isNew[3] = {!InWork(tv[0]), !InWork(tv[1]), !InWork(tv[2])};
+        const uint32_t nNew = uint32_t(isNew[0]) + isNew[1] + isNew[2];
+        if (nNew > m_nVtxMax - m_work.vtx.size())
+            return false;
+        ratio = UINT64_MAX;
+        if (m_nClosedOutside != 0)
+            return true;
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        if (nNew == 1)
+        {
+            const uint64_t n = Closed(tv[isNew[0] ? 0 : isNew[1] ? 1 : 2]);
+            if (n <= cap)
+                ratio = n * 6;
+        }
+        else if (nNew == 2)
+        {
+            const int k = !isNew[2] ? 0 : !isNew[0] ? 1 : 2; // the edge from corner k to k + 1
+            const uint64_t n = uint64_t(Closed(tv[k])) + Closed(tv[(k + 1) % 3]) +
+                               Closed(m_eClosed[m_triEdge[size_t(t) * 3 + k]]);
+            if (n <= cap)
+                ratio = n * 3;
+        }
+        return true;
+    }
+
     // The score of candidate c under the current option, from its cached fast appraisal while the
     // counters of its new corners are unchanged and the triangle cap still allows it. False when its
     // new vertices do not fit (final within a growth: the free vertex slots shrink at least as fast
@@ -607,9 +675,9 @@ class CGeometrySorter
     {
         uint32_t closing = 0, nNew = 0;
         for (int k = 0; k < 3; ++k)
-            if (m_vWork[tv[k]] != m_workStamp)
+            if (!InWork(tv[k]))
             {
-                closing += m_vClosing[tv[k]];
+                closing += m_vState[tv[k]].nClosing;
                 ++nNew;
             }
         const size_t cap = m_nTriMax - m_work.tri.size();
@@ -672,8 +740,9 @@ class CGeometrySorter
             AddCandidates(v);
         while (m_work.tri.size() < m_nTriMax)
         {
-            int32_t kept = -1;
-            SScore keptScore{};
+            // Drop the candidates that joined the option or can no longer fit, and take the ratio of
+            // the rest where the closing counts decide it.
+            uint64_t best = 0;
             size_t live = 0;
             for (size_t i = 0; i < m_candidates.size(); ++i)
             {
@@ -681,17 +750,28 @@ class CGeometrySorter
                 const STriangle& u = m_tri[c.nTriangle];
                 if (u.nWork == m_workStamp)
                     continue; // joined the option
-                SScore score;
-                if (!CandidateScore(c, u.v, score))
+                if (!Ratio(c.nTriangle, u.v, c.nRatio))
                     continue; // refused for good
+                if (c.nRatio != UINT64_MAX)
+                    best = std::max(best, c.nRatio);
                 m_candidates[live++] = c;
+            }
+            m_candidates.resize(live);
+            // The fold over the candidates that can reach the best ratio known (the winner has the
+            // best ratio of all, and ratios that differ are never within 0.1 of each other here).
+            int32_t kept = -1;
+            SScore keptScore{};
+            for (SCandidate& c : m_candidates)
+            {
+                SScore score;
+                if (c.nRatio < best || !CandidateScore(c, Tri(c.nTriangle), score))
+                    continue;
                 if (kept < 0 || IsBetterThan(score, keptScore))
                 {
                     kept = c.nTriangle;
                     keptScore = score;
                 }
             }
-            m_candidates.resize(live);
             // The winner's full appraisal gives its triangles in walk order (it cannot be refused
             // here: its score was taken under the same option).
             if (kept < 0 || !Appraise(kept, m_scratch[0]))
@@ -1015,9 +1095,17 @@ class CGeometrySorter
         uint32_t nStamp;
         int32_t nSlot; // in the working option's edge list
     };
-    QMXTLargeVector<uint32_t> m_vWork, m_vBest;
+    // Per vertex: the option stamp, a counter of changes of the triangles that could close against
+    // the option there, and the count of those that do (valid with its stamp).
+    struct SVertexState
+    {
+        uint32_t nWork, nClosing, nClosedStamp, nClosed;
+    };
+    QMXTLargeVector<SVertexState> m_vState;
+    QMXTLargeVector<uint32_t> m_vBest;
     QMXTLargeVector<STriangle> m_tri;
     QMXTLargeVector<SEdgeStamp> m_eWork;
+    QMXTLargeVector<SEdgeClosed> m_eClosed; // triangles closing on edges outside the option
     uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
     QMXTLargeVector<uint32_t>* m_pOut = nullptr;
     // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
@@ -1033,10 +1121,7 @@ class CGeometrySorter
     std::vector<SDependency> m_deps;
     QMXTLargeVector<uint32_t> m_vFootprint;
     uint32_t m_footprintStamp = 0;
-    // Candidates of the current growth, and per vertex a counter of changes of the triangles that
-    // could close against the option there.
-    std::vector<SCandidate> m_candidates;
-    QMXTLargeVector<uint32_t> m_vClosing;
+    std::vector<SCandidate> m_candidates; // of the current growth
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
     uint32_t m_growth = 0;
