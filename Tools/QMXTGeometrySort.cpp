@@ -667,7 +667,8 @@ class CGeometrySorter
         return true;
     }
 
-    // The score of candidate c under the current option, from its cached fast appraisal while the
+    // The score of candidate c under the current option (with its ratio from Ratio), directly when it
+    // closes only itself, else from its cached fast appraisal while the
     // counters of its new corners are unchanged and the triangle cap still allows it. False when its
     // new vertices do not fit (final within a growth: the free vertex slots shrink at least as fast
     // as a candidate's new vertices).
@@ -680,6 +681,15 @@ class CGeometrySorter
                 closing += m_vState[tv[k]].nClosing;
                 ++nNew;
             }
+        if (c.nRatio != UINT64_MAX && c.nRatio * nNew == 6)
+        {
+            // It closes nothing but itself.
+            int delta = 0;
+            for (int k = 0; k < 3; ++k)
+                delta += EdgeTerm(m_edgeRem[m_triEdge[size_t(c.nTriangle) * 3 + k]], 1);
+            score = Score(1, nNew, delta);
+            return true;
+        }
         const size_t cap = m_nTriMax - m_work.tri.size();
         if (c.bFast && m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nClosing == closing)
         {
