@@ -518,8 +518,9 @@ class CGeometrySorter
     }
 
     // Scratch option of triangle t: t and every triangle around its vertices that it closes against
-    // the working option. False when t's new vertices do not fit.
-    bool Appraise(int32_t t, SOption& s)
+    // the working option (with their edges unless only the triangles are wanted). False when t's
+    // new vertices do not fit.
+    bool Appraise(int32_t t, SOption& s, bool bEdges = true)
     {
         s.Clear();
         ++m_scratchStamp;
@@ -546,7 +547,7 @@ class CGeometrySorter
                     continue;
                 m_tri[u].nScratch = m_scratchStamp;
                 s.tri.push_back(u);
-                for (int k = 0; k < 3; ++k)
+                for (int k = 0; k < 3 && bEdges; ++k)
                     ScratchAddEdgeUse(s, m_triEdge[size_t(u) * 3 + k]);
             }
         }
@@ -784,7 +785,7 @@ class CGeometrySorter
             }
             // The winner's full appraisal gives its triangles in walk order (it cannot be refused
             // here: its score was taken under the same option).
-            if (kept < 0 || !Appraise(kept, m_scratch[0]))
+            if (kept < 0 || !Appraise(kept, m_scratch[0], false))
                 break;
             const size_t nOld = m_work.vtx.size();
             for (int32_t v : m_scratch[0].vtx)
