@@ -78,12 +78,15 @@ class CSlotBits
     QMXTLargeVector<uint64_t> m_summary;
 };
 
-// Per edge: the count of unwritten triangles on it that close against the option (valid with
-// its stamp).
-struct SEdgeClosed
+// Per edge: the count of unwritten triangles on it, and under the option stamp either its slot in
+// the option's edge list (>= 0; both ends in the option) or minus the count of unwritten triangles
+// on it whose third corner is in the option (< 0; both ends outside). One record keeps an edge's
+// state in one cache line.
+struct SEdge
 {
+    int32_t nRem;
     uint32_t nStamp;
-    uint32_t nCount;
+    int32_t nValue;
 };
 
 struct SMesh
@@ -305,12 +308,10 @@ class CGeometrySorter
                 m_triEdge[self] = owner == self ? nEdges++ : m_triEdge[owner];
             }
         }
-        m_edgeRem.assign(size_t(nEdges), 0);
+        m_edges.assign(size_t(nEdges), {0, 0, 0});
         for (int32_t e : m_triEdge)
             if (e >= 0)
-                ++m_edgeRem[e];
-        m_eWork.assign(size_t(nEdges), {0, 0});
-        m_eClosed.assign(size_t(nEdges), {0, 0});
+                ++m_edges[e].nRem;
     }
 
     // Connected groups by shared triangles, breadth first, laid out in one vertex list.
@@ -421,7 +422,7 @@ class CGeometrySorter
         }
     }
     // Unwritten triangles on edge e (both ends outside the option) whose third corner is in it.
-    uint32_t Closed(const SEdgeClosed& e) const { return e.nStamp == m_workStamp ? e.nCount : 0; }
+    uint32_t Closed(const SEdge& e) const { return e.nStamp == m_workStamp && e.nValue < 0 ? uint32_t(-e.nValue) : 0; }
     // Unwritten triangles at v (outside the option) whose other corners are in the option.
     uint32_t Closed(uint32_t v) const
     {
@@ -456,8 +457,8 @@ class CGeometrySorter
                     Closing(b, inA);
                 if (!inA && !inB)
                 {
-                    SEdgeClosed& e = m_eClosed[m_triEdge[size_t(*p) * 3 + (c + 1) % 3]];
-                    e.nCount = e.nStamp == m_workStamp ? e.nCount + 1 : 1;
+                    SEdge& e = m_edges[m_triEdge[size_t(*p) * 3 + (c + 1) % 3]];
+                    e.nValue = e.nStamp == m_workStamp ? e.nValue - 1 : -1;
                     e.nStamp = m_workStamp;
                 }
             }
@@ -465,15 +466,17 @@ class CGeometrySorter
     }
     void WorkAddEdgeUse(int32_t e, int32_t count)
     {
-        if (m_eWork[e].nStamp != m_workStamp)
+        SEdge& edge = m_edges[e];
+        if (edge.nStamp != m_workStamp || edge.nValue < 0)
         {
-            m_eWork[e] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            edge.nStamp = m_workStamp;
+            edge.nValue = static_cast<int32_t>(m_work.edges.size());
             m_work.edges.push_back({e, count});
-            m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], count);
+            m_work.nClosedDelta += EdgeTerm(m_edges[e].nRem, count);
             return;
         }
-        int32_t& n = m_work.edges[m_eWork[e].nSlot].nCount;
-        m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], n + count) - EdgeTerm(m_edgeRem[e], n);
+        int32_t& n = m_work.edges[edge.nValue].nCount;
+        m_work.nClosedDelta += EdgeTerm(m_edges[e].nRem, n + count) - EdgeTerm(m_edges[e].nRem, n);
         n += count;
     }
     // Adds a triangle whose corners are all in the option already.
@@ -511,7 +514,8 @@ class CGeometrySorter
         }
         for (const SEdgeUse& e : m_best.edges)
         {
-            m_eWork[e.nEdge] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            m_edges[e.nEdge].nStamp = m_workStamp;
+            m_edges[e.nEdge].nValue = static_cast<int32_t>(m_work.edges.size());
             m_work.edges.push_back(e);
         }
         m_work.nClosedDelta = m_best.nClosedDelta;
@@ -558,12 +562,12 @@ class CGeometrySorter
         for (SEdgeUse& use : s.edges)
             if (use.nEdge == e)
             {
-                s.nClosedDelta += EdgeTerm(m_edgeRem[e], use.nCount + 1) - EdgeTerm(m_edgeRem[e], use.nCount);
+                s.nClosedDelta += EdgeTerm(m_edges[e].nRem, use.nCount + 1) - EdgeTerm(m_edges[e].nRem, use.nCount);
                 ++use.nCount;
                 return;
             }
         s.edges.push_back({e, 1});
-        s.nClosedDelta += EdgeTerm(m_edgeRem[e], 1);
+        s.nClosedDelta += EdgeTerm(m_edges[e].nRem, 1);
     }
 
     // The score of appraising t from the triangle lists of its new vertices only. Exact while no
@@ -631,7 +635,7 @@ class CGeometrySorter
             }
         int delta = 0;
         for (size_t j = 0; j < nEdges; ++j)
-            delta += EdgeTerm(m_edgeRem[edgeIds[j]], edgeUses[j]);
+            delta += EdgeTerm(m_edges[edgeIds[j]].nRem, edgeUses[j]);
         accepted = true;
         score = Score(count, nNew, delta);
         return true;
@@ -661,7 +665,7 @@ class CGeometrySorter
         {
             const int k = !isNew[2] ? 0 : !isNew[0] ? 1 : 2; // the edge from corner k to k + 1
             const uint64_t n = uint64_t(Closed(tv[k])) + Closed(tv[(k + 1) % 3]) +
-                               Closed(m_eClosed[m_triEdge[size_t(t) * 3 + k]]);
+                               Closed(m_edges[m_triEdge[size_t(t) * 3 + k]]);
             if (n <= cap)
                 ratio = n * 3;
         }
@@ -687,7 +691,7 @@ class CGeometrySorter
             // It closes nothing but itself.
             int delta = 0;
             for (int k = 0; k < 3; ++k)
-                delta += EdgeTerm(m_edgeRem[m_triEdge[size_t(c.nTriangle) * 3 + k]], 1);
+                delta += EdgeTerm(m_edges[m_triEdge[size_t(c.nTriangle) * 3 + k]].nRem, 1);
             score = Score(1, nNew, delta);
             return true;
         }
@@ -1037,7 +1041,7 @@ class CGeometrySorter
                 UpdateBits(v);
                 VertexChanged(v);
                 DropGrownBlock(v);
-                --m_edgeRem[m_triEdge[size_t(t) * 3 + c]];
+                --m_edges[m_triEdge[size_t(t) * 3 + c]].nRem;
                 m_pOut->push_back(Tri(t)[c]);
             }
             m_tri[t].bUsed = 1;
@@ -1086,7 +1090,8 @@ class CGeometrySorter
     uint32_t m_nVtx, m_nTri, m_nVtxMax, m_nTriMax;
     uint32_t m_nModelTri = 0, m_nWritten = 0;
     QMXTLargeVector<uint32_t> m_triStart;
-    QMXTLargeVector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
+    QMXTLargeVector<int32_t> m_triList, m_rem, m_triEdge, m_list;
+    QMXTLargeVector<SEdge> m_edges;
     QMXTLargeVector<uint32_t> m_slot;
     QMXTLargeVector<uint8_t> m_degenerate;
     std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
@@ -1101,11 +1106,6 @@ class CGeometrySorter
         uint32_t nCandidate; // growth that listed it as a candidate
         uint8_t bUsed;
     };
-    struct SEdgeStamp
-    {
-        uint32_t nStamp;
-        int32_t nSlot; // in the working option's edge list
-    };
     // Per vertex: the option stamp, a counter of changes of the triangles that could close against
     // the option there, and the count of those that do (valid with its stamp).
     struct SVertexState
@@ -1115,8 +1115,6 @@ class CGeometrySorter
     QMXTLargeVector<SVertexState> m_vState;
     QMXTLargeVector<uint32_t> m_vBest;
     QMXTLargeVector<STriangle> m_tri;
-    QMXTLargeVector<SEdgeStamp> m_eWork;
-    QMXTLargeVector<SEdgeClosed> m_eClosed; // triangles closing on edges outside the option
     uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
     QMXTLargeVector<uint32_t>* m_pOut = nullptr;
     // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
