@@ -721,9 +721,12 @@ class CGeometrySorter
         return accepted;
     }
 
-    // Appends v's unwritten triangles outside the option that are not candidates yet.
-    void AddCandidates(int32_t v)
+    // Appends v's unwritten triangles outside the option that are not candidates yet. With a
+    // footprint given, records v and the corners of those triangles.
+    void AddCandidates(int32_t v, std::vector<int32_t>* footprint)
     {
+        if (footprint)
+            Footprint(*footprint, v);
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
         {
             STriangle& u = m_tri[*p];
@@ -733,13 +736,17 @@ class CGeometrySorter
             SCandidate c{};
             c.nTriangle = *p;
             m_candidates.push_back(c);
+            if (footprint)
+                for (int k = 0; k < 3; ++k)
+                    Footprint(*footprint, int32_t(u.v[k]));
         }
     }
 
     // Grows the working option by the best appraised candidate until nothing fits: the first
     // accepted candidate, replaced by any later one that is better, in the order of the option's
     // vertices and their triangles. With a footprint given, records every vertex whose state the
-    // growth read.
+    // growth read: the option's vertices and the corners of every unwritten triangle at them (each
+    // is a candidate or joined the option, whose corners are in it).
     //
     // The candidates of a growth are kept in one list in that order of first appearance: a triangle
     // first appears at the earliest option vertex it touches, vertices only join, and a triangle that
@@ -752,7 +759,7 @@ class CGeometrySorter
         ++m_growth;
         m_candidates.clear();
         for (int32_t v : m_work.vtx)
-            AddCandidates(v);
+            AddCandidates(v, footprint);
         while (m_work.tri.size() < m_nTriMax)
         {
             // Drop the candidates that joined the option or can no longer fit, and take the ratio of
@@ -797,19 +804,8 @@ class CGeometrySorter
             for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
             for (size_t i = nOld; i < m_work.vtx.size(); ++i)
-                AddCandidates(m_work.vtx[i]);
+                AddCandidates(m_work.vtx[i], footprint);
         }
-        // Everything read: the option's vertices and those of every unwritten triangle at them (each
-        // triangle appraised is one of these, or joined the option).
-        if (footprint)
-            for (int32_t v : m_work.vtx)
-            {
-                Footprint(*footprint, v);
-                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
-                    if (!m_tri[*p].bUsed)
-                        for (int c = 0; c < 3; ++c)
-                            Footprint(*footprint, int32_t(Tri(*p)[c]));
-            }
     }
 
     void Footprint(std::vector<int32_t>& footprint, int32_t v)
