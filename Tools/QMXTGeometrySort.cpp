@@ -278,36 +278,34 @@ class CGeometrySorter
             m_rem[v] = static_cast<int32_t>(m_triStart[v + 1] - m_triStart[v]);
     }
 
-    // Edges get dense numbers in order of first appearance; a later triangle finds an edge through
-    // the first triangle holding its vertex pair (searched in the shorter vertex triangle list).
+    // Edges get dense numbers by their lower vertex: walking each vertex's triangles, a mark on the
+    // other end tells whether the pair already has a number. (Numbers are only names: nothing
+    // depends on their order.)
     void BuildEdges()
     {
         m_triEdge.assign(size_t(m_nTri) * 3, -1);
+        QMXTLargeVector<uint32_t> mark(m_nVtx, UINT32_MAX);
+        QMXTLargeVector<int32_t> number(m_nVtx);
         int32_t nEdges = 0;
-        for (uint32_t t = 0; t < m_nTri; ++t)
-        {
-            if (m_degenerate[t])
-                continue;
-            for (int c = 0; c < 3; ++c)
+        for (uint32_t a = 0; a < m_nVtx; ++a)
+            for (const int32_t* p = TrisBegin(int32_t(a)); p != TrisEnd(int32_t(a)); ++p)
             {
-                const int32_t a = static_cast<int32_t>(Tri(t)[c]), b = static_cast<int32_t>(Tri(t)[(c + 1) % 3]);
-                const int32_t x = (TrisEnd(a) - TrisBegin(a)) <= (TrisEnd(b) - TrisBegin(b)) ? a : b;
-                const int32_t y = x == a ? b : a;
-                size_t owner = SIZE_MAX;
-                for (const int32_t* p = TrisBegin(x); owner == SIZE_MAX; ++p)
+                const uint32_t* u = Tri(*p);
+                const int c = u[0] == a ? 0 : u[1] == a ? 1 : 2;
+                // The edges from corner c to the next and from the previous to corner c.
+                for (const int k : {c, (c + 2) % 3})
                 {
-                    const uint32_t* u = Tri(*p);
-                    for (int e = 0; e < 3 && owner == SIZE_MAX; ++e)
+                    const uint32_t b = u[k == c ? (c + 1) % 3 : k];
+                    if (b < a)
+                        continue; // named from b
+                    if (mark[b] != a)
                     {
-                        const int32_t ua = int32_t(u[e]), ub = int32_t(u[(e + 1) % 3]);
-                        if ((ua == x && ub == y) || (ua == y && ub == x))
-                            owner = size_t(*p) * 3 + e;
+                        mark[b] = a;
+                        number[b] = nEdges++;
                     }
+                    m_triEdge[size_t(*p) * 3 + k] = number[b];
                 }
-                const size_t self = size_t(t) * 3 + c;
-                m_triEdge[self] = owner == self ? nEdges++ : m_triEdge[owner];
             }
-        }
         m_edges.assign(size_t(nEdges), {0, 0, 0});
         for (int32_t e : m_triEdge)
             if (e >= 0)
