@@ -5,15 +5,23 @@
 // mesh is a slice of one vertex list; vertices move inside it when a closed piece is split off.
 //
 // What keeps it near-linear while giving the same blocks as the plain searches:
-// - an edge is identified by the first triangle that holds its vertex pair, found through the shorter
-//   of the two vertex triangle lists, instead of a scan over all edges;
+// - an edge is a number per unordered vertex pair, given out by the pair's lower vertex with marks
+//   on the other ends, instead of a scan over all edges; an edge's state is one record;
 // - the scans of a large mesh for vertices with one or some triangles left use bit sets over the
 //   vertex list; membership of a vertex, triangle or edge in an option is a stamp, not a search;
 // - a block grown from a start vertex depends only on the vertices it read, so it is kept until one
 //   of them is written (each vertex lists the grown blocks that read it);
-// - within one growth a candidate's appraisal is kept while nothing around its corners has joined
-//   the option (per-vertex change counters), and is computed from the triangles at its corners
-//   outside the option whenever no closed triangle waits outside the option.
+// - a growth lists its candidate triangles once, in the order the plain walk over the option's
+//   vertices first meets them, and drops those that joined or can no longer fit. Within a growth a
+//   candidate adds at most three vertices, so ratios that differ are at least 1/6 apart and
+//   "better" is a strict order: the first candidate with the best score wins either way;
+// - while no closed triangle waits outside the option, the triangles a candidate takes are those
+//   that close at its new corners. Counts of them kept per vertex (other corners in the option)
+//   and per edge (third corner in the option) give every candidate's ratio directly, so only the
+//   candidates with the best ratio are appraised; one that closes only itself is scored from its
+//   own edges, others from the triangle lists of its new corners, the result kept until a
+//   triangle at those corners gets a corner in the option (per-vertex change counters);
+// - otherwise, or when the triangle cap cuts a closing short, the plain appraisal walk decides.
 #include "QMXTGeometrySort.h"
 #include "QMXTLargeArray.h"
 
@@ -1127,7 +1135,7 @@ class CGeometrySorter
     std::vector<SCandidate> m_candidates; // of the current growth
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
-    uint32_t m_growth = 0;
+    uint32_t m_growth = 0; // stamps the candidates listed by the current growth
 };
 
 // New vertex numbers by first use; records move with them.
