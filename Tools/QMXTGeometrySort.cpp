@@ -214,8 +214,8 @@ class CGeometrySorter
         m_vFootprint.assign(nVtx, 0);
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
-        m_fastEdgeIds.resize(size_t(nTriMax) * 3);
-        m_fastEdgeUses.resize(size_t(nTriMax) * 3);
+        m_fastEdgeIds.resize(size_t(std::min(nTriMax, nTri)) * 3);
+        m_fastEdgeUses.resize(size_t(std::min(nTriMax, nTri)) * 3);
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.

@@ -178,6 +178,11 @@ TEST(GeometrySort, SmallShapesKeepTheirTriangles)
         EXPECT_EQ(WindingKeys(s.idx), WindingKeys(idx));
         EXPECT_EQ(s.blocks, std::vector<uint32_t>{m.TriNum()});
     }
+    // A triangle limit far beyond the mesh needs no memory by that limit.
+    const SIndexMesh grid = Grid(5, 4);
+    const SSorted unlimited = Sort(grid, 32, UINT32_MAX, 3);
+    ASSERT_EQ(unlimited.nResult, 0);
+    EXPECT_EQ(WindingKeys(unlimited.idx), WindingKeys(grid.idx));
     SIndexMesh one;
     one.idx = {2, 0, 1};
     one.nVertexNum = 3;
