@@ -5,15 +5,23 @@
 // mesh is a slice of one vertex list; vertices move inside it when a closed piece is split off.
 //
 // What keeps it near-linear while giving the same blocks as the plain searches:
-// - an edge is identified by the first triangle that holds its vertex pair, found through the shorter
-//   of the two vertex triangle lists, instead of a scan over all edges;
+// - an edge is a number per unordered vertex pair, given out by the pair's lower vertex with marks
+//   on the other ends, instead of a scan over all edges; an edge's state is one record;
 // - the scans of a large mesh for vertices with one or some triangles left use bit sets over the
 //   vertex list; membership of a vertex, triangle or edge in an option is a stamp, not a search;
 // - a block grown from a start vertex depends only on the vertices it read, so it is kept until one
 //   of them is written (each vertex lists the grown blocks that read it);
-// - within one growth a candidate's appraisal is kept while nothing around its corners has joined
-//   the option (per-vertex change counters), and is computed from the triangles at its corners
-//   outside the option whenever no closed triangle waits outside the option.
+// - a growth lists its candidate triangles once, in the order the plain walk over the option's
+//   vertices first meets them, and drops those that joined or can no longer fit. Within a growth a
+//   candidate adds at most three vertices, so ratios that differ are at least 1/6 apart and
+//   "better" is a strict order: the first candidate with the best score wins either way;
+// - while no closed triangle waits outside the option, the triangles a candidate takes are those
+//   that close at its new corners. Counts of them kept per vertex (other corners in the option)
+//   and per edge (third corner in the option) give every candidate's ratio directly, so only the
+//   candidates with the best ratio are appraised; one that closes only itself is scored from its
+//   own edges, others from the triangle lists of its new corners, the result kept until a
+//   triangle at those corners gets a corner in the option (per-vertex change counters);
+// - otherwise, or when the triangle cap cuts a closing short, the plain appraisal walk decides.
 #include "QMXTGeometrySort.h"
 #include "QMXTLargeArray.h"
 
@@ -76,6 +84,17 @@ class CSlotBits
   private:
     QMXTLargeVector<uint64_t> m_words;
     QMXTLargeVector<uint64_t> m_summary;
+};
+
+// Per edge: the count of unwritten triangles on it, and under the option stamp either its slot in
+// the option's edge list (>= 0; both ends in the option) or minus the count of unwritten triangles
+// on it whose third corner is in the option (< 0; both ends outside). One record keeps an edge's
+// state in one cache line.
+struct SEdge
+{
+    int32_t nRem;
+    uint32_t nStamp;
+    int32_t nValue;
 };
 
 struct SMesh
@@ -146,17 +165,15 @@ bool IsBetterThan(const SScore& a, const SScore& b)
     return a.nTri > b.nTri;
 }
 
-// A cached appraisal: valid within one growth while the star counters it depends on are unchanged.
-struct SAppraisal
+// A candidate triangle of the current growth and its cached fast appraisal.
+struct SCandidate
 {
-    uint32_t nGrowth = 0;
-    uint32_t nTriangle = 0;
-    uint32_t nStar = 0;
-    size_t nCap = 0;
-    size_t nNewVtx = 0;   // corners of the triangle not yet in the option
-    bool bWalked = false; // accepted (otherwise rejected for want of vertex slots)
-    bool bFast = false;   // from the new corners only: counters over those, valid while no closed
-                          // triangle waits outside the option
+    int32_t nTriangle = 0;
+    uint64_t nRatio = 0;   // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
+    uint32_t nClosing = 0; // sum of the closing counters of its new corners
+    uint32_t nCap = 0;
+    uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
+    bool bFast = false;   // the score below is from the fast appraisal (otherwise not kept)
     SScore score{};
 };
 
@@ -192,16 +209,13 @@ class CGeometrySorter
             o->tri.reserve(std::min(nTriMax, nTri));
             o->edges.reserve(size_t(std::min(nTriMax, nTri)) * 3);
         }
-        m_vWork.assign(nVtx, 0);
+        m_vState.assign(nVtx, {0, 0, 0, 0});
         m_vBest.assign(nVtx, 0);
         m_vFootprint.assign(nVtx, 0);
-        m_vStar.assign(nVtx, 0);
-        m_vWorkTri.assign(nVtx, {0, 0});
         m_blockOf.assign(nVtx, -1);
         m_depHead.assign(nVtx, -1);
-        m_appraisals.resize(1024);
-        m_fastEdgeIds.resize(size_t(nTriMax) * 3);
-        m_fastEdgeUses.resize(size_t(nTriMax) * 3);
+        m_fastEdgeIds.resize(size_t(std::min(nTriMax, nTri)) * 3);
+        m_fastEdgeUses.resize(size_t(std::min(nTriMax, nTri)) * 3);
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.
@@ -244,7 +258,7 @@ class CGeometrySorter
         for (uint32_t t = 0; t < m_nTri; ++t)
         {
             const uint32_t* p = m_pnIdx + size_t(t) * 3;
-            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0};
+            m_tri[t] = {{p[0], p[1], p[2]}, 0, 0, 0, 0, 0};
         }
         m_triStart.assign(size_t(m_nVtx) + 1, 0);
         m_degenerate.assign(m_nTri, 0);
@@ -272,41 +286,38 @@ class CGeometrySorter
             m_rem[v] = static_cast<int32_t>(m_triStart[v + 1] - m_triStart[v]);
     }
 
-    // Edges get dense numbers in order of first appearance; a later triangle finds an edge through
-    // the first triangle holding its vertex pair (searched in the shorter vertex triangle list).
+    // Edges get dense numbers by their lower vertex: walking each vertex's triangles, a mark on the
+    // other end tells whether the pair already has a number. (Numbers are only names: nothing
+    // depends on their order.)
     void BuildEdges()
     {
         m_triEdge.assign(size_t(m_nTri) * 3, -1);
+        QMXTLargeVector<uint32_t> mark(m_nVtx, UINT32_MAX);
+        QMXTLargeVector<int32_t> number(m_nVtx);
         int32_t nEdges = 0;
-        for (uint32_t t = 0; t < m_nTri; ++t)
-        {
-            if (m_degenerate[t])
-                continue;
-            for (int c = 0; c < 3; ++c)
+        for (uint32_t a = 0; a < m_nVtx; ++a)
+            for (const int32_t* p = TrisBegin(int32_t(a)); p != TrisEnd(int32_t(a)); ++p)
             {
-                const int32_t a = static_cast<int32_t>(Tri(t)[c]), b = static_cast<int32_t>(Tri(t)[(c + 1) % 3]);
-                const int32_t x = (TrisEnd(a) - TrisBegin(a)) <= (TrisEnd(b) - TrisBegin(b)) ? a : b;
-                const int32_t y = x == a ? b : a;
-                size_t owner = SIZE_MAX;
-                for (const int32_t* p = TrisBegin(x); owner == SIZE_MAX; ++p)
+                const uint32_t* u = Tri(*p);
+                const int c = u[0] == a ? 0 : u[1] == a ? 1 : 2;
+                // The edges from corner c to the next and from the previous to corner c.
+                for (const int k : {c, (c + 2) % 3})
                 {
-                    const uint32_t* u = Tri(*p);
-                    for (int e = 0; e < 3 && owner == SIZE_MAX; ++e)
+                    const uint32_t b = u[k == c ? (c + 1) % 3 : k];
+                    if (b < a)
+                        continue; // named from b
+                    if (mark[b] != a)
                     {
-                        const int32_t ua = int32_t(u[e]), ub = int32_t(u[(e + 1) % 3]);
-                        if ((ua == x && ub == y) || (ua == y && ub == x))
-                            owner = size_t(*p) * 3 + e;
+                        mark[b] = a;
+                        number[b] = nEdges++;
                     }
+                    m_triEdge[size_t(*p) * 3 + k] = number[b];
                 }
-                const size_t self = size_t(t) * 3 + c;
-                m_triEdge[self] = owner == self ? nEdges++ : m_triEdge[owner];
             }
-        }
-        m_edgeRem.assign(size_t(nEdges), 0);
+        m_edges.assign(size_t(nEdges), {0, 0, 0});
         for (int32_t e : m_triEdge)
             if (e >= 0)
-                ++m_edgeRem[e];
-        m_eWork.assign(size_t(nEdges), {0, 0});
+                ++m_edges[e].nRem;
     }
 
     // Connected groups by shared triangles, breadth first, laid out in one vertex list.
@@ -403,48 +414,75 @@ class CGeometrySorter
         ++m_workStamp;
         m_nClosedOutside = 0;
     }
-    // Counts an option triangle at v: v has candidates only while it has more unwritten triangles.
-    void CountWorkTriangle(uint32_t v)
+    bool InWork(uint32_t v) const { return m_vState[v].nWork == m_workStamp; }
+    // A triangle at v outside the option had a corner join it; it closes at v when its third corner
+    // is in the option too.
+    void Closing(uint32_t v, bool closes)
     {
-        ++m_vStar[v];
-        SWorkCount& n = m_vWorkTri[v];
-        n = {m_workStamp, n.nStamp == m_workStamp ? n.nCount + 1 : 1};
+        SVertexState& s = m_vState[v];
+        ++s.nClosing;
+        if (closes)
+        {
+            s.nClosed = s.nClosedStamp == m_workStamp ? s.nClosed + 1 : 1;
+            s.nClosedStamp = m_workStamp;
+        }
     }
-    bool HasCandidates(int32_t v) const
+    // Unwritten triangles on edge e (both ends outside the option) whose third corner is in it.
+    uint32_t Closed(const SEdge& e) const { return e.nStamp == m_workStamp && e.nValue < 0 ? uint32_t(-e.nValue) : 0; }
+    // Unwritten triangles at v (outside the option) whose other corners are in the option.
+    uint32_t Closed(uint32_t v) const
     {
-        const SWorkCount& n = m_vWorkTri[v];
-        return m_rem[v] > (n.nStamp == m_workStamp ? n.nCount : 0);
+        const SVertexState& s = m_vState[v];
+        return s.nClosedStamp == m_workStamp ? s.nClosed : 0;
     }
 
     void WorkAddVertex(int32_t v)
     {
-        if (m_vWork[v] == m_workStamp)
+        if (InWork(v))
             return;
-        m_vWork[v] = m_workStamp;
+        m_vState[v].nWork = m_workStamp;
         m_work.vtx.push_back(v);
-        // Appraisals of triangles at v's neighbours read whether v is in the option; triangles whose
+        // Every unwritten triangle at v outside the option may now close against it: the triangles a
+        // fast appraisal at its other corners can take change (their counters move). Triangles whose
         // corners are now all in the option but that it does not hold yet are counted.
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
         {
-            const uint32_t* u = Tri(*p);
-            for (int c = 0; c < 3; ++c)
-                ++m_vStar[u[c]];
-            if (!m_tri[*p].bUsed && m_tri[*p].nWork != m_workStamp && m_vWork[u[0]] == m_workStamp &&
-                m_vWork[u[1]] == m_workStamp && m_vWork[u[2]] == m_workStamp)
+            const STriangle& u = m_tri[*p];
+            if (u.bUsed || u.nWork == m_workStamp)
+                continue;
+            const int c = u.v[0] == uint32_t(v) ? 0 : u.v[1] == uint32_t(v) ? 1 : 2;
+            const uint32_t a = u.v[(c + 1) % 3], b = u.v[(c + 2) % 3];
+            const bool inA = InWork(a), inB = InWork(b);
+            if (inA && inB)
                 ++m_nClosedOutside;
+            else
+            {
+                if (!inA)
+                    Closing(a, inB);
+                if (!inB)
+                    Closing(b, inA);
+                if (!inA && !inB)
+                {
+                    SEdge& e = m_edges[m_triEdge[size_t(*p) * 3 + (c + 1) % 3]];
+                    e.nValue = e.nStamp == m_workStamp ? e.nValue - 1 : -1;
+                    e.nStamp = m_workStamp;
+                }
+            }
         }
     }
     void WorkAddEdgeUse(int32_t e, int32_t count)
     {
-        if (m_eWork[e].nStamp != m_workStamp)
+        SEdge& edge = m_edges[e];
+        if (edge.nStamp != m_workStamp || edge.nValue < 0)
         {
-            m_eWork[e] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            edge.nStamp = m_workStamp;
+            edge.nValue = static_cast<int32_t>(m_work.edges.size());
             m_work.edges.push_back({e, count});
-            m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], count);
+            m_work.nClosedDelta += EdgeTerm(m_edges[e].nRem, count);
             return;
         }
-        int32_t& n = m_work.edges[m_eWork[e].nSlot].nCount;
-        m_work.nClosedDelta += EdgeTerm(m_edgeRem[e], n + count) - EdgeTerm(m_edgeRem[e], n);
+        int32_t& n = m_work.edges[edge.nValue].nCount;
+        m_work.nClosedDelta += EdgeTerm(m_edges[e].nRem, n + count) - EdgeTerm(m_edges[e].nRem, n);
         n += count;
     }
     // Adds a triangle whose corners are all in the option already.
@@ -453,8 +491,6 @@ class CGeometrySorter
         --m_nClosedOutside;
         m_tri[t].nWork = m_workStamp;
         m_work.tri.push_back(t);
-        for (int c = 0; c < 3; ++c)
-            CountWorkTriangle(Tri(t)[c]);
         for (int c = 0; c < 3; ++c)
             WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
     }
@@ -481,26 +517,26 @@ class CGeometrySorter
             --m_nClosedOutside;
             m_tri[t].nWork = m_workStamp;
             m_work.tri.push_back(t);
-            for (int c = 0; c < 3; ++c)
-                CountWorkTriangle(Tri(t)[c]);
         }
         for (const SEdgeUse& e : m_best.edges)
         {
-            m_eWork[e.nEdge] = {m_workStamp, static_cast<int32_t>(m_work.edges.size())};
+            m_edges[e.nEdge].nStamp = m_workStamp;
+            m_edges[e.nEdge].nValue = static_cast<int32_t>(m_work.edges.size());
             m_work.edges.push_back(e);
         }
         m_work.nClosedDelta = m_best.nClosedDelta;
     }
 
     // Scratch option of triangle t: t and every triangle around its vertices that it closes against
-    // the working option. False when t's new vertices do not fit.
-    bool Appraise(int32_t t, SOption& s)
+    // the working option (with their edges unless only the triangles are wanted). False when t's
+    // new vertices do not fit.
+    bool Appraise(int32_t t, SOption& s, bool bEdges = true)
     {
         s.Clear();
         ++m_scratchStamp;
         const uint32_t* tv = Tri(t);
         for (int c = 0; c < 3; ++c)
-            if (m_vWork[tv[c]] != m_workStamp)
+            if (!InWork(tv[c]))
                 s.vtx.push_back(static_cast<int32_t>(tv[c]));
         if (m_nVtxMax - m_work.vtx.size() < s.vtx.size())
             return false;
@@ -516,12 +552,12 @@ class CGeometrySorter
                 const uint32_t* uv = Tri(u);
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || m_vWork[uv[k]] == m_workStamp;
+                    closes = uv[k] == tv[0] || uv[k] == tv[1] || uv[k] == tv[2] || InWork(uv[k]);
                 if (!closes)
                     continue;
                 m_tri[u].nScratch = m_scratchStamp;
                 s.tri.push_back(u);
-                for (int k = 0; k < 3; ++k)
+                for (int k = 0; k < 3 && bEdges; ++k)
                     ScratchAddEdgeUse(s, m_triEdge[size_t(u) * 3 + k]);
             }
         }
@@ -532,12 +568,12 @@ class CGeometrySorter
         for (SEdgeUse& use : s.edges)
             if (use.nEdge == e)
             {
-                s.nClosedDelta += EdgeTerm(m_edgeRem[e], use.nCount + 1) - EdgeTerm(m_edgeRem[e], use.nCount);
+                s.nClosedDelta += EdgeTerm(m_edges[e].nRem, use.nCount + 1) - EdgeTerm(m_edges[e].nRem, use.nCount);
                 ++use.nCount;
                 return;
             }
         s.edges.push_back({e, 1});
-        s.nClosedDelta += EdgeTerm(m_edgeRem[e], 1);
+        s.nClosedDelta += EdgeTerm(m_edges[e].nRem, 1);
     }
 
     // The score of appraising t from the triangle lists of its new vertices only. Exact while no
@@ -552,7 +588,7 @@ class CGeometrySorter
         uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
         uint32_t nNew = 0;
         for (int c = 0; c < 3; ++c)
-            if (m_vWork[tv[c]] != m_workStamp)
+            if (!InWork(tv[c]))
             {
                 if (nNew == 2)
                     return false;
@@ -584,7 +620,7 @@ class CGeometrySorter
                     continue; // met in the first new vertex's list
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = m_vWork[u.v[k]] == m_workStamp || u.v[k] == nv[0] || u.v[k] == nv[1];
+                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
                 if (!closes)
                     continue;
                 if (++count > cap)
@@ -605,115 +641,177 @@ class CGeometrySorter
             }
         int delta = 0;
         for (size_t j = 0; j < nEdges; ++j)
-            delta += EdgeTerm(m_edgeRem[edgeIds[j]], edgeUses[j]);
+            delta += EdgeTerm(m_edges[edgeIds[j]].nRem, edgeUses[j]);
         accepted = true;
         score = Score(count, nNew, delta);
         return true;
     }
 
-    // The score of appraising t, from the appraisal cache of this growth when nothing around t's
-    // vertices has joined the option since and the triangle cap still allows it. False when t's new
-    // vertices do not fit.
-    bool AppraiseScore(int32_t t, SScore& score)
+    // Six times the triangles-per-vertex ratio of appraising t, from the counts of triangles that
+    // close at its new corners and on the edge between two new corners (all the fast appraisal
+    // takes), or UINT64_MAX when those do not decide the appraisal. False when t's new corners do
+    // not fit.
+    bool Ratio(int32_t t, const uint32_t* tv, uint64_t& ratio) const
     {
-        const uint32_t* tv = Tri(t);
-        // Star counters over all corners, and over the corners not in the option (which is all the
-        // fast appraisal depends on).
-        uint32_t starAll = 0, starNew = 0, nNew = 0;
-        for (int c = 0; c < 3; ++c)
+        const bool isNew[3] = {!InWork(tv[0]), !InWork(tv[1]), !InWork(tv[2])};
+        const uint32_t nNew = uint32_t(isNew[0]) + isNew[1] + isNew[2];
+        if (nNew > m_nVtxMax - m_work.vtx.size())
+            return false;
+        ratio = UINT64_MAX;
+        if (m_nClosedOutside != 0)
+            return true;
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        if (nNew == 1)
         {
-            starAll += m_vStar[tv[c]];
-            if (m_vWork[tv[c]] != m_workStamp)
+            const uint64_t n = Closed(tv[isNew[0] ? 0 : isNew[1] ? 1 : 2]);
+            if (n <= cap)
+                ratio = n * 6;
+        }
+        else if (nNew == 2)
+        {
+            const int k = !isNew[2] ? 0 : !isNew[0] ? 1 : 2; // the edge from corner k to k + 1
+            const uint64_t n = uint64_t(Closed(tv[k])) + Closed(tv[(k + 1) % 3]) +
+                               Closed(m_edges[m_triEdge[size_t(t) * 3 + k]]);
+            if (n <= cap)
+                ratio = n * 3;
+        }
+        return true;
+    }
+
+    // The score of candidate c under the current option (with its ratio from Ratio), directly when it
+    // closes only itself, else from its cached fast appraisal while the
+    // counters of its new corners are unchanged and the triangle cap still allows it. False when its
+    // new vertices do not fit (final within a growth: the free vertex slots shrink at least as fast
+    // as a candidate's new vertices).
+    bool CandidateScore(SCandidate& c, const uint32_t* tv, SScore& score)
+    {
+        uint32_t closing = 0, nNew = 0;
+        for (int k = 0; k < 3; ++k)
+            if (!InWork(tv[k]))
             {
-                starNew += m_vStar[tv[c]];
+                closing += m_vState[tv[k]].nClosing;
                 ++nNew;
             }
+        if (c.nRatio != UINT64_MAX && c.nRatio * nNew == 6)
+        {
+            // It closes nothing but itself.
+            int delta = 0;
+            for (int k = 0; k < 3; ++k)
+                delta += EdgeTerm(m_edges[m_triEdge[size_t(c.nTriangle) * 3 + k]].nRem, 1);
+            score = Score(1, nNew, delta);
+            return true;
         }
         const size_t cap = m_nTriMax - m_work.tri.size();
-        SAppraisal* a = nullptr;
-        const uint32_t mask = static_cast<uint32_t>(m_appraisals.size() - 1);
-        for (uint32_t h = (uint32_t(t) * 2654435761u) & mask, probes = 0; probes < 8; h = (h + 1) & mask, ++probes)
+        if (c.bFast && m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nClosing == closing)
         {
-            SAppraisal& slot = m_appraisals[h];
-            if (slot.nGrowth != m_growth || slot.nTriangle == uint32_t(t))
+            if (c.nNewVtx > m_nVtxMax - m_work.vtx.size())
+                return false;
+            if (c.nCap == cap || (c.score.nTri < c.nCap && c.score.nTri <= cap))
             {
-                a = &slot;
-                break;
-            }
-        }
-        if (a && a->nGrowth == m_growth && a->nTriangle == uint32_t(t) &&
-            (a->bFast ? m_nClosedOutside == 0 && a->nNewVtx == nNew && a->nStar == starNew : a->nStar == starAll))
-        {
-            if (!a->bWalked || a->nNewVtx > m_nVtxMax - m_work.vtx.size())
-                return false; // the free vertex slots only shrink during a growth
-            if (a->nCap == cap || (a->score.nTri < a->nCap && a->score.nTri <= cap))
-            {
-                score = a->score;
+                score = c.score;
                 return true;
             }
         }
         bool accepted;
-        size_t nNewVtx;
-        const bool fast = AppraiseFast(t, accepted, nNewVtx, score);
-        if (!fast)
+        size_t nNewVtx = 0;
+        c.bFast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
+        if (!c.bFast)
         {
-            accepted = Appraise(t, m_scratch[1]);
-            nNewVtx = m_scratch[1].vtx.size();
+            accepted = Appraise(c.nTriangle, m_scratch[1]);
             score = Score(m_scratch[1]);
         }
-        if (a)
-            *a = {m_growth, uint32_t(t), fast ? starNew : starAll, cap, nNewVtx, accepted, fast, score};
+        c.nClosing = closing;
+        c.nCap = static_cast<uint32_t>(cap);
+        c.nNewVtx = static_cast<uint32_t>(nNewVtx);
+        c.score = score;
         return accepted;
+    }
+
+    // Appends v's unwritten triangles outside the option that are not candidates yet. With a
+    // footprint given, records v and the corners of those triangles.
+    void AddCandidates(int32_t v, std::vector<int32_t>* footprint)
+    {
+        if (footprint)
+            Footprint(*footprint, v);
+        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        {
+            STriangle& u = m_tri[*p];
+            if (u.bUsed || u.nWork == m_workStamp || u.nCandidate == m_growth)
+                continue;
+            u.nCandidate = m_growth;
+            SCandidate c{};
+            c.nTriangle = *p;
+            m_candidates.push_back(c);
+            if (footprint)
+                for (int k = 0; k < 3; ++k)
+                    Footprint(*footprint, int32_t(u.v[k]));
+        }
     }
 
     // Grows the working option by the best appraised candidate until nothing fits: the first
     // accepted candidate, replaced by any later one that is better, in the order of the option's
     // vertices and their triangles. With a footprint given, records every vertex whose state the
-    // growth read.
+    // growth read: the option's vertices and the corners of every unwritten triangle at them (each
+    // is a candidate or joined the option, whose corners are in it).
+    //
+    // The candidates of a growth are kept in one list in that order of first appearance: a triangle
+    // first appears at the earliest option vertex it touches, vertices only join, and a triangle that
+    // joins the option never leaves it. Within a growth every candidate adds at most three vertices,
+    // so two different triangle-per-vertex ratios differ by at least 1/6 and "better" is a strict
+    // order: the fold over the full walk picks the first candidate with the best score, which is
+    // what the fold over the list picks as well.
     void AddBestTriangles(std::vector<int32_t>* footprint = nullptr)
     {
         ++m_growth;
+        m_candidates.clear();
+        for (int32_t v : m_work.vtx)
+            AddCandidates(v, footprint);
         while (m_work.tri.size() < m_nTriMax)
         {
+            // Drop the candidates that joined the option or can no longer fit, and take the ratio of
+            // the rest where the closing counts decide it.
+            uint64_t best = 0;
+            size_t live = 0;
+            for (size_t i = 0; i < m_candidates.size(); ++i)
+            {
+                SCandidate c = m_candidates[i];
+                const STriangle& u = m_tri[c.nTriangle];
+                if (u.nWork == m_workStamp)
+                    continue; // joined the option
+                if (!Ratio(c.nTriangle, u.v, c.nRatio))
+                    continue; // refused for good
+                if (c.nRatio != UINT64_MAX)
+                    best = std::max(best, c.nRatio);
+                m_candidates[live++] = c;
+            }
+            m_candidates.resize(live);
+            // The fold over the candidates that can reach the best ratio known (the winner has the
+            // best ratio of all, and ratios that differ are never within 0.1 of each other here).
             int32_t kept = -1;
             SScore keptScore{};
-            for (size_t i = 0; i < m_work.vtx.size(); ++i)
+            for (SCandidate& c : m_candidates)
             {
-                const int32_t v = m_work.vtx[i];
-                if (!HasCandidates(v))
+                SScore score;
+                if (c.nRatio < best || !CandidateScore(c, Tri(c.nTriangle), score))
                     continue;
-                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+                if (kept < 0 || IsBetterThan(score, keptScore))
                 {
-                    if (m_tri[*p].bUsed || m_tri[*p].nWork == m_workStamp)
-                        continue;
-                    SScore score;
-                    if (AppraiseScore(*p, score) && (kept < 0 || IsBetterThan(score, keptScore)))
-                    {
-                        kept = *p;
-                        keptScore = score;
-                    }
+                    kept = c.nTriangle;
+                    keptScore = score;
                 }
             }
             // The winner's full appraisal gives its triangles in walk order (it cannot be refused
             // here: its score was taken under the same option).
-            if (kept < 0 || !Appraise(kept, m_scratch[0]))
+            if (kept < 0 || !Appraise(kept, m_scratch[0], false))
                 break;
+            const size_t nOld = m_work.vtx.size();
             for (int32_t v : m_scratch[0].vtx)
                 WorkAddVertex(v);
             for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
+            for (size_t i = nOld; i < m_work.vtx.size(); ++i)
+                AddCandidates(m_work.vtx[i], footprint);
         }
-        // Everything read: the option's vertices and those of every unwritten triangle at them (each
-        // triangle appraised is one of these, or joined the option).
-        if (footprint)
-            for (int32_t v : m_work.vtx)
-            {
-                Footprint(*footprint, v);
-                for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
-                    if (!m_tri[*p].bUsed)
-                        for (int c = 0; c < 3; ++c)
-                            Footprint(*footprint, int32_t(Tri(*p)[c]));
-            }
     }
 
     void Footprint(std::vector<int32_t>& footprint, int32_t v)
@@ -945,7 +1043,7 @@ class CGeometrySorter
                 UpdateBits(v);
                 VertexChanged(v);
                 DropGrownBlock(v);
-                --m_edgeRem[m_triEdge[size_t(t) * 3 + c]];
+                --m_edges[m_triEdge[size_t(t) * 3 + c]].nRem;
                 m_pOut->push_back(Tri(t)[c]);
             }
             m_tri[t].bUsed = 1;
@@ -994,7 +1092,8 @@ class CGeometrySorter
     uint32_t m_nVtx, m_nTri, m_nVtxMax, m_nTriMax;
     uint32_t m_nModelTri = 0, m_nWritten = 0;
     QMXTLargeVector<uint32_t> m_triStart;
-    QMXTLargeVector<int32_t> m_triList, m_rem, m_triEdge, m_edgeRem, m_list;
+    QMXTLargeVector<int32_t> m_triList, m_rem, m_triEdge, m_list;
+    QMXTLargeVector<SEdge> m_edges;
     QMXTLargeVector<uint32_t> m_slot;
     QMXTLargeVector<uint8_t> m_degenerate;
     std::vector<std::vector<SMesh>> m_lists; // by vertex count - 3; the last holds the large meshes
@@ -1006,16 +1105,18 @@ class CGeometrySorter
     {
         uint32_t v[3];
         uint32_t nWork, nBest, nScratch;
+        uint32_t nCandidate; // growth that listed it as a candidate
         uint8_t bUsed;
     };
-    struct SEdgeStamp
+    // Per vertex: the option stamp, a counter of changes of the triangles that could close against
+    // the option there, and the count of those that do (valid with its stamp).
+    struct SVertexState
     {
-        uint32_t nStamp;
-        int32_t nSlot; // in the working option's edge list
+        uint32_t nWork, nClosing, nClosedStamp, nClosed;
     };
-    QMXTLargeVector<uint32_t> m_vWork, m_vBest;
+    QMXTLargeVector<SVertexState> m_vState;
+    QMXTLargeVector<uint32_t> m_vBest;
     QMXTLargeVector<STriangle> m_tri;
-    QMXTLargeVector<SEdgeStamp> m_eWork;
     uint32_t m_workStamp = 1, m_bestStamp = 1, m_scratchStamp = 1;
     QMXTLargeVector<uint32_t>* m_pOut = nullptr;
     // Grown blocks by start vertex; per vertex the blocks that read it (a free-listed node pool).
@@ -1031,18 +1132,10 @@ class CGeometrySorter
     std::vector<SDependency> m_deps;
     QMXTLargeVector<uint32_t> m_vFootprint;
     uint32_t m_footprintStamp = 0;
-    // Appraisal cache of the current growth, and per vertex a counter of option changes around it.
-    std::vector<SAppraisal> m_appraisals;
-    QMXTLargeVector<uint32_t> m_vStar;
-    struct SWorkCount
-    {
-        uint32_t nStamp;
-        int32_t nCount;
-    };
-    QMXTLargeVector<SWorkCount> m_vWorkTri; // option triangles at each vertex
+    std::vector<SCandidate> m_candidates; // of the current growth
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
-    uint32_t m_growth = 0;
+    uint32_t m_growth = 0; // stamps the candidates listed by the current growth
 };
 
 // New vertex numbers by first use; records move with them.

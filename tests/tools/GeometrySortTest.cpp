@@ -104,6 +104,42 @@ TEST(GeometrySort, MatchesThePlainReferenceOnManyMeshes)
     EXPECT_GT(compared, 1000u);
 }
 
+TEST(GeometrySort, MatchesThePlainReferenceWhereManyTrianglesShareAnEdge)
+{
+    // Books: pages on one spine edge inside a grid, some doubled with the other winding, each tied
+    // back to the grid. A candidate then closes several triangles on its new edge at once, and
+    // small triangle limits cut such closings short.
+    struct SCase
+    {
+        uint32_t nVtx, nTri, flags;
+    };
+    const SCase cases[] = {{32, 64, 3}, {6, 3, 1}, {8, 5, 3}, {12, 2, 3}, {5, 7, 3}};
+    std::mt19937 rng(17);
+    for (uint32_t pages : {2u, 3u, 5u, 9u})
+    {
+        SIndexMesh book = Grid(6, 5);
+        const uint32_t spineA = 8, spineB = 9, anchor = 15; // a grid edge and a vertex near it
+        for (uint32_t k = 0; k < pages; ++k)
+        {
+            const uint32_t tip = book.nVertexNum++;
+            book.idx.insert(book.idx.end(), {spineA, spineB, tip});
+            if (k % 2)
+                book.idx.insert(book.idx.end(), {spineB, spineA, tip});
+            book.idx.insert(book.idx.end(), {tip, spineB, anchor});
+        }
+        for (const SIndexMesh& m : {book, Concatenate({book, Fan(6 + pages, true), Grid(2, pages)}, &rng)})
+            for (const SCase& c : cases)
+            {
+                const SSorted fast = Sort(m, c.nVtx, c.nTri, c.flags);
+                const ref::SSortResult slow =
+                    ref::GeometrySort(TaggedVertices(m.nVertexNum), m.idx, kStride, m.nVertexNum, c.nVtx, c.nTri, c.flags);
+                ASSERT_EQ(fast.nResult, 0);
+                ASSERT_EQ(fast.idx, slow.idx) << pages << " pages, limits " << c.nVtx << "/" << c.nTri;
+                ASSERT_EQ(fast.blocks, slow.blocks) << pages << " pages";
+            }
+    }
+}
+
 TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
 {
     std::vector<SIndexMesh> meshes = MeshZoo(11, 40, 300);
@@ -142,6 +178,11 @@ TEST(GeometrySort, SmallShapesKeepTheirTriangles)
         EXPECT_EQ(WindingKeys(s.idx), WindingKeys(idx));
         EXPECT_EQ(s.blocks, std::vector<uint32_t>{m.TriNum()});
     }
+    // A triangle limit far beyond the mesh needs no memory by that limit.
+    const SIndexMesh grid = Grid(5, 4);
+    const SSorted unlimited = Sort(grid, 32, UINT32_MAX, 3);
+    ASSERT_EQ(unlimited.nResult, 0);
+    EXPECT_EQ(WindingKeys(unlimited.idx), WindingKeys(grid.idx));
     SIndexMesh one;
     one.idx = {2, 0, 1};
     one.nVertexNum = 3;
