@@ -11,7 +11,6 @@
 namespace
 {
 using O = COptionsData;
-const int kOptionLines = 82;
 
 class OptionsConfig : public ::testing::Test
 {

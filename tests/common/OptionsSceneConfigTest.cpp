@@ -27,7 +27,7 @@ TEST(OptionsSceneConfig, OptionsComeFromTheSceneFile)
     const std::string path = home.Path() + "/scene.TVO";
     SaveScene(path, source.ToString().c_str());
     COptions read;
-    EXPECT_EQ(read.ReadConfig(path.c_str()), 82);
+    EXPECT_EQ(read.ReadConfig(path.c_str()), kOptionLines);
     EXPECT_TRUE(static_cast<const COptionsData&>(read) == source);
 
     // Only the first 10239 bytes of the text count: a line that starts beyond them is not read.

@@ -35,8 +35,6 @@ const char* const kDefaultText =
     "psVcOptUVW[6].bExport=0\npsVcOptUVW[6].eType=1\npsVcOptUVW[6].nEnable=131\n"
     "psVcOptUVW[7].bExport=0\npsVcOptUVW[7].eType=1\npsVcOptUVW[7].nEnable=131\n";
 
-const int kOptionLines = 22 + 1 + 4 + 6 + 4 + 15 * 3;
-
 using O = COptionsData;
 } // namespace
 

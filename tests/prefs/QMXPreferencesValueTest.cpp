@@ -199,36 +199,27 @@ TEST_F(PrefsValues, ScalarsRoundTripThroughTheFile)
     EXPECT_EQ(Text(ValueAt(ValueAt(root, "Int"), "Min")), "-2147483648");
 }
 
-TEST_F(PrefsValues, SettingABoolTwiceFlipsTheElementName)
+TEST_F(PrefsValues, SettingAnotherValueReplacesTheElement)
 {
-    ASSERT_EQ(prefs.SetValue("Flag", true), 0);
-    TiXmlElement* root = SavedRoot();
-    ASSERT_NE(root, nullptr);
-    EXPECT_STREQ(root->FirstChildElement("key")->NextSiblingElement()->Value(), "true");
-    EXPECT_EQ(root->FirstChildElement("key")->NextSiblingElement()->FirstChild(), nullptr);
-
-    ASSERT_EQ(prefs.SetValue("Flag", false), 0);
-    root = SavedRoot();
-    ASSERT_NE(root, nullptr);
-    EXPECT_STREQ(root->FirstChildElement("key")->NextSiblingElement()->Value(), "false");
-    bool flag = true;
-    EXPECT_EQ(prefs.GetValue("Flag", flag), 0);
-    EXPECT_FALSE(flag);
-}
-
-TEST_F(PrefsValues, SettingAnotherTypeReplacesTheElement)
-{
+    // Text, then an integer, then true, then false on one key: each element replaces the last.
     ASSERT_EQ(prefs.SetValue("Value", "text"), 0);
     ASSERT_EQ(prefs.SetValue("Value", 5), 0);
     int value = 0;
     EXPECT_EQ(prefs.GetValue("Value", value), 0);
     EXPECT_EQ(value, 5);
-    ASSERT_EQ(prefs.SetValue("Value", true), 0);
-    TiXmlElement* root = SavedRoot();
-    ASSERT_NE(root, nullptr);
-    const TiXmlElement* element = root->FirstChildElement("key")->NextSiblingElement();
-    EXPECT_STREQ(element->Value(), "true");
-    EXPECT_EQ(element->FirstChild(), nullptr); // the old text "5" is gone
+    for (bool flag : {true, false})
+    {
+        ASSERT_EQ(prefs.SetValue("Value", flag), 0);
+        TiXmlElement* root = SavedRoot();
+        ASSERT_NE(root, nullptr);
+        const TiXmlElement* element = root->FirstChildElement("key")->NextSiblingElement();
+        EXPECT_STREQ(element->Value(), flag ? "true" : "false");
+        EXPECT_EQ(element->FirstChild(), nullptr); // the old text "5" is gone
+        EXPECT_EQ(element->NextSiblingElement(), nullptr); // replaced, not added
+        bool read = !flag;
+        EXPECT_EQ(prefs.GetValue("Value", read), 0);
+        EXPECT_EQ(read, flag);
+    }
 }
 
 TEST_F(PrefsValues, ArraysKeepOrderAndElementTypes)

@@ -9,30 +9,10 @@
 
 #include "QMXTError.h"
 #include "QMXTModelTVO.h"
+#include "TransformFixtures.h"
 
 namespace
 {
-float* Floats(std::initializer_list<float> v)
-{
-    float* p = static_cast<float*>(std::malloc(v.size() * sizeof(float)));
-    std::copy(v.begin(), v.end(), p);
-    return p;
-}
-
-uint32_t* Indices(std::initializer_list<uint32_t> v)
-{
-    uint32_t* p = static_cast<uint32_t*>(std::malloc(v.size() * sizeof(uint32_t)));
-    std::copy(v.begin(), v.end(), p);
-    return p;
-}
-
-char* Name(const char* s)
-{
-    char* p = static_cast<char*>(std::malloc(std::strlen(s) + 1));
-    std::strcpy(p, s);
-    return p;
-}
-
 void ExpectMatrixNear(const QMXTMATRIXf& a, const QMXTMATRIXf& b, float tol = 1e-5f)
 {
     for (int i = 0; i < 16; ++i)
@@ -47,7 +27,7 @@ void MakeNodes(CQMXTModelTVO& s, uint32_t n)
     for (uint32_t i = 0; i < n; ++i)
     {
         s.pNode[i].nIdxParent = -1;
-        s.pNode[i].pszName = Name(("node" + std::to_string(i)).c_str());
+        s.pNode[i].pszName = HeapString(("node" + std::to_string(i)).c_str());
     }
 }
 
@@ -79,7 +59,7 @@ TEST(ModelTVO, SetFrameSplitsIntoIntegerFrameAndBlendOnlyWhenAnimated)
     CQMXTModelTVO s;
     MakeNodes(s, 1);
     s.pNode[0].nAnimationFlags = eTVOHasPositionAnimation;
-    s.pNode[0].pfAnimPosition = Floats({0, 0, 0, 10, 0, 0, 20, 0, 0});
+    s.pNode[0].pfAnimPosition = HeapCopy<float>({0, 0, 0, 10, 0, 0, 20, 0, 0});
     ASSERT_EQ(s.InitImpl(), 0);
     s.SetFrame(5.5f); // static scene: integer frame and blend stay 0
     EXPECT_EQ(s.GetFrame(), 5.5f);
@@ -101,7 +81,7 @@ TEST(ModelTVO, SetFrameOutsideTheIntegerRangeSaturates)
     MakeNodes(s, 1);
     s.nNumFrame = 3;
     s.pNode[0].nAnimationFlags = eTVOHasPositionAnimation;
-    s.pNode[0].pfAnimPosition = Floats({0, 0, 0, 10, 0, 0, 20, 0, 0});
+    s.pNode[0].pfAnimPosition = HeapCopy<float>({0, 0, 0, 10, 0, 0, 20, 0, 0});
     ASSERT_EQ(s.InitImpl(), 0);
     QMXTVECTOR3f v;
     s.SetFrame(5.0e9f);
@@ -124,14 +104,14 @@ TEST(ModelTVO, WorldMatrixThroughParentChainAtFractionalFrames)
     parent.nAnimationFlags = eTVOHasRotationAnimation | eTVOHasScaleAnimation;
     const float h = std::sin(kPi / 4);
     // The stored quaternion of a row-vector rotation by +90 degrees about z is the axis quaternion of -90.
-    parent.pfAnimRotation = Floats({0, 0, 0, 1, 0, 0, -h, h});
-    parent.pfAnimScale = Floats({1, 1, 1, 0, 0, 0, 0, 3, 1, 1, 9, 9, 9, 9});
-    parent.pfAnimPosition = Floats({0, 0, 5});
+    parent.pfAnimRotation = HeapCopy<float>({0, 0, 0, 1, 0, 0, -h, h});
+    parent.pfAnimScale = HeapCopy<float>({1, 1, 1, 0, 0, 0, 0, 3, 1, 1, 9, 9, 9, 9});
+    parent.pfAnimPosition = HeapCopy<float>({0, 0, 5});
     STVONode& child = s.pNode[1];
     child.nIdxParent = 0;
     child.nAnimationFlags = eTVOHasPositionAnimation;
-    child.pnAnimPositionIdx = Indices({0, 0});
-    child.pfAnimPosition = Floats({1, 0, 0});
+    child.pnAnimPositionIdx = HeapCopy<uint32_t>({0, 0});
+    child.pfAnimPosition = HeapCopy<float>({1, 0, 0});
     ASSERT_EQ(s.InitImpl(), 0);
 
     // Frame 0: world = T(1,0,0) x S(1) x R(0) x T(0,0,5).
@@ -149,7 +129,7 @@ TEST(ModelTVO, WorldMatrixThroughParentChainAtFractionalFrames)
 
     // A matrix channel replaces the decomposed channels and is not interpolated.
     child.nAnimationFlags |= eTVOHasMatrixAnimation;
-    child.pfAnimMatrix = Floats({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 7, 0, 1,   //
+    child.pfAnimMatrix = HeapCopy<float>({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 7, 0, 1,   //
                                  1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 9, 0, 1});
     s.SetFrame(0.75f);
     QMXTMATRIXf local;
@@ -166,7 +146,7 @@ TEST(ModelTVO, FrameZeroAnswersFromItsCacheUntilFlushed)
 {
     CQMXTModelTVO s;
     MakeNodes(s, 1);
-    s.pNode[0].pfAnimPosition = Floats({1, 2, 3});
+    s.pNode[0].pfAnimPosition = HeapCopy<float>({1, 2, 3});
     ASSERT_EQ(s.InitImpl(), 0);
     s.pNode[0].pfAnimPosition[0] = 100.0f;
     EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 1.0f);
@@ -189,12 +169,12 @@ TEST(ModelTVO, LightsAndCamerasSitAtTheirNodesInOrder)
     s.pLight = static_cast<STVOLight*>(std::calloc(1, sizeof(STVOLight)));
     s.pCamera = static_cast<STVOCamera*>(std::calloc(1, sizeof(STVOCamera)));
     s.pCamera[0].fFOV = 0.5f;
-    s.pCamera[0].pfAnimFOV = Floats({1.0f, 2.0f});
+    s.pCamera[0].pfAnimFOV = HeapCopy<float>({1.0f, 2.0f});
     // Light: rotated a quarter turn about X (row vectors): row 1 becomes (0, 0, 1).
-    s.pNode[1].pfAnimPosition = Floats({1, 2, 3});
+    s.pNode[1].pfAnimPosition = HeapCopy<float>({1, 2, 3});
     const float h = std::sin(kPi / 4);
-    s.pNode[1].pfAnimRotation = Floats({-h, 0, 0, h});
-    s.pNode[2].pfAnimPosition = Floats({0, 0, 10});
+    s.pNode[1].pfAnimRotation = HeapCopy<float>({-h, 0, 0, h});
+    s.pNode[2].pfAnimPosition = HeapCopy<float>({0, 0, 10});
     ASSERT_EQ(s.InitImpl(), 0);
 
     QMXTVECTOR3f pos, dir;
@@ -224,9 +204,9 @@ TEST(ModelTVO, BoneWorldMatrixCarriesTheBindPoseToTheCurrentFrame)
     CQMXTModelTVO s;
     MakeNodes(s, 2);
     s.nNumFrame = 2;
-    s.pNode[0].pfAnimPosition = Floats({0, 0, 1});
+    s.pNode[0].pfAnimPosition = HeapCopy<float>({0, 0, 1});
     s.pNode[1].nAnimationFlags = eTVOHasPositionAnimation;
-    s.pNode[1].pfAnimPosition = Floats({2, 0, 0, 2, 3, 0});
+    s.pNode[1].pfAnimPosition = HeapCopy<float>({2, 0, 0, 2, 3, 0});
     ASSERT_EQ(s.InitImpl(), 0);
     s.SetFrame(1.0f);
     const QMXTMATRIXf m = s.GetBoneWorldMatrix(s.pNode[0], s.pNode[1]);
@@ -311,7 +291,7 @@ TEST(ModelTVO, DestroyFreesOnlyWhatTheModelOwns)
     // Loaded: every array is freed (the sanitizer's leak check proves it) and counts cleared.
     CQMXTModelTVO s;
     MakeNodes(s, 2);
-    s.pNode[0].pfAnimPosition = Floats({1, 2, 3});
+    s.pNode[0].pfAnimPosition = HeapCopy<float>({1, 2, 3});
     s.pNode[1].pUserData = static_cast<uint8_t*>(std::malloc(4));
     s.nNumMesh = 1;
     s.pMesh = static_cast<STVOMesh*>(std::calloc(1, sizeof(STVOMesh)));

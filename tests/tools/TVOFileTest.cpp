@@ -254,20 +254,6 @@ TEST(TVOFile, EmptySceneReadsAndWritesNoFramesPerSecond)
     EXPECT_EQ(bare.nNumMesh, 0u);
 }
 
-TEST(TVOFile, VersionBlockMustBeExactlyTheElevenByteText)
-{
-    CQMXTModelTVO r;
-    const CBytes good = CBytes().Version().Append(Scene(0));
-    EXPECT_EQ(r.ReadFromMemory(good.Data(), good.Size()), 0);
-    const CBytes longer = CBytes().LeafStr(1000, "AB.TVO.2.0x").Append(Scene(0));
-    EXPECT_EQ(r.ReadFromMemory(longer.Data(), longer.Size()), 1);
-    const CBytes other = CBytes().LeafStr(1000, "AB.TVO.1.0").Append(Scene(0));
-    EXPECT_EQ(r.ReadFromMemory(other.Data(), other.Size()), 1);
-    const CBytes missing = Scene(0);
-    EXPECT_EQ(r.ReadFromMemory(missing.Data(), missing.Size()), 1);
-    EXPECT_NE(ReadError(longer.b).find("version block of 12 bytes"), std::string::npos);
-}
-
 TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
 {
     CQMXTModelTVO s;
@@ -389,98 +375,74 @@ TEST(TVOFile, ByteOrderAndFixedPointAreRefusedWithTheirMessages)
               "fixed point enabled.\n");
 }
 
-TEST(TVOFile, CountsMustMatchTheRecordsMet)
+// Each row is a file the reader must refuse: result 1, an empty scene, and (where given) the text
+// the error names.
+TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
 {
-    CBytes node;
-    node.Begin(2013).End(2013);
-    CQMXTModelTVO r;
-    const CBytes fewer = CBytes().Version().Append(Scene(2, node));
-    EXPECT_EQ(r.ReadFromMemory(fewer.Data(), fewer.Size()), 1);
-    EXPECT_NE(ReadError(fewer.b).find("1 nodes for a count of 2"), std::string::npos);
-    CBytes two = node;
-    two.Append(node);
-    const CBytes more = CBytes().Version().Append(Scene(1, two));
-    EXPECT_EQ(r.ReadFromMemory(more.Data(), more.Size()), 1);
-    EXPECT_NE(ReadError(more.b).find("more nodes than their count 1"), std::string::npos);
-    EXPECT_EQ(r.nNumNode, 0u); // a failed read leaves an empty scene
-    EXPECT_EQ(r.pNode, nullptr);
-}
-
-TEST(TVOFile, MeshWithFewerUVWBlocksThanItsCountFails)
-{
-    CBytes mesh;
-    mesh.Begin(2012).LeafU32(6002, 2);
-    mesh.Begin(6010).LeafU32(9000, 1).LeafU32(9001, 2).LeafU32(9002, 8).End(6010).End(2012);
-    CBytes scene;
-    scene.Begin(1001).LeafU32(2004, 1).Append(mesh).End(1001);
-    const CBytes file = CBytes().Version().Append(scene);
-    CQMXTModelTVO r;
-    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size()), 1);
-    EXPECT_NE(
-        ReadError(file.b).find("end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"),
-        std::string::npos)
-        << ReadError(file.b);
-}
-
-TEST(TVOFile, SizesThatDoNotMatchTheCountsFail)
-{
-    auto meshFile = [](const CBytes& fields)
+    auto withScene = [](const CBytes& scene) { return CBytes().Version().Append(scene); };
+    auto meshFile = [&](const CBytes& fields)
     {
         CBytes scene;
         scene.Begin(1001).LeafU32(2004, 1).Begin(2012).Append(fields).End(2012).End(1001);
-        return CBytes().Version().Append(scene).b;
+        return withScene(scene);
     };
+    CBytes emptyNode, twoNodes;
+    emptyNode.Begin(2013).End(2013);
+    twoNodes.Append(emptyNode).Append(emptyNode);
     const uint16_t faces[3] = {0, 1, 5};
     const float pos[9] = {};
-    CBytes badIndex;
+    const uint32_t lengths[2] = {2, 2};
+    CBytes badIndex, shortStream, strips, overlap, fewerUVW, animated;
     badIndex.LeafU32(6000, 3).LeafU32(6001, 1);
     badIndex.Begin(6003).LeafU32(9000, 3).LeafU32(9001, 1).LeafU32(9002, 2).Leaf(9003, faces, 6).End(6003);
-    EXPECT_NE(ReadError(meshFile(badIndex)).find("index 5 at position 2 is not below the vertex count 3"),
-              std::string::npos);
-
-    CBytes shortStream;
     shortStream.LeafU32(6000, 4);
     shortStream.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 12).Leaf(9003, pos, 36).End(6006);
-    EXPECT_NE(ReadError(meshFile(shortStream)).find("positions: 36 bytes of data for 4 vertices of 12 bytes"),
-              std::string::npos);
-
-    CBytes strips;
-    const uint32_t lengths[2] = {2, 2};
     strips.LeafU32(6001, 3).Leaf(6004, lengths, 8).LeafU32(6005, 2);
-    EXPECT_NE(ReadError(meshFile(strips)).find("strips of 4 triangles for a face count of 3"),
-              std::string::npos);
-
-    CBytes overlap; // normals start inside the positions
-    overlap.LeafU32(6000, 1).Leaf(6014, pos, 24);
+    overlap.LeafU32(6000, 1).Leaf(6014, pos, 24); // normals start inside the positions
     overlap.Begin(6006).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 24).LeafU32(9003, 0).End(6006);
     overlap.Begin(6007).LeafU32(9000, 1).LeafU32(9001, 3).LeafU32(9002, 24).LeafU32(9003, 8).End(6007);
-    EXPECT_NE(ReadError(meshFile(overlap)).find("interleaved streams that overlap"), std::string::npos);
-
+    fewerUVW.LeafU32(6002, 2).Begin(6010).LeafU32(9000, 1).LeafU32(9001, 2).LeafU32(9002, 8).End(6010);
     // Animation keys must cover every frame the node claims to be animated for.
-    CBytes node;
-    node.Begin(2013).LeafU32(5012, eTVOHasPositionAnimation).Leaf(5007, pos, 24).End(2013);
-    const CBytes file = CBytes().Version().Append(Scene(1, node, 3));
-    EXPECT_NE(ReadError(file.b).find("node 0: 6 position floats where the animation needs 9"),
-              std::string::npos);
-}
+    animated.Begin(2013).LeafU32(5012, eTVOHasPositionAnimation).Leaf(5007, pos, 24).End(2013);
+    CBytes tinyHugeCount; // 20 bytes claiming four billion nodes
+    tinyHugeCount.Begin(1001).LeafU32(2005, 0xFFFFFFFF);
+    tinyHugeCount.b.resize(20);
+    CBytes hugeCount, hugeLength;
+    hugeCount.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
+    hugeLength.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0); // almost 4 GiB of user data
 
-TEST(TVOFile, HugeCountsAndLengthsInATinyFileFailBeforeAllocating)
-{
-    CQMXTModelTVO r;
-    // 20 bytes claiming four billion nodes.
-    CBytes count;
-    count.Begin(1001).LeafU32(2005, 0xFFFFFFFF);
-    count.b.resize(20);
-    EXPECT_EQ(r.ReadFromMemory(count.Data(), count.Size()), 1);
-    CBytes full = CBytes().Version();
-    full.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
-    EXPECT_NE(ReadError(full.b).find("268435456 records cannot fit in the 16 bytes left"), std::string::npos);
-
-    // A leaf claiming almost 4 GiB of user data.
-    CBytes length = CBytes().Version();
-    length.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0);
-    EXPECT_NE(ReadError(length.b).find("unexpected end of data (4294967280 bytes needed, 4 left)"),
-              std::string::npos);
+    const struct
+    {
+        const char* name;
+        CBytes file;
+        std::string reason;
+    } rows[] = {
+        {"longer version", CBytes().LeafStr(1000, "AB.TVO.2.0x").Append(Scene(0)), "version block of 12 bytes"},
+        {"other version", CBytes().LeafStr(1000, "AB.TVO.1.0").Append(Scene(0)), ""},
+        {"no version", Scene(0), ""},
+        {"fewer nodes", withScene(Scene(2, emptyNode)), "1 nodes for a count of 2"},
+        {"more nodes", withScene(Scene(1, twoNodes)), "more nodes than their count 1"},
+        {"fewer UVW", meshFile(fewerUVW), "end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"},
+        {"bad index", meshFile(badIndex), "index 5 at position 2 is not below the vertex count 3"},
+        {"short stream", meshFile(shortStream), "positions: 36 bytes of data for 4 vertices of 12 bytes"},
+        {"strips", meshFile(strips), "strips of 4 triangles for a face count of 3"},
+        {"overlap", meshFile(overlap), "interleaved streams that overlap"},
+        {"animation", withScene(Scene(1, animated, 3)), "node 0: 6 position floats where the animation needs 9"},
+        {"tiny huge count", tinyHugeCount, ""},
+        {"huge count", withScene(hugeCount), "268435456 records cannot fit in the 16 bytes left"},
+        {"huge length", withScene(hugeLength), "unexpected end of data (4294967280 bytes needed, 4 left)"},
+    };
+    for (const auto& row : rows)
+    {
+        CQMXTModelTVO r;
+        EXPECT_EQ(r.ReadFromMemory(row.file.Data(), row.file.Size()), 1) << row.name;
+        EXPECT_FALSE(r.IsLoaded()) << row.name;
+        EXPECT_EQ(r.nNumNode, 0u) << row.name; // a failed read leaves an empty scene
+        EXPECT_EQ(r.pNode, nullptr) << row.name;
+        const std::string error = ReadError(row.file.b);
+        EXPECT_NE(error, "") << row.name;
+        EXPECT_NE(error.find(row.reason), std::string::npos) << row.name << ": " << error;
+    }
 }
 
 TEST(TVOFile, EveryTruncatedPrefixFailsCleanly)
