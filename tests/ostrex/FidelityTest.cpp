@@ -99,7 +99,8 @@ std::vector<STriangle> ExportedTriangles(CQMXTModelTVO& model, SStats& stats)
                 if (skinned)
                 {
                     float bones[4], weights[4];
-                    QMXTVertexRead(bones, Element(mesh, mesh.sBoneIdx, v), mesh.sBoneIdx.eType, mesh.sBoneIdx.n);
+                    QMXTVertexRead(bones, Element(mesh, mesh.sBoneIdx, v), mesh.sBoneIdx.eType,
+                                   mesh.sBoneIdx.n);
                     QMXTVertexRead(weights, Element(mesh, mesh.sBoneWeight, v), mesh.sBoneWeight.eType,
                                    mesh.sBoneWeight.n);
                     for (uint32_t b = 0; b < mesh.sBoneIdx.n && b < 4; ++b)
@@ -226,63 +227,15 @@ std::string MatchTriangles(const std::vector<STriangle>& got, const std::vector<
 void CheckLightsAndCameras(const aiScene& scene, CQMXTModelTVO& model, const CImporterPose& pose, float size,
                            const std::string& where, SStats& stats)
 {
-    for (uint32_t l = 0; l < model.nNumLight; ++l)
-    {
-        const std::string name = model.pNode[model.nNumMeshNode + l].pszName;
-        const aiLight* light = nullptr;
-        for (unsigned k = 0; k < scene.mNumLights && !light; ++k)
-            if (name == scene.mLights[k]->mName.C_Str())
-                light = scene.mLights[k];
-        ASSERT_NE(light, nullptr) << where << name;
-        const aiMatrix4x4& g = pose.Global(name);
-        QMXTVECTOR3f pos, dir;
-        model.GetLight(pos, dir, l);
-        EXPECT_LT((aiVector3D(pos.x, pos.y, pos.z) - g * light->mPosition).Length(), 1e-4f * size) << where << name;
-        if (light->mType != aiLightSource_POINT && light->mDirection.Length() > 0)
-        {
-            const aiVector3D want = (aiMatrix3x3(g) * light->mDirection).Normalize();
-            EXPECT_GT(aiVector3D(dir.x, dir.y, dir.z).Normalize() * want, 0.99999f) << where << name;
-        }
-        ++stats.lights;
-    }
-    aiString format;
-    const bool gltf2 = scene.mMetaData && scene.mMetaData->Get("SourceAsset_Format", format) &&
-                       std::string(format.C_Str()) == "glTF2 Importer";
-    for (uint32_t c = 0; c < model.nNumCamera; ++c)
-    {
-        const std::string name = model.pNode[model.nNumMeshNode + model.nNumLight + c].pszName;
-        const aiCamera* camera = nullptr;
-        for (unsigned k = 0; k < scene.mNumCameras && !camera; ++k)
-            if (name == scene.mCameras[k]->mName.C_Str())
-                camera = scene.mCameras[k];
-        ASSERT_NE(camera, nullptr) << where << name;
-        const aiMatrix4x4& g = pose.Global(name);
-        QMXTVECTOR3f from, to, up;
-        model.GetCamera(from, to, up, c);
-        // glTF 2 cameras sit at their node's origin (the importer repeats the node's translation).
-        const aiVector3D wantFrom = g * (gltf2 ? aiVector3D(0, 0, 0) : camera->mPosition);
-        EXPECT_LT((aiVector3D(from.x, from.y, from.z) - wantFrom).Length(), 1e-4f * size) << where << name;
-        const aiVector3D view = (aiVector3D(to.x, to.y, to.z) - aiVector3D(from.x, from.y, from.z)).Normalize();
-        EXPECT_GT(view * (aiMatrix3x3(g) * camera->mLookAt).Normalize(), 0.99999f) << where << name;
-        ++stats.cameras;
-    }
-}
-
-// Last key time of an animation (its duration when later).
-double LastKey(const aiAnimation& anim)
-{
-    double last = anim.mDuration;
-    for (unsigned c = 0; c < anim.mNumChannels; ++c)
-    {
-        const aiNodeAnim* ch = anim.mChannels[c];
-        for (unsigned k = 0; k < ch->mNumPositionKeys; ++k)
-            last = std::max(last, ch->mPositionKeys[k].mTime);
-        for (unsigned k = 0; k < ch->mNumRotationKeys; ++k)
-            last = std::max(last, ch->mRotationKeys[k].mTime);
-        for (unsigned k = 0; k < ch->mNumScalingKeys; ++k)
-            last = std::max(last, ch->mScalingKeys[k].mTime);
-    }
-    return last;
+    for (uint32_t l = 0; l < model.nNumLight; ++l, ++stats.lights)
+        EXPECT_EQ(
+            CompareLight(scene, pose, model, l, model.pNode[model.nNumMeshNode + l].pszName, size, false), "")
+            << where;
+    for (uint32_t c = 0; c < model.nNumCamera; ++c, ++stats.cameras)
+        EXPECT_EQ(CompareCamera(scene, pose, model, c,
+                                model.pNode[model.nNumMeshNode + model.nNumLight + c].pszName, size),
+                  "")
+            << where;
 }
 
 void CheckRoundTrip(const std::string& file, const std::string& dir, SStats& stats)
@@ -312,14 +265,13 @@ void CheckRoundTrip(const std::string& file, const std::string& dir, SStats& sta
     std::vector<int> frames = {0};
     if (anim && count > 3)
         frames.insert(frames.end(), {count / 3, (2 * count) / 3, count - 1});
-    const double tps = anim && anim->mTicksPerSecond > 0 ? anim->mTicksPerSecond : 25.0;
     for (int frame : frames)
     {
-        pose.At(anim ? std::min(frame * tps / content.info.fps, LastKey(*anim)) : 0.0);
+        pose.At(anim ? ImporterTime(*anim, frame, content.info.fps) : 0.0);
         model.SetFrame(static_cast<float>(frame));
         const std::string where = file + " frame " + std::to_string(frame) + ": ";
-        const std::string failure =
-            MatchTriangles(ExportedTriangles(model, stats), ImporterTriangles(*scene, content, fill, pose), size, stats);
+        const std::string failure = MatchTriangles(
+            ExportedTriangles(model, stats), ImporterTriangles(*scene, content, fill, pose), size, stats);
         ASSERT_EQ(failure, "") << where;
         CheckLightsAndCameras(*scene, model, pose, size, where, stats);
         ++stats.frames;
@@ -353,9 +305,10 @@ TEST(ExportFidelity, ReadBackTrianglesLightsAndCamerasMatchTheImporterAtSeveralF
             break;
     }
     fs::remove_all(dir);
-    std::cout << "[ fidelity ] " << stats.models << " models, " << stats.frames << " frames, " << stats.triangles
-              << " triangles (" << stats.skinnedTriangles << " through bone batches), " << stats.lights << " lights, "
-              << stats.cameras << " cameras; worst corner error " << stats.worst << " of the scene size\n";
+    std::cout << "[ fidelity ] " << stats.models << " models, " << stats.frames << " frames, "
+              << stats.triangles << " triangles (" << stats.skinnedTriangles << " through bone batches), "
+              << stats.lights << " lights, " << stats.cameras << " cameras; worst corner error "
+              << stats.worst << " of the scene size\n";
     EXPECT_EQ(stats.models, static_cast<int>(files.size()));
     EXPECT_GT(stats.skinnedTriangles, 0);
     EXPECT_GT(stats.lights, 0);
