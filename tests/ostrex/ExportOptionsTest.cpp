@@ -3,16 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 #include "ExportOptions.h"
 #include "OptionsProfiles.h"
 #include "QMXPreferences.h"
+#include "TestSupport.h"
 
 namespace
 {
-namespace fs = std::filesystem;
 using O = COptionsData;
 
 // A fresh HOME for the preferences file; the real one is restored and left untouched.
@@ -21,9 +20,6 @@ class ExportOptionsTest : public ::testing::Test
   protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/ostrex-options-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
         const char* home = std::getenv("HOME");
         m_hadHome = home != nullptr;
         m_oldHome = home ? home : "";
@@ -35,7 +31,6 @@ class ExportOptionsTest : public ::testing::Test
             setenv("HOME", m_oldHome.c_str(), 1);
         else
             unsetenv("HOME");
-        fs::remove_all(m_dir);
     }
 
     SCommandLine Line(const std::string& output, std::vector<std::string> settings = {})
@@ -48,7 +43,9 @@ class ExportOptionsTest : public ::testing::Test
         return cl;
     }
 
-    std::string m_dir, m_oldHome;
+    CTempDir m_home;
+    const std::string m_dir = m_home.Path();
+    std::string m_oldHome;
     bool m_hadHome = false;
 };
 } // namespace

@@ -282,9 +282,7 @@ void CheckRoundTrip(const std::string& file, const std::string& dir, SStats& sta
 
 TEST(ExportFidelity, ReadBackTrianglesLightsAndCamerasMatchTheImporterAtSeveralFrames)
 {
-    char pattern[] = "/tmp/ostrex-fidelity-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    const std::string dir = pattern;
+    const CTempDir dir;
     const std::string models = OSTREX_ASSIMP_MODELS;
     const std::vector<std::string> files = {
         std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf",
@@ -300,11 +298,10 @@ TEST(ExportFidelity, ReadBackTrianglesLightsAndCamerasMatchTheImporterAtSeveralF
     SStats stats;
     for (const std::string& file : files)
     {
-        CheckRoundTrip(file, dir, stats);
+        CheckRoundTrip(file, dir.Path(), stats);
         if (HasFatalFailure())
             break;
     }
-    fs::remove_all(dir);
     std::cout << "[ fidelity ] " << stats.models << " models, " << stats.frames << " frames, "
               << stats.triangles << " triangles (" << stats.skinnedTriangles << " through bone batches), "
               << stats.lights << " lights, " << stats.cameras << " cameras; worst corner error "
