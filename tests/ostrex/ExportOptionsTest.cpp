@@ -2,6 +2,7 @@
 // order, the output kind from the extension, usage errors, and the listing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -137,13 +138,7 @@ TEST_F(ExportOptionsTest, ListingShowsEveryOptionWithItsCaption)
     ASSERT_TRUE(PrepareExportOptions(Line("a.h", {"uiBoneLimit=5"}), options).ok);
     const std::string list = ListExportOptions(options);
     const std::string text = options.ToString().c_str();
-    size_t lines = 0;
-    for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at)
-        ++lines;
-    size_t listed = 0;
-    for (size_t at = 0; (at = list.find('\n', at)) != std::string::npos; ++at)
-        ++listed;
-    EXPECT_EQ(listed, lines);
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), std::count(text.begin(), text.end(), '\n'));
     EXPECT_NE(list.find("uiBoneLimit=5                       Matrix palette size\n"), std::string::npos);
     EXPECT_NE(list.find("eExpFormat=1                        Output kind"), std::string::npos);
     EXPECT_NE(list.find("bFlipTextureV=0                     Flip V co-ordinate\n"), std::string::npos);

@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <iostream>
 #include <set>
-#include <unordered_map>
 
 #include "AssimpContent.h"
 #include "Log.h"
@@ -159,56 +158,28 @@ double CornerDistance(const STriangle& a, const STriangle& b)
     return worst;
 }
 
-// Each exported triangle takes one unused importer triangle within tolerance; a spatial hash of
-// the centroids keeps the search local. Returns the first failure, empty when all match.
+// Each exported triangle takes the nearest unused importer triangle within tolerance. Returns the
+// first failure, empty when all match.
 std::string MatchTriangles(const std::vector<STriangle>& got, const std::vector<STriangle>& want, float size,
                            SStats& stats)
 {
     if (got.size() != want.size())
         return "the file has " + std::to_string(got.size()) + " triangles, the importer " +
                std::to_string(want.size());
-    const double tolerance = 1e-4 * size;
-    const double cell = 4.0 * tolerance;
-    auto key = [&](const aiVector3D& c, int dx, int dy, int dz)
-    {
-        const long long x = static_cast<long long>(std::floor(c.x / cell)) + dx;
-        const long long y = static_cast<long long>(std::floor(c.y / cell)) + dy;
-        const long long z = static_cast<long long>(std::floor(c.z / cell)) + dz;
-        return (x * 73856093LL) ^ (y * 19349663LL) ^ (z * 83492791LL);
-    };
-    auto centroid = [](const STriangle& t) { return (t[0] + t[1] + t[2]) / 3.0f; };
-    std::unordered_multimap<long long, size_t> grid;
-    for (size_t i = 0; i < want.size(); ++i)
-    {
-        if (std::isnan(want[i][0].x) || std::isnan(want[i][1].x) || std::isnan(want[i][2].x))
+    for (const STriangle& t : want)
+        if (std::isnan(t[0].x) || std::isnan(t[1].x) || std::isnan(t[2].x))
             return "the importer gives a vertex more than four influences";
-        grid.emplace(key(centroid(want[i]), 0, 0, 0), i);
-    }
     std::vector<bool> used(want.size(), false);
     for (size_t i = 0; i < got.size(); ++i)
     {
-        const aiVector3D c = centroid(got[i]);
         size_t found = want.size();
-        double best = tolerance;
-        std::set<long long> seen;
-        for (int dx = -1; dx <= 1; ++dx)
-            for (int dy = -1; dy <= 1; ++dy)
-                for (int dz = -1; dz <= 1; ++dz)
-                {
-                    const long long k = key(c, dx, dy, dz);
-                    if (!seen.insert(k).second)
-                        continue;
-                    auto range = grid.equal_range(k);
-                    for (auto it = range.first; it != range.second; ++it)
-                    {
-                        const double d = used[it->second] ? 1e300 : CornerDistance(got[i], want[it->second]);
-                        if (d <= best)
-                        {
-                            best = d;
-                            found = it->second;
-                        }
-                    }
-                }
+        double best = 1e-4 * size;
+        for (size_t k = 0; k < want.size(); ++k)
+        {
+            const double d = used[k] ? 1e300 : CornerDistance(got[i], want[k]);
+            if (d <= best)
+                best = d, found = k;
+        }
         if (found == want.size())
         {
             char text[160];
