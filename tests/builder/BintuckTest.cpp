@@ -1,26 +1,17 @@
 // Source wrapping: the exact text of header, word array, string literal, footer and file output.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "Bintuck.h"
 #include "Log.h"
+#include "SceneFixtures.h"
 
 namespace
 {
-std::string ReadText(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 size_t CountOf(const std::string& text, const std::string& what)
 {
     size_t n = 0;
@@ -29,10 +20,6 @@ size_t CountOf(const std::string& text, const std::string& what)
     return n;
 }
 
-std::string TempPath(const char* name)
-{
-    return std::string(::testing::TempDir()) + "bintuck_" + std::to_string(::getpid()) + "_" + name;
-}
 } // namespace
 
 TEST(Bintuck, HeaderWithAndWithoutRegistration)
@@ -133,15 +120,16 @@ TEST(Bintuck, TextFormEscapesAndBreaksLinesAfterNewlines)
 
 TEST(Bintuck, WrapFilesWritesHeaderAndEveryFileOrReportsTheFailure)
 {
-    const std::string input = TempPath("in.tvo");
-    const std::string output = TempPath("out.h");
+    const CTempDir dir;
+    const std::string input = dir / "in.tvo";
+    const std::string output = dir / "out.h";
     {
         std::ofstream f(input, std::ios::binary);
         f.write("ABCDEFGH", 8);
     }
     const char* names[] = {input.c_str()};
     ASSERT_TRUE(WrapFiles(output.c_str(), std::ios_base::trunc, 0, 1, names));
-    const std::string text = ReadText(output);
+    const std::string text = ReadAll(output);
     const std::string base = BaseName(input);
     EXPECT_EQ(text.rfind("// This file was created by Bintuck 1.1\n", 0), 0u);
     EXPECT_NE(text.find("// ******** Start: " + base + " ********\n\n// File data\nA32BIT " +
@@ -150,15 +138,13 @@ TEST(Bintuck, WrapFilesWritesHeaderAndEveryFileOrReportsTheFailure)
     EXPECT_NE(text.find("// ******** End: " + base + " ********\n\n"), std::string::npos);
 
     CRecordingLogSink sink;
-    const std::string missing = TempPath("missing.tvo");
+    const std::string missing = dir / "missing.tvo";
     const char* bad[] = {missing.c_str()};
     EXPECT_FALSE(WrapFiles(output.c_str(), std::ios_base::trunc, 0, 1, bad));
     EXPECT_TRUE(sink.Has(eLogError, "Could not open " + missing + " for reading\n"));
-    EXPECT_EQ(ReadText(output), text); // the earlier output is untouched
+    EXPECT_EQ(ReadAll(output), text); // the earlier output is untouched
 
-    const std::string noDir = TempPath("no/such/dir/out.h");
+    const std::string noDir = dir / "no/such/dir/out.h";
     EXPECT_FALSE(WrapFiles(noDir.c_str(), std::ios_base::trunc, 0, 1, names));
     EXPECT_TRUE(sink.Has(eLogError, "Could not open output file " + noDir));
-    std::remove(input.c_str());
-    std::remove(output.c_str());
 }

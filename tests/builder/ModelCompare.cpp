@@ -23,8 +23,6 @@ std::string Where(const char* what, uint32_t i)
     return std::string(what) + " " + std::to_string(i);
 }
 
-std::string Where(const char* what, uint32_t i);
-
 std::string CompareStream(const STVOMesh& ma, const CTVOData& a, const STVOMesh& mb, const CTVOData& b,
                           uint32_t count, bool isFaces = false)
 {

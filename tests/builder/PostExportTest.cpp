@@ -1,8 +1,8 @@
 // Post-export actions run real (harmless) commands in a temporary directory.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,39 +10,26 @@
 
 #include "Log.h"
 #include "PostExport.h"
+#include "SceneFixtures.h"
 
 namespace
 {
 class PostExportTest : public ::testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/ostrex_post_XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern), nullptr);
-        dir = pattern;
-        // A program that writes its arguments, one a line, into record.txt beside itself.
-        script = "#!/bin/sh\nfor a in \"$@\"; do echo \"$a\"; done > \"" + dir + "/record.txt\"\n";
-    }
-    void TearDown() override { std::system(("rm -rf '" + dir + "'").c_str()); }
-
+    // A program that writes its arguments, one a line, into record.txt in the directory.
     void WriteProgram(const std::string& name)
     {
-        const std::string path = dir + "/" + name;
-        std::ofstream(path) << script;
+        const std::string path = m_dir / name;
+        std::ofstream(path) << "#!/bin/sh\nfor a in \"$@\"; do echo \"$a\"; done > \"" + dir +
+                                   "/record.txt\"\n";
         ::chmod(path.c_str(), 0755);
     }
-    std::string Record() const
-    {
-        std::ifstream in(dir + "/record.txt");
-        std::ostringstream s;
-        s << in.rdbuf();
-        return s.str();
-    }
-    bool Recorded() const { return ::access((dir + "/record.txt").c_str(), F_OK) == 0; }
+    std::string Record() const { return ReadAll(m_dir / "record.txt"); }
+    bool Recorded() const { return ::access((m_dir / "record.txt").c_str(), F_OK) == 0; }
 
-    std::string dir;
-    std::string script;
+    CTempDir m_dir;
+    const std::string dir = m_dir.Path();
 };
 } // namespace
 

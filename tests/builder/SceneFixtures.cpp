@@ -1,6 +1,11 @@
 #include "SceneFixtures.h"
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 void AddCornerTriangle(SGeomData& g, const QMXTVECTOR3f p[3], const QMXTVECTOR3f& normal, int material,
                        const QMXTVECTOR3f* uv)
@@ -153,4 +158,28 @@ SGeomData GridGeometry(int n)
             AddCornerTriangle(g, b, up, 0);
         }
     return g;
+}
+
+CTempDir::CTempDir()
+{
+    char pattern[] = "/tmp/ostrex-builder-XXXXXX";
+    if (!mkdtemp(pattern))
+    {
+        std::perror("mkdtemp");
+        std::abort();
+    }
+    m_path = pattern;
+}
+
+CTempDir::~CTempDir()
+{
+    std::filesystem::remove_all(m_path);
+}
+
+std::string ReadAll(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
 }

@@ -1,5 +1,6 @@
 // Scene content for the builder tests, shaped as a host delivers it: every mesh an unwelded
-// triangle list with one position, normal and uv entry per corner.
+// triangle list with one position, normal and uv entry per corner. Also a temporary directory and
+// a file reader for the tests that write files.
 #pragma once
 
 #include <string>
@@ -22,3 +23,21 @@ SModifier TubeSkin(const SGeomData& tube, int rings, int sides, const std::vecto
 // A square grid of n x n quads (2 n^2 triangles) in the xy plane with normals and one uv set,
 // unwelded corners.
 SGeomData GridGeometry(int n);
+
+// A fresh directory under /tmp, removed with its contents when the object goes; aborts the test
+// program when none can be made.
+class CTempDir
+{
+  public:
+    CTempDir();
+    ~CTempDir();
+    CTempDir(const CTempDir&) = delete;
+    CTempDir& operator=(const CTempDir&) = delete;
+    const std::string& Path() const { return m_path; }
+    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
+
+  private:
+    std::string m_path;
+};
+
+std::string ReadAll(const std::string& path);

@@ -1,4 +1,5 @@
-// The vertex-format pass: index width, data types, component masks and the coordinate mirror.
+// The vertex-format pass: index width, data types and component masks. (The coordinate mirror is
+// checked on whole exports by EndToEnd.DirectXMirrorsZReversesWindingAndFlipsV.)
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -51,19 +52,6 @@ TEST(VertexFormat, DefaultsGiveShortIndicesTwoUVComponentsAndDropUnwrittenSets)
     EXPECT_EQ(Floats(mesh.psUVW[0])[2], 2.0f); // vertex 1: u = x = 2
     EXPECT_EQ(mesh.sVtxColours.n, 0u);         // colours are off by default
     EXPECT_EQ(mesh.pInterleaved, nullptr);
-}
-
-TEST(VertexFormat, DirectXMirrorsZOfPositionsAndNormals)
-{
-    SBuilderSettings s;
-    s.eCoordSystem = eCoordSystemDirectX;
-    CTVOMeshEx m;
-    BuildQuad(m, s);
-    ASSERT_TRUE(VertexFormatPass(m.mesh, s));
-    EXPECT_EQ(Floats(m.mesh.sVertex)[0], 0.0f);
-    EXPECT_EQ(Floats(m.mesh.sVertex)[2], -1.0f);
-    EXPECT_EQ(Floats(m.mesh.sNormals)[2], -1.0f);
-    EXPECT_EQ(Floats(m.mesh.psUVW[0])[1], 1.0f); // V stored as 1 - V at assembly
 }
 
 TEST(VertexFormat, TypesMasksAndQuantisedPositions)

@@ -5,16 +5,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <utility>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "QMXTModelTVO.h"
+#include "TestSupport.h"
 
 namespace
 {
@@ -34,52 +33,24 @@ std::string Quoted(const std::string& s)
     return q + "'";
 }
 
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
+// Runs the program in a fresh directory; its streams are captured outside that directory.
 class CliTest : public ::testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/ostrex-cli-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-
     SRun Run(const std::vector<std::string>& args)
     {
         std::string command = Quoted(OSTREX_EXECUTABLE);
         for (const std::string& a : args)
             command += " " + Quoted(a);
-        const std::string out = m_dir + "/.stdout", err = m_dir + "/.stderr";
+        const std::string out = m_streams / "stdout", err = m_streams / "stderr";
         command += " >" + Quoted(out) + " 2>" + Quoted(err) + " </dev/null";
         const int status = std::system(command.c_str());
-        SRun run;
-        run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.out = ReadAll(out);
-        run.err = ReadAll(err);
-        fs::remove(out);
-        fs::remove(err);
-        return run;
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(out), ReadAll(err)};
     }
+    std::vector<std::string> Entries() const { return m_work.Entries(); }
 
-    // Files in the work directory other than the captured streams.
-    std::vector<std::string> Entries() const
-    {
-        std::vector<std::string> names;
-        for (const auto& e : fs::directory_iterator(m_dir))
-            names.push_back(e.path().filename().string());
-        return names;
-    }
-
-    std::string m_dir;
+    CTempDir m_work, m_streams;
+    const std::string m_dir = m_work.Path();
 };
 } // namespace
 
@@ -159,8 +130,6 @@ TEST_F(CliTest, BrokenModelsFailCleanlyAndLeaveTheOutputUntouched)
     EXPECT_GE(checked, 13);
 }
 
-// Until the scene builder is part of the program, a good scene is read and filled and the export
-// step then fails honestly: the existing output stays as it was.
 // A real scene exports to each output kind: the binary reads back with its meshes, materials and
 // the options text; the header and source wrap the same scene for the memory file system.
 TEST_F(CliTest, ExportsBinaryHeaderAndSourceByExtension)
@@ -194,9 +163,7 @@ TEST_F(CliTest, ExportsBinaryHeaderAndSourceByExtension)
                   std::string::npos)
             << name;
     }
-    std::vector<std::string> entries = Entries();
-    std::sort(entries.begin(), entries.end());
-    EXPECT_EQ(entries, (std::vector<std::string>{"box.cpp", "box.h", "box.tvo"}));
+    EXPECT_EQ(Entries(), (std::vector<std::string>{"box.cpp", "box.h", "box.tvo"}));
 }
 
 // A failing build (a one-bone palette for a tube whose triangles span two bones) reports the

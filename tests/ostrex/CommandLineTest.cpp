@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CommandLine.h"
@@ -113,12 +114,10 @@ TEST(CommandLine, SetNeedsKeyEqualsValue)
 
 TEST(CommandLine, OutputKindFollowsTheLowerCasedExtension)
 {
-    EXPECT_EQ(OutputFormatForPath("scene.cpp"), 2);
-    EXPECT_EQ(OutputFormatForPath("dir/SCENE.CPP"), 2);
-    EXPECT_EQ(OutputFormatForPath("scene.h"), 1);
-    EXPECT_EQ(OutputFormatForPath("scene.H"), 1);
-    EXPECT_EQ(OutputFormatForPath("scene.tvo"), 0);
-    EXPECT_EQ(OutputFormatForPath("scene.hpp"), 0);
-    EXPECT_EQ(OutputFormatForPath("scene"), -1);
-    EXPECT_EQ(OutputFormatForPath(".h"), -1); // a dot in the first place is no extension
+    // A dot in the first place is no extension.
+    const std::pair<const char*, int> rows[] = {
+        {"scene.cpp", 2}, {"dir/SCENE.CPP", 2}, {"scene.h", 1}, {"scene.H", 1},
+        {"scene.tvo", 0}, {"scene.hpp", 0},     {"scene", -1},  {".h", -1}};
+    for (const auto& [path, kind] : rows)
+        EXPECT_EQ(OutputFormatForPath(path), kind) << path;
 }

@@ -56,32 +56,34 @@ std::string RunScript(bool terminal, EVerbosity verbosity)
 }
 } // namespace
 
-TEST(ConsoleSink, PlainStreamGetsOneLinePerMessageWithoutEscapes)
+TEST(ConsoleSink, EachVerbosityShowsItsLevelsOneLineAMessage)
 {
-    EXPECT_EQ(RunScript(false, eVerbosityNormal),
-              "Complete\n"
-              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
-              "Failed to write output file\n"
-              "Exported\n");
-}
-
-TEST(ConsoleSink, VerboseAddsDetailsAndProgressLines)
-{
-    EXPECT_EQ(RunScript(false, eVerbosityVerbose),
-              "[  0%] Export stage 1\n"
-              "Complete\n"
-              "\"Box\": pos anim: removed\n"
-              "[ 40%] Export stage 2\n"
-              "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
-              "Failed to write output file\n"
-              "Exported\n"
-              "[100%] Complete\n");
-}
-
-TEST(ConsoleSink, QuietShowsErrorsOnly)
-{
-    EXPECT_EQ(RunScript(false, eVerbosityQuiet), "Failed to write output file\n");
-    EXPECT_EQ(RunScript(true, eVerbosityQuiet), "\033[1;31mFailed to write output file\033[0m\n");
+    const struct
+    {
+        bool terminal;
+        EVerbosity verbosity;
+        const char* output;
+    } rows[] = {
+        {false, eVerbosityNormal,
+         "Complete\n"
+         "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+         "Failed to write output file\n"
+         "Exported\n"},
+        {false, eVerbosityVerbose,
+         "[  0%] Export stage 1\n"
+         "Complete\n"
+         "\"Box\": pos anim: removed\n"
+         "[ 40%] Export stage 2\n"
+         "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
+         "Failed to write output file\n"
+         "Exported\n"
+         "[100%] Complete\n"},
+        {false, eVerbosityQuiet, "Failed to write output file\n"},
+        {true, eVerbosityQuiet, "\033[1;31mFailed to write output file\033[0m\n"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(RunScript(row.terminal, row.verbosity), row.output)
+            << "terminal " << row.terminal << ", verbosity " << row.verbosity;
 }
 
 TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsTheBar)

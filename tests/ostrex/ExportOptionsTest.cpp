@@ -2,17 +2,17 @@
 // order, the output kind from the extension, usage errors, and the listing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 #include "ExportOptions.h"
 #include "OptionsProfiles.h"
 #include "QMXPreferences.h"
+#include "TestSupport.h"
 
 namespace
 {
-namespace fs = std::filesystem;
 using O = COptionsData;
 
 // A fresh HOME for the preferences file; the real one is restored and left untouched.
@@ -21,9 +21,6 @@ class ExportOptionsTest : public ::testing::Test
   protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/ostrex-options-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
         const char* home = std::getenv("HOME");
         m_hadHome = home != nullptr;
         m_oldHome = home ? home : "";
@@ -35,7 +32,6 @@ class ExportOptionsTest : public ::testing::Test
             setenv("HOME", m_oldHome.c_str(), 1);
         else
             unsetenv("HOME");
-        fs::remove_all(m_dir);
     }
 
     SCommandLine Line(const std::string& output, std::vector<std::string> settings = {})
@@ -48,7 +44,9 @@ class ExportOptionsTest : public ::testing::Test
         return cl;
     }
 
-    std::string m_dir, m_oldHome;
+    CTempDir m_home;
+    const std::string m_dir = m_home.Path();
+    std::string m_oldHome;
     bool m_hadHome = false;
 };
 } // namespace
@@ -140,13 +138,7 @@ TEST_F(ExportOptionsTest, ListingShowsEveryOptionWithItsCaption)
     ASSERT_TRUE(PrepareExportOptions(Line("a.h", {"uiBoneLimit=5"}), options).ok);
     const std::string list = ListExportOptions(options);
     const std::string text = options.ToString().c_str();
-    size_t lines = 0;
-    for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at)
-        ++lines;
-    size_t listed = 0;
-    for (size_t at = 0; (at = list.find('\n', at)) != std::string::npos; ++at)
-        ++listed;
-    EXPECT_EQ(listed, lines);
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), std::count(text.begin(), text.end(), '\n'));
     EXPECT_NE(list.find("uiBoneLimit=5                       Matrix palette size\n"), std::string::npos);
     EXPECT_NE(list.find("eExpFormat=1                        Output kind"), std::string::npos);
     EXPECT_NE(list.find("bFlipTextureV=0                     Flip V co-ordinate\n"), std::string::npos);

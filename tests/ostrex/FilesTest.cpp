@@ -8,7 +8,6 @@
 #include <cmath>
 #include <filesystem>
 #include <iostream>
-#include <map>
 
 #include "AssimpContent.h"
 #include "Log.h"
@@ -114,25 +113,36 @@ struct SStats
     double worstCorner = 0.0; // relative to the scene's size
 };
 
+// World matrices of every node with a source (lights and cameras aside) at a frame against the
+// importer's at the pose's time.
+void CheckWorlds(const SContent& content, const SAssimpFillResult& fill, CContentModel& model,
+                 const CImporterPose& ref, int frame, const std::string& file)
+{
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+    {
+        const CNode& n = content.nodes[i];
+        if (!fill.sources[i] || n.type == eNodeLight || n.type == eNodeCamera)
+            continue;
+        const QMXTMATRIXf want = RowLayout(ref.Global(fill.sources[i]));
+        const QMXTMATRIXf got = model.World(static_cast<int>(i), static_cast<float>(frame));
+        for (int e = 0; e < 16; ++e)
+            ASSERT_NEAR(got[e], want[e], 1e-4f * (1.0f + MaxAbs(want)))
+                << file << ": '" << n.name << "' frame " << frame << " element " << e;
+    }
+}
+
+// Frame 0: world matrices, triangle corners (skinning applied), lights and cameras.
 void CheckFrameZero(const aiScene& scene, const SContent& content, const SAssimpFillResult& fill,
                     CContentModel& model, CImporterPose& ref, float size, const std::string& file,
                     SStats& stats)
 {
     ref.At(0.0);
-    for (size_t i = 0; i < content.nodes.size(); ++i)
+    CheckWorlds(content, fill, model, ref, 0, file);
+    for (size_t i = 0; i < content.nodes.size() && !::testing::Test::HasFatalFailure(); ++i)
     {
         const CNode& n = content.nodes[i];
         const int index = static_cast<int>(i);
         const std::string where = file + ": '" + n.name + "'";
-        if (fill.sources[i])
-        {
-            const QMXTMATRIXf want = RowLayout(ref.Global(fill.sources[i]));
-            const QMXTMATRIXf got = model.World(index);
-            for (int e = 0; e < 16 && n.type != eNodeLight && n.type != eNodeCamera; ++e)
-            {
-                ASSERT_NEAR(got[e], want[e], 1e-4f * (1.0f + MaxAbs(want))) << where << " element " << e;
-            }
-        }
         if (n.type == eNodeMesh && fill.sources[i])
         {
             const std::vector<aiVector3D> want = ImporterCorners(scene, *fill.sources[i], ref);
@@ -153,81 +163,16 @@ void CheckFrameZero(const aiScene& scene, const SContent& content, const SAssimp
         }
         if (n.type == eNodeLight)
         {
-            const aiLight* light = nullptr;
-            for (unsigned l = 0; l < scene.mNumLights && !light; ++l)
-                if (n.name == scene.mLights[l]->mName.C_Str())
-                    light = scene.mLights[l];
-            ASSERT_NE(light, nullptr) << where;
-            const aiMatrix4x4& g = ref.Global(n.name);
-            QMXTVECTOR3f pos, dir;
-            model.Model().GetLight(pos, dir, static_cast<uint32_t>(model.LightNumber(index)));
-            const aiVector3D wantPos = g * light->mPosition;
-            ASSERT_LT((aiVector3D(pos.x, pos.y, pos.z) - wantPos).Length(), 1e-4f * size) << where;
-            const aiVector3D wantDir = (aiMatrix3x3(g) * light->mDirection).Normalize();
-            if (light->mDirection.Length() > 0)
-            {
-                ASSERT_GT(aiVector3D(dir.x, dir.y, dir.z).Normalize() * wantDir, 0.99999f) << where;
-            }
+            const uint32_t light = static_cast<uint32_t>(model.LightNumber(index));
+            ASSERT_EQ(CompareLight(scene, ref, model.Model(), light, n.name, size, true), "") << file;
             ++stats.lights;
         }
         if (n.type == eNodeCamera)
         {
-            const aiCamera* camera = nullptr;
-            for (unsigned k = 0; k < scene.mNumCameras && !camera; ++k)
-                if (n.name == scene.mCameras[k]->mName.C_Str())
-                    camera = scene.mCameras[k];
-            ASSERT_NE(camera, nullptr) << where;
-            const aiMatrix4x4& g = ref.Global(n.name);
-            QMXTVECTOR3f from, to, up;
-            model.Model().GetCamera(from, to, up, static_cast<uint32_t>(model.CameraNumber(index)));
-            // glTF 2 puts a camera at its node's origin; the importer repeats the node's translation
-            // as the camera's position relative to that node, which the filler leaves out.
-            aiString format;
-            const bool gltf2 = scene.mMetaData && scene.mMetaData->Get("SourceAsset_Format", format) &&
-                               std::string(format.C_Str()) == "glTF2 Importer";
-            const aiVector3D wantFrom = g * (gltf2 ? aiVector3D(0, 0, 0) : camera->mPosition);
-            ASSERT_LT((aiVector3D(from.x, from.y, from.z) - wantFrom).Length(), 1e-4f * size) << where;
-            const aiVector3D view =
-                (aiVector3D(to.x, to.y, to.z) - aiVector3D(from.x, from.y, from.z)).Normalize();
-            ASSERT_GT(view * (aiMatrix3x3(g) * camera->mLookAt).Normalize(), 0.99999f) << where;
+            const uint32_t camera = static_cast<uint32_t>(model.CameraNumber(index));
+            ASSERT_EQ(CompareCamera(scene, ref, model.Model(), camera, n.name, size), "") << file;
             ++stats.cameras;
         }
-    }
-}
-
-// Node world matrices at a few later frames against the importer's animation at the frame's time.
-void CheckLaterFrames(const aiScene& scene, const SContent& content, const SAssimpFillResult& fill,
-                      CContentModel& model, CImporterPose& ref, const std::string& file, SStats& stats)
-{
-    const aiAnimation& anim = *scene.mAnimations[fill.animation];
-    const double tps = anim.mTicksPerSecond > 0 ? anim.mTicksPerSecond : 25.0;
-    double last = anim.mDuration;
-    for (unsigned c = 0; c < anim.mNumChannels; ++c)
-    {
-        const aiNodeAnim* ch = anim.mChannels[c];
-        for (unsigned k = 0; k < ch->mNumPositionKeys; ++k)
-            last = std::max(last, ch->mPositionKeys[k].mTime);
-        for (unsigned k = 0; k < ch->mNumRotationKeys; ++k)
-            last = std::max(last, ch->mRotationKeys[k].mTime);
-        for (unsigned k = 0; k < ch->mNumScalingKeys; ++k)
-            last = std::max(last, ch->mScalingKeys[k].mTime);
-    }
-    const int count = content.FrameCount();
-    for (int frame : {count / 3, (2 * count) / 3, count - 1})
-    {
-        ref.At(std::min(frame * tps / content.info.fps, last));
-        for (size_t i = 0; i < content.nodes.size(); ++i)
-        {
-            if (!fill.sources[i] || content.nodes[i].type == eNodeLight ||
-                content.nodes[i].type == eNodeCamera)
-                continue;
-            const QMXTMATRIXf want = RowLayout(ref.Global(fill.sources[i]));
-            const QMXTMATRIXf got = model.World(static_cast<int>(i), static_cast<float>(frame));
-            for (int e = 0; e < 16; ++e)
-                ASSERT_NEAR(got[e], want[e], 1e-4f * (1.0f + MaxAbs(want)))
-                    << file << ": '" << content.nodes[i].name << "' frame " << frame << " element " << e;
-        }
-        ++stats.animatedChecks;
     }
 }
 
@@ -252,8 +197,16 @@ void CheckFile(const std::string& file, SStats& stats)
     CContentModel model(content);
     CImporterPose ref(*scene, fill.animation >= 0 ? scene->mAnimations[fill.animation] : nullptr);
     CheckFrameZero(*scene, content, fill, model, ref, SceneSize(*scene), file, stats);
-    if (fill.animation >= 0 && content.FrameCount() > 3)
-        CheckLaterFrames(*scene, content, fill, model, ref, file, stats);
+    const int count = content.FrameCount();
+    if (::testing::Test::HasFatalFailure() || fill.animation < 0 || count <= 3)
+        return;
+    // Later frames: node world matrices against the importer's animation at the frame's time.
+    for (int frame : {count / 3, (2 * count) / 3, count - 1})
+    {
+        ref.At(ImporterTime(*scene->mAnimations[fill.animation], frame, content.info.fps));
+        CheckWorlds(content, fill, model, ref, frame, file);
+        ++stats.animatedChecks;
+    }
 }
 } // namespace
 

@@ -27,19 +27,6 @@ aiQuaternion Turn(const aiVector3D& axis, float angle)
     return aiQuaternion(aiVector3D(axis).Normalize(), angle);
 }
 
-void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol, const std::string& what)
-{
-    for (int i = 0; i < 16; ++i)
-        EXPECT_NEAR(got[i], want[i], tol) << what << ", element " << i;
-}
-
-void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what)
-{
-    EXPECT_NEAR(got.x, want.x, tol) << what;
-    EXPECT_NEAR(got.y, want.y, tol) << what;
-    EXPECT_NEAR(got.z, want.z, tol) << what;
-}
-
 aiVector3D Unit(const aiVector3D& v)
 {
     return aiVector3D(v).Normalize();
@@ -80,6 +67,15 @@ aiMaterial* NamedMaterial(const char* name)
     const aiString s(name);
     m->AddProperty(&s, AI_MATKEY_NAME);
     return m;
+}
+
+// The first content node of that type whose parent is the given node, -1 when none.
+int ChildOfType(const SContent& content, int parent, int type)
+{
+    for (size_t i = 0; i < content.nodes.size(); ++i)
+        if (content.nodes[i].type == type && content.nodes[i].parent == parent)
+            return static_cast<int>(i);
+    return -1;
 }
 
 void AddTexture(aiMaterial* m, aiTextureType type, const char* path)
@@ -469,10 +465,7 @@ TEST(AssimpFill, LightsGiveTheImportersPositionDirectionAndSettings)
     // A light on a mesh node is a child of it, named after the light.
     const int sunMesh = ContentIndex(content, "Sun");
     EXPECT_EQ(content.nodes[sunMesh].type, eNodeMesh);
-    int sunLightNode = -1;
-    for (size_t i = 0; i < content.nodes.size(); ++i)
-        if (content.nodes[i].type == eNodeLight && content.nodes[i].parent == sunMesh)
-            sunLightNode = static_cast<int>(i);
+    const int sunLightNode = ChildOfType(content, sunMesh, eNodeLight);
     ASSERT_GE(sunLightNode, 0);
     EXPECT_EQ(content.nodes[sunLightNode].name, "Sun");
     EXPECT_EQ(content.nodes[sunLightNode].light.lightType, eTVOLightDirectional);
@@ -533,10 +526,7 @@ TEST(AssimpFill, CamerasGiveTheImportersViewFieldOfViewAndTarget)
     // A camera on a node with children is a child node; an existing ".Target" node is its target.
     const int eyeIndex = ContentIndex(content, "Eye");
     EXPECT_EQ(content.nodes[eyeIndex].type, eNodePlain);
-    int eyeCamNode = -1;
-    for (size_t i = 0; i < content.nodes.size(); ++i)
-        if (content.nodes[i].type == eNodeCamera && content.nodes[i].parent == eyeIndex)
-            eyeCamNode = static_cast<int>(i);
+    const int eyeCamNode = ChildOfType(content, eyeIndex, eNodeCamera);
     ASSERT_GE(eyeCamNode, 0);
     EXPECT_EQ(content.nodes[eyeCamNode].camera.target, ContentIndex(content, "Eye.Target"));
     ASSERT_GE(ContentIndex(content, "Flat"), 0);

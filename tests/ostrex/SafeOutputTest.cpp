@@ -1,59 +1,22 @@
 // Safe output: the target changes only on commit, and nothing is left behind otherwise.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <dirent.h>
 #include <fstream>
-#include <sstream>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 #include "SafeOutput.h"
+#include "TestSupport.h"
 
 namespace
 {
 class SafeOutputTest : public ::testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/ostrex-safe-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-    }
-    void TearDown() override
-    {
-        for (const std::string& name : Entries())
-            std::remove((m_dir + "/" + name).c_str());
-        rmdir(m_dir.c_str());
-    }
-
-    std::vector<std::string> Entries() const
-    {
-        std::vector<std::string> names;
-        if (DIR* d = opendir(m_dir.c_str()))
-        {
-            while (dirent* e = readdir(d))
-                if (std::string(e->d_name) != "." && std::string(e->d_name) != "..")
-                    names.push_back(e->d_name);
-            closedir(d);
-        }
-        return names;
-    }
-
     static void WriteText(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
-    static std::string ReadText(const std::string& path)
-    {
-        std::ifstream in(path);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
-    }
 
-    std::string m_dir;
+    CTempDir m_work;
+    const std::string m_dir = m_work.Path();
 };
 } // namespace
 
@@ -68,11 +31,11 @@ TEST_F(SafeOutputTest, CommitReplacesTheTargetAndKeepsTheBaseName)
         EXPECT_NE(out.TempPath(), target);
         EXPECT_EQ(out.TempPath().substr(out.TempPath().rfind('/')), "/scene.h");
         WriteText(out.TempPath(), "new");
-        EXPECT_EQ(ReadText(target), "old"); // untouched until the commit
+        EXPECT_EQ(ReadAll(target), "old"); // untouched until the commit
         ASSERT_TRUE(out.Commit(error)) << error;
     }
-    EXPECT_EQ(ReadText(target), "new");
-    EXPECT_EQ(Entries(), std::vector<std::string>{"scene.h"});
+    EXPECT_EQ(ReadAll(target), "new");
+    EXPECT_EQ(m_work.Entries(), std::vector<std::string>{"scene.h"});
 }
 
 TEST_F(SafeOutputTest, AbandonedWriteLeavesTheTargetAndNoDebris)
@@ -85,8 +48,8 @@ TEST_F(SafeOutputTest, AbandonedWriteLeavesTheTargetAndNoDebris)
         ASSERT_TRUE(out.Begin(error)) << error;
         WriteText(out.TempPath(), "half");
     }
-    EXPECT_EQ(ReadText(target), "old");
-    EXPECT_EQ(Entries(), std::vector<std::string>{"scene.tvo"});
+    EXPECT_EQ(ReadAll(target), "old");
+    EXPECT_EQ(m_work.Entries(), std::vector<std::string>{"scene.tvo"});
 }
 
 TEST_F(SafeOutputTest, UnusableTargetsAndUnwrittenFilesAreRefusedWithAReason)
@@ -115,7 +78,7 @@ TEST_F(SafeOutputTest, WriteFileSafelyWritesAllBytes)
     const std::string bytes("a\0b\xff", 4);
     std::string error;
     ASSERT_TRUE(WriteFileSafely(path, bytes.data(), bytes.size(), error)) << error;
-    EXPECT_EQ(ReadText(path), bytes);
+    EXPECT_EQ(ReadAll(path), bytes);
     EXPECT_FALSE(WriteFileSafely(m_dir + "/missing/tex.bin", bytes.data(), bytes.size(), error));
-    EXPECT_EQ(Entries(), std::vector<std::string>{"tex.bin"});
+    EXPECT_EQ(m_work.Entries(), std::vector<std::string>{"tex.bin"});
 }

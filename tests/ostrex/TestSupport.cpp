@@ -3,10 +3,15 @@
 #include <assimp/Importer.hpp>
 #include <assimp/postprocess.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 // The importer library of Debian 12 leaks memory while reading some files (AMF, IRR, LWOB, OpenGEX,
 // RAW test models leak even in a program that only calls ReadFile). Leaks allocated inside it are
@@ -445,4 +450,132 @@ std::vector<aiVector3D> ImporterCorners(const aiScene& scene, const aiNode& node
         }
     }
     return corners;
+}
+
+double ImporterTime(const aiAnimation& anim, int frame, int fps)
+{
+    double last = anim.mDuration;
+    for (unsigned c = 0; c < anim.mNumChannels; ++c)
+    {
+        const aiNodeAnim* ch = anim.mChannels[c];
+        for (unsigned k = 0; k < ch->mNumPositionKeys; ++k)
+            last = std::max(last, ch->mPositionKeys[k].mTime);
+        for (unsigned k = 0; k < ch->mNumRotationKeys; ++k)
+            last = std::max(last, ch->mRotationKeys[k].mTime);
+        for (unsigned k = 0; k < ch->mNumScalingKeys; ++k)
+            last = std::max(last, ch->mScalingKeys[k].mTime);
+    }
+    const double tps = anim.mTicksPerSecond > 0 ? anim.mTicksPerSecond : 25.0;
+    return std::min(frame * tps / fps, last);
+}
+
+namespace
+{
+aiVector3D Vec(const QMXTVECTOR3f& v)
+{
+    return aiVector3D(v.x, v.y, v.z);
+}
+
+std::string Differs(const std::string& what, const aiVector3D& got, const aiVector3D& want)
+{
+    std::ostringstream s;
+    s << what << ": (" << got.x << " " << got.y << " " << got.z << "), the importer's (" << want.x << " "
+      << want.y << " " << want.z << ")";
+    return s.str();
+}
+} // namespace
+
+std::string CompareLight(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
+                         uint32_t light, const std::string& name, float size, bool pointDirections)
+{
+    const aiLight* src = nullptr;
+    for (unsigned k = 0; k < scene.mNumLights && !src; ++k)
+        if (name == scene.mLights[k]->mName.C_Str())
+            src = scene.mLights[k];
+    if (!src)
+        return "the importer has no light '" + name + "'";
+    const aiMatrix4x4& g = pose.Global(name);
+    QMXTVECTOR3f pos, dir;
+    model.GetLight(pos, dir, light);
+    const aiVector3D wantPos = g * src->mPosition;
+    if (!((Vec(pos) - wantPos).Length() < 1e-4f * size))
+        return Differs("light '" + name + "' position", Vec(pos), wantPos);
+    const aiVector3D wantDir = (aiMatrix3x3(g) * src->mDirection).Normalize();
+    const bool directed =
+        src->mDirection.Length() > 0 && (pointDirections || src->mType != aiLightSource_POINT);
+    if (directed && !(Vec(dir).Normalize() * wantDir > 0.99999f))
+        return Differs("light '" + name + "' direction", Vec(dir).Normalize(), wantDir);
+    return "";
+}
+
+std::string CompareCamera(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
+                          uint32_t camera, const std::string& name, float size)
+{
+    const aiCamera* src = nullptr;
+    for (unsigned k = 0; k < scene.mNumCameras && !src; ++k)
+        if (name == scene.mCameras[k]->mName.C_Str())
+            src = scene.mCameras[k];
+    if (!src)
+        return "the importer has no camera '" + name + "'";
+    const aiMatrix4x4& g = pose.Global(name);
+    QMXTVECTOR3f from, to, up;
+    model.GetCamera(from, to, up, camera);
+    // glTF 2 puts a camera at its node's origin; the importer repeats the node's translation as the
+    // camera's position relative to that node, which the filler leaves out.
+    aiString format;
+    const bool gltf2 = scene.mMetaData && scene.mMetaData->Get("SourceAsset_Format", format) &&
+                       std::string(format.C_Str()) == "glTF2 Importer";
+    const aiVector3D wantFrom = g * (gltf2 ? aiVector3D(0, 0, 0) : src->mPosition);
+    if (!((Vec(from) - wantFrom).Length() < 1e-4f * size))
+        return Differs("camera '" + name + "' position", Vec(from), wantFrom);
+    const aiVector3D view = (Vec(to) - Vec(from)).Normalize();
+    const aiVector3D wantView = (aiMatrix3x3(g) * src->mLookAt).Normalize();
+    if (!(view * wantView > 0.99999f))
+        return Differs("camera '" + name + "' view", view, wantView);
+    return "";
+}
+
+void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol, const std::string& what)
+{
+    for (int i = 0; i < 16; ++i)
+        EXPECT_NEAR(got[i], want[i], tol) << what << ", element " << i;
+}
+
+void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what)
+{
+    EXPECT_NEAR(got.x, want.x, tol) << what;
+    EXPECT_NEAR(got.y, want.y, tol) << what;
+    EXPECT_NEAR(got.z, want.z, tol) << what;
+}
+
+CTempDir::CTempDir()
+{
+    char pattern[] = "/tmp/ostrex-test-XXXXXX";
+    if (mkdtemp(pattern))
+        m_path = pattern;
+    else
+        ADD_FAILURE() << "cannot make a temporary directory";
+}
+
+CTempDir::~CTempDir()
+{
+    if (!m_path.empty())
+        std::filesystem::remove_all(m_path);
+}
+
+std::vector<std::string> CTempDir::Entries() const
+{
+    std::vector<std::string> names;
+    for (const auto& e : std::filesystem::directory_iterator(m_path))
+        names.push_back(e.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string ReadAll(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
 }

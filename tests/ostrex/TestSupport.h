@@ -102,3 +102,37 @@ std::vector<aiVector3D> ImporterCorners(const aiScene& scene, const aiNode& node
 
 // Largest distance from the origin of any mesh vertex after the global transforms: a size measure.
 float SceneSize(const aiScene& scene);
+
+// The importer's time (in ticks) of a frame sampled at fps: clamped to the last key or the duration.
+double ImporterTime(const aiAnimation& anim, int frame, int fps);
+
+// A scene model's light (camera) number against the importer's light (camera) of that name at the
+// pose's time: empty when they agree (positions within 1e-4 of size, directions at a cosine above
+// 0.99999), otherwise what differs. Point lights' directions count only when asked.
+std::string CompareLight(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
+                         uint32_t light, const std::string& name, float size, bool pointDirections);
+std::string CompareCamera(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
+                          uint32_t camera, const std::string& name, float size);
+
+// Element-wise comparisons, failure messages naming what was compared.
+void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol, const std::string& what);
+void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what);
+
+// A fresh directory under /tmp, removed with its contents when the object goes.
+class CTempDir
+{
+  public:
+    CTempDir();
+    ~CTempDir();
+    CTempDir(const CTempDir&) = delete;
+    CTempDir& operator=(const CTempDir&) = delete;
+    const std::string& Path() const { return m_path; }
+    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
+    // Names of the entries, sorted.
+    std::vector<std::string> Entries() const;
+
+  private:
+    std::string m_path;
+};
+
+std::string ReadAll(const std::string& path);

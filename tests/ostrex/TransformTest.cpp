@@ -10,35 +10,13 @@
 #include "AssimpInternal.h"
 #include "BoneInfluences.h"
 #include "NodeTransform.h"
-
-namespace
-{
-QMXTMATRIXf Transposed(const aiMatrix4x4& m)
-{
-    QMXTMATRIXf out;
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c)
-            out(r, c) = m[c][r];
-    return out;
-}
-
-void ExpectNear(const QMXTMATRIXf& a, const QMXTMATRIXf& b, float tol)
-{
-    for (int i = 0; i < 16; ++i)
-        EXPECT_NEAR(a[i], b[i], tol) << "element " << i;
-}
-
-aiMatrix4x4 Compose(const aiVector3D& s, const aiQuaternion& q, const aiVector3D& t)
-{
-    return AssimpCompose(s, q, t);
-}
-} // namespace
+#include "TestSupport.h"
 
 TEST(NodeTransform, RotationIsTheConjugateOfTheImportersQuaternion)
 {
     const aiQuaternion q(aiVector3D(1, 2, 3).Normalize(), 0.7f);
     SNodeTM tm;
-    ASSERT_EQ(NodeTMFromMatrix(tm, Transposed(Compose({1, 1, 1}, q, {0, 0, 0}))), eNodeTMExact);
+    ASSERT_EQ(NodeTMFromMatrix(tm, RowLayout(AssimpCompose({1, 1, 1}, q, {0, 0, 0}))), eNodeTMExact);
     const float sign = tm.rot[3] * q.w >= 0 ? 1.0f : -1.0f; // q and -q are the same rotation
     EXPECT_NEAR(sign * tm.rot[0], -q.x, 1e-6f);
     EXPECT_NEAR(sign * tm.rot[1], -q.y, 1e-6f);
@@ -49,10 +27,7 @@ TEST(NodeTransform, RotationIsTheConjugateOfTheImportersQuaternion)
     QMXTMatrixRotationQuaternionF(r, {tm.rot[0], tm.rot[1], tm.rot[2], tm.rot[3]});
     QMXTVECTOR3f p;
     QMXTTransform(p, {0.3f, -2.0f, 5.0f}, r);
-    const aiVector3D expected = q.Rotate(aiVector3D(0.3f, -2.0f, 5.0f));
-    EXPECT_NEAR(p.x, expected.x, 1e-5f);
-    EXPECT_NEAR(p.y, expected.y, 1e-5f);
-    EXPECT_NEAR(p.z, expected.z, 1e-5f);
+    ExpectVecNear(p, q.Rotate(aiVector3D(0.3f, -2.0f, 5.0f)), 1e-5f, "rotated point");
 }
 
 TEST(NodeTransform, RebuildsScaledRotatedTranslatedAndMirroredMatrices)
@@ -62,19 +37,18 @@ TEST(NodeTransform, RebuildsScaledRotatedTranslatedAndMirroredMatrices)
                                  {-1, 1, 1}, {2, -3, -0.5f}, {-1, -1, -1}};
     for (const aiVector3D& s : scales)
     {
-        const QMXTMATRIXf local = Transposed(Compose(s, q, {4, -5, 6}));
+        const QMXTMATRIXf local = RowLayout(AssimpCompose(s, q, {4, -5, 6}));
         SNodeTM tm;
         ASSERT_EQ(NodeTMFromMatrix(tm, local), eNodeTMExact) << s.x << " " << s.y << " " << s.z;
-        ExpectNear(MatrixFromNodeTM(tm), local, 2e-5f * 7);
+        ExpectMatrixNear(MatrixFromNodeTM(tm), local, 2e-5f * 7, "rebuilt");
         for (int i = 0; i < 16; ++i)
             EXPECT_EQ(tm.matrix[i], local[i]);
         EXPECT_FLOAT_EQ(tm.pos[0], 4.0f);
         EXPECT_FLOAT_EQ(tm.pos[2], 6.0f);
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(tm.stretch[i], 0.0f);
-        EXPECT_NEAR(std::fabs(tm.scale[0]), std::fabs(s.x), 1e-5f);
-        EXPECT_NEAR(std::fabs(tm.scale[1]), std::fabs(s.y), 1e-5f);
-        EXPECT_NEAR(std::fabs(tm.scale[2]), std::fabs(s.z), 1e-5f);
+        const QMXTVECTOR3f size = {std::fabs(tm.scale[0]), std::fabs(tm.scale[1]), std::fabs(tm.scale[2])};
+        ExpectVecNear(size, {std::fabs(s.x), std::fabs(s.y), std::fabs(s.z)}, 1e-5f, "scale sizes");
         const float len = std::sqrt(tm.rot[0] * tm.rot[0] + tm.rot[1] * tm.rot[1] + tm.rot[2] * tm.rot[2] +
                                     tm.rot[3] * tm.rot[3]);
         EXPECT_NEAR(len, 1.0f, 1e-6f);
@@ -87,10 +61,10 @@ TEST(NodeTransform, FlattenedAxesAreCompletedSoTheMatrixStillRebuilds)
     const aiVector3D scales[] = {{0, 1, 2}, {3, 0, 1}, {1, 2, 0}, {0, 0, 2}, {0, 0, 0}};
     for (const aiVector3D& s : scales)
     {
-        const QMXTMATRIXf local = Transposed(Compose(s, q, {1, 2, 3}));
+        const QMXTMATRIXf local = RowLayout(AssimpCompose(s, q, {1, 2, 3}));
         SNodeTM tm;
         ASSERT_EQ(NodeTMFromMatrix(tm, local), eNodeTMExact) << s.x << " " << s.y << " " << s.z;
-        ExpectNear(MatrixFromNodeTM(tm), local, 1e-5f);
+        ExpectMatrixNear(MatrixFromNodeTM(tm), local, 1e-5f, "rebuilt");
     }
 }
 
@@ -99,7 +73,7 @@ TEST(NodeTransform, ShearAndNonFiniteValuesAreReported)
     aiMatrix4x4 shear; // x' = x + 0.5 y
     shear.a2 = 0.5f;
     SNodeTM tm;
-    EXPECT_EQ(NodeTMFromMatrix(tm, Transposed(shear)), eNodeTMSheared);
+    EXPECT_EQ(NodeTMFromMatrix(tm, RowLayout(shear)), eNodeTMSheared);
     QMXTMATRIXf bad;
     QMXTMatrixIdentityF(bad);
     bad[13] = NAN;
