@@ -774,7 +774,7 @@ class CGeometrySorter
             size_t live = 0;
             for (size_t i = 0; i < m_candidates.size(); ++i)
             {
-                SCandidate c = m_candidates[i];
+                SCandidate& c = m_candidates[i];
                 const STriangle& u = m_tri[c.nTriangle];
                 if (u.nWork == m_workStamp)
                     continue; // joined the option
@@ -782,7 +782,9 @@ class CGeometrySorter
                     continue; // refused for good
                 if (c.nRatio != UINT64_MAX)
                     best = std::max(best, c.nRatio);
-                m_candidates[live++] = c;
+                if (live != i) // records move only once one has gone
+                    m_candidates[live] = c;
+                ++live;
             }
             m_candidates.resize(live);
             // The fold over the candidates that can reach the best ratio known (the winner has the
@@ -910,24 +912,37 @@ class CGeometrySorter
         const SGrownBlock* b = GrowFrom(v);
         if (!b)
         {
+            TakeBestBlock(); // before any grown block is dropped
             for (int32_t x : m_work.vtx)
                 DropGrownBlock(x);
             SplitMesh(m_work.vtx);
             return false;
         }
-        if (m_best.Empty() || IsBetterThan(Score(b->tri.size(), b->vtx.size(), b->nClosedDelta), Score(m_best)))
-        {
-            m_best.vtx = b->vtx;
-            m_best.tri = b->tri;
-            m_best.edges = b->edges;
-            m_best.nClosedDelta = b->nClosedDelta;
-            ++m_bestStamp;
-            for (int32_t x : m_best.vtx)
-                m_vBest[x] = m_bestStamp;
-            for (int32_t t : m_best.tri)
-                m_tri[t].nBest = m_bestStamp;
-        }
+        if ((m_nBestBlock < 0 && m_best.Empty()) ||
+            IsBetterThan(BlockScore(*b), m_nBestBlock >= 0 ? BlockScore(m_blocks[m_nBestBlock]) : Score(m_best)))
+            m_nBestBlock = m_blockOf[v];
         return true;
+    }
+
+    static SScore BlockScore(const SGrownBlock& b) { return Score(b.tri.size(), b.vtx.size(), b.nClosedDelta); }
+
+    // While grown blocks are compared the best of them is only named (most are beaten again soon);
+    // it becomes the best option here, before anything reads the best option or drops a block.
+    void TakeBestBlock()
+    {
+        if (m_nBestBlock < 0)
+            return;
+        const SGrownBlock& b = m_blocks[m_nBestBlock];
+        m_nBestBlock = -1;
+        m_best.vtx = b.vtx;
+        m_best.tri = b.tri;
+        m_best.edges = b.edges;
+        m_best.nClosedDelta = b.nClosedDelta;
+        ++m_bestStamp;
+        for (int32_t x : m_best.vtx)
+            m_vBest[x] = m_bestStamp;
+        for (int32_t t : m_best.tri)
+            m_tri[t].nBest = m_bestStamp;
     }
 
     // Counts the unwritten triangles of a mesh that are not yet in the best option.
@@ -982,6 +997,7 @@ class CGeometrySorter
                     restart = true;
                     break;
                 }
+            TakeBestBlock();
             if (restart)
                 continue;
             if (m_best.Empty())
@@ -992,6 +1008,7 @@ class CGeometrySorter
                     restart = true;
                     continue;
                 }
+                TakeBestBlock();
                 if (m_best.Empty())
                 {
                     Large().pop_back();
@@ -1136,6 +1153,7 @@ class CGeometrySorter
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
     uint32_t m_growth = 0; // stamps the candidates listed by the current growth
+    int32_t m_nBestBlock = -1; // grown block that is the best so far, not yet taken into m_best
 };
 
 // New vertex numbers by first use; records move with them.
