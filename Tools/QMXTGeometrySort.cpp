@@ -495,18 +495,20 @@ class CGeometrySorter
             WorkAddEdgeUse(m_triEdge[size_t(t) * 3 + c], 1);
     }
 
-    void CopyWorkToBest()
+    // Makes a block (the working option or a grown block) the best option, with its stamps.
+    template <typename TBlock> void SetBest(const TBlock& b)
     {
-        m_best.vtx = m_work.vtx;
-        m_best.tri = m_work.tri;
-        m_best.edges = m_work.edges;
-        m_best.nClosedDelta = m_work.nClosedDelta;
+        m_best.vtx = b.vtx;
+        m_best.tri = b.tri;
+        m_best.edges = b.edges;
+        m_best.nClosedDelta = b.nClosedDelta;
         ++m_bestStamp;
         for (int32_t v : m_best.vtx)
             m_vBest[v] = m_bestStamp;
         for (int32_t t : m_best.tri)
             m_tri[t].nBest = m_bestStamp;
     }
+    void CopyWorkToBest() { SetBest(m_work); }
     void CopyBestToWork()
     {
         ClearWork();
@@ -932,17 +934,9 @@ class CGeometrySorter
     {
         if (m_nBestBlock < 0)
             return;
-        const SGrownBlock& b = m_blocks[m_nBestBlock];
+        const int32_t slot = m_nBestBlock;
         m_nBestBlock = -1;
-        m_best.vtx = b.vtx;
-        m_best.tri = b.tri;
-        m_best.edges = b.edges;
-        m_best.nClosedDelta = b.nClosedDelta;
-        ++m_bestStamp;
-        for (int32_t x : m_best.vtx)
-            m_vBest[x] = m_bestStamp;
-        for (int32_t t : m_best.tri)
-            m_tri[t].nBest = m_bestStamp;
+        SetBest(m_blocks[slot]);
     }
 
     // Counts the unwritten triangles of a mesh that are not yet in the best option.
