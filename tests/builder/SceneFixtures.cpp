@@ -160,26 +160,3 @@ SGeomData GridGeometry(int n)
     return g;
 }
 
-CTempDir::CTempDir()
-{
-    char pattern[] = "/tmp/ostrex-builder-XXXXXX";
-    if (!mkdtemp(pattern))
-    {
-        std::perror("mkdtemp");
-        std::abort();
-    }
-    m_path = pattern;
-}
-
-CTempDir::~CTempDir()
-{
-    std::filesystem::remove_all(m_path);
-}
-
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}

@@ -3,6 +3,8 @@
 // a file reader for the tests that write files.
 #pragma once
 
+#include "TempFiles.h"
+
 #include <string>
 #include <vector>
 
@@ -24,20 +26,4 @@ SModifier TubeSkin(const SGeomData& tube, int rings, int sides, const std::vecto
 // unwelded corners.
 SGeomData GridGeometry(int n);
 
-// A fresh directory under /tmp, removed with its contents when the object goes; aborts the test
-// program when none can be made.
-class CTempDir
-{
-  public:
-    CTempDir();
-    ~CTempDir();
-    CTempDir(const CTempDir&) = delete;
-    CTempDir& operator=(const CTempDir&) = delete;
-    const std::string& Path() const { return m_path; }
-    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
 
-  private:
-    std::string m_path;
-};
-
-std::string ReadAll(const std::string& path);

@@ -548,34 +548,3 @@ void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, c
     EXPECT_NEAR(got.z, want.z, tol) << what;
 }
 
-CTempDir::CTempDir()
-{
-    char pattern[] = "/tmp/ostrex-test-XXXXXX";
-    if (mkdtemp(pattern))
-        m_path = pattern;
-    else
-        ADD_FAILURE() << "cannot make a temporary directory";
-}
-
-CTempDir::~CTempDir()
-{
-    if (!m_path.empty())
-        std::filesystem::remove_all(m_path);
-}
-
-std::vector<std::string> CTempDir::Entries() const
-{
-    std::vector<std::string> names;
-    for (const auto& e : std::filesystem::directory_iterator(m_path))
-        names.push_back(e.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}

@@ -3,6 +3,8 @@
 // content's nodes, lights and cameras (in the builder's node order) for the model's own queries.
 #pragma once
 
+#include "TempFiles.h"
+
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 
@@ -117,22 +119,3 @@ std::string CompareCamera(const aiScene& scene, const CImporterPose& pose, CQMXT
 // Element-wise comparisons, failure messages naming what was compared.
 void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol, const std::string& what);
 void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what);
-
-// A fresh directory under /tmp, removed with its contents when the object goes.
-class CTempDir
-{
-  public:
-    CTempDir();
-    ~CTempDir();
-    CTempDir(const CTempDir&) = delete;
-    CTempDir& operator=(const CTempDir&) = delete;
-    const std::string& Path() const { return m_path; }
-    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
-    // Names of the entries, sorted.
-    std::vector<std::string> Entries() const;
-
-  private:
-    std::string m_path;
-};
-
-std::string ReadAll(const std::string& path);
