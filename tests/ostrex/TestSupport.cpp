@@ -483,15 +483,20 @@ std::string Differs(const std::string& what, const aiVector3D& got, const aiVect
       << want.y << " " << want.z << ")";
     return s.str();
 }
+// The first of the importer's lights or cameras with the name, or null.
+template <typename T> const T* FindNamed(T* const* items, unsigned count, const std::string& name)
+{
+    for (unsigned k = 0; k < count; ++k)
+        if (name == items[k]->mName.C_Str())
+            return items[k];
+    return nullptr;
+}
 } // namespace
 
 std::string CompareLight(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
                          uint32_t light, const std::string& name, float size, bool pointDirections)
 {
-    const aiLight* src = nullptr;
-    for (unsigned k = 0; k < scene.mNumLights && !src; ++k)
-        if (name == scene.mLights[k]->mName.C_Str())
-            src = scene.mLights[k];
+    const aiLight* src = FindNamed(scene.mLights, scene.mNumLights, name);
     if (!src)
         return "the importer has no light '" + name + "'";
     const aiMatrix4x4& g = pose.Global(name);
@@ -511,10 +516,7 @@ std::string CompareLight(const aiScene& scene, const CImporterPose& pose, CQMXTM
 std::string CompareCamera(const aiScene& scene, const CImporterPose& pose, CQMXTModelTVO& model,
                           uint32_t camera, const std::string& name, float size)
 {
-    const aiCamera* src = nullptr;
-    for (unsigned k = 0; k < scene.mNumCameras && !src; ++k)
-        if (name == scene.mCameras[k]->mName.C_Str())
-            src = scene.mCameras[k];
+    const aiCamera* src = FindNamed(scene.mCameras, scene.mNumCameras, name);
     if (!src)
         return "the importer has no camera '" + name + "'";
     const aiMatrix4x4& g = pose.Global(name);
