@@ -568,14 +568,24 @@ class CStripBuilder
 
     // Walks from a triangle across an edge, relinking as it goes, until the strip count has fallen to
     // the threshold; keeps the walk when it got there, restores every touched triangle otherwise.
-    bool StripGrow(int32_t start, int edge, int threshold)
+    bool StripGrow(int32_t start, int edge, int threshold) { return Finish(threshold, WalkFrom(start, edge, threshold)); }
+
+    // A fresh walk from a triangle across an edge; returns the change in the strip count.
+    int WalkFrom(int32_t start, int edge, int threshold)
     {
         ++m_walk;
         m_touched.clear();
         m_visited.clear();
         int total = 1;
         Walk(start, kNone, edge, true, threshold, total);
-        return Finish(threshold, total);
+        return total;
+    }
+
+    // Restores every triangle the last walk touched.
+    void Undo()
+    {
+        for (int32_t t : m_touched)
+            m_cur[t] = m_cemented[t];
     }
 
     // The same walk again right after it was kept (the edge pass does this until it fails). Walking
@@ -626,13 +636,8 @@ class CStripBuilder
             for (int e = 0; e < 3; ++e)
                 if (!m_bTrack || m_complete.MayCompleteForward(t, e))
                 {
-                    ++m_walk;
-                    m_touched.clear();
-                    m_visited.clear();
-                    int total = 1;
-                    Walk(static_cast<int32_t>(t), kNone, e, true, threshold, total);
-                    for (int32_t x : m_touched)
-                        m_cur[x] = m_cemented[x];
+                    const int total = WalkFrom(static_cast<int32_t>(t), e, threshold);
+                    Undo();
                     if (total <= threshold)
                         return true;
                 }
@@ -644,8 +649,7 @@ class CStripBuilder
     {
         if (total > threshold)
         {
-            for (int32_t t : m_touched)
-                m_cur[t] = m_cemented[t];
+            Undo();
             total = 0;
         }
         else
