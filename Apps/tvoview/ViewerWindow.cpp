@@ -1,0 +1,145 @@
+#include "ViewerWindow.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QSurfaceFormat>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+#include "TVOViewCamera.h"
+#include "ViewerGLWidget.h"
+#include "ViewerPanel.h"
+
+namespace
+{
+// Slider steps a frame: the slider moves in tenths so playback between keys is smooth.
+constexpr int kSteps = 10;
+
+QWidget* SidePanel(CTVOViewScene& scene, CViewerGLWidget* view)
+{
+    auto* tabs = new QTabWidget;
+    auto* summary = new QPlainTextEdit(QString::fromStdString(TVOSummaryText(scene.Model(), scene.Facts())));
+    summary->setReadOnly(true);
+    summary->setLineWrapMode(QPlainTextEdit::NoWrap);
+    summary->setFont(QFont("monospace"));
+    tabs->addTab(summary, "Summary");
+    auto* tree = new QTreeWidget;
+    TVOFillNodeTree(*tree, scene.Model());
+    tabs->addTab(tree, "Nodes");
+    auto* meshes = new QTableWidget;
+    TVOFillMeshTable(*meshes, scene.Model());
+    tabs->addTab(meshes, "Meshes");
+
+    auto* toggles = new QWidget;
+    auto* row = new QHBoxLayout(toggles);
+    auto state = std::make_shared<SViewToggles>();
+    const std::pair<const char*, bool SViewToggles::*> names[] = {{"Wireframe", &SViewToggles::bWireframe},
+                                                                 {"Normals", &SViewToggles::bNormals},
+                                                                 {"Bone batches", &SViewToggles::bBatchColours},
+                                                                 {"Bounds", &SViewToggles::bBounds}};
+    for (const auto& name : names)
+    {
+        auto* box = new QCheckBox(name.first);
+        row->addWidget(box);
+        const auto member = name.second;
+        QObject::connect(box, &QCheckBox::toggled, view, [view, state, member](bool on) {
+            (*state).*member = on;
+            view->SetToggles(*state);
+        });
+    }
+    auto* panel = new QWidget;
+    auto* column = new QVBoxLayout(panel);
+    column->addWidget(toggles);
+    column->addWidget(tabs);
+    return panel;
+}
+
+QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx, QLabel* frameLabel)
+{
+    CQMXTModelTVO& model = scene.Model();
+    auto* bar = new QWidget;
+    auto* row = new QHBoxLayout(bar);
+    auto* play = new QPushButton("Play");
+    auto* slider = new QSlider(Qt::Horizontal);
+    slider->setRange(0, static_cast<int>(scene.LastFrame() * kSteps));
+    auto* timer = new QTimer(bar);
+    const int fps = model.nFPS > 0 && model.nFPS <= 240 ? static_cast<int>(model.nFPS) : 30;
+    timer->setInterval(1000 / (fps * kSteps) > 0 ? 1000 / (fps * kSteps) : 1);
+    play->setEnabled(model.nNumFrame > 1);
+    QObject::connect(play, &QPushButton::clicked, bar, [timer, play] {
+        timer->isActive() ? timer->stop() : timer->start();
+        play->setText(timer->isActive() ? "Pause" : "Play");
+    });
+    QObject::connect(timer, &QTimer::timeout, slider, [slider] {
+        slider->setValue(slider->value() >= slider->maximum() ? 0 : slider->value() + 1);
+    });
+    QObject::connect(slider, &QSlider::valueChanged, view, [view, frameLabel, &scene](int value) {
+        const float frame = static_cast<float>(value) / kSteps;
+        view->SetFrame(frame);
+        frameLabel->setText(QString("frame %1 of %2").arg(frame, 0, 'f', 1).arg(scene.Model().nNumFrame));
+    });
+    auto* cameras = new QComboBox;
+    cameras->addItem("Free orbit camera");
+    for (uint32_t c = 0; c < model.nNumCamera; ++c)
+        cameras->addItem(QString::fromStdString(TVOCameraName(model, c)));
+    cameras->setCurrentIndex(cameraIdx + 1);
+    QObject::connect(cameras, &QComboBox::currentIndexChanged, view, [view](int i) { view->SetCamera(i - 1); });
+    row->addWidget(play);
+    row->addWidget(slider, 1);
+    row->addWidget(frameLabel);
+    row->addWidget(new QLabel(QString("%1 fps").arg(model.nFPS)));
+    row->addWidget(cameras);
+    return bar;
+}
+} // namespace
+
+int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewArgs& args, int cameraIdx)
+{
+    // The renderer speaks OpenGL ES 2, whoever makes the context.
+    QSurfaceFormat format;
+    format.setRenderableType(QSurfaceFormat::OpenGLES);
+    format.setVersion(2, 0);
+    format.setDepthBufferSize(24);
+    QSurfaceFormat::setDefaultFormat(format);
+    QApplication app(argc, argv);
+
+    QMainWindow window;
+    window.setWindowTitle(QString("tvoview - %1").arg(QString::fromStdString(args.sFile)));
+    auto* view = new CViewerGLWidget(scene);
+    view->SetCamera(cameraIdx);
+    auto* frameLabel = new QLabel;
+    auto* left = new QWidget;
+    auto* column = new QVBoxLayout(left);
+    column->addWidget(view, 1);
+    column->addWidget(AnimationBar(scene, view, cameraIdx, frameLabel));
+    auto* splitter = new QSplitter;
+    splitter->addWidget(left);
+    splitter->addWidget(SidePanel(scene, view));
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    window.setCentralWidget(splitter);
+    QObject::connect(view, &CViewerGLWidget::Message, &window, [&window](const QString& text) {
+        std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
+        window.statusBar()->showMessage(text);
+    });
+    if (args.fFrame > 0.0f)
+        view->SetFrame(std::min(args.fFrame, scene.LastFrame()));
+    frameLabel->setText(QString("frame 0 of %1").arg(scene.Model().nNumFrame));
+    window.resize(args.nWidth + 520, args.nHeight + 80);
+    window.show();
+    return app.exec();
+}
