@@ -18,6 +18,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "TVOViewCamera.h"
@@ -68,11 +69,12 @@ QWidget* SidePanel(CTVOViewScene& scene, CViewerGLWidget* view)
     return panel;
 }
 
-QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx, QLabel* frameLabel)
+QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx, float firstFrame)
 {
     CQMXTModelTVO& model = scene.Model();
     auto* bar = new QWidget;
     auto* row = new QHBoxLayout(bar);
+    auto* frameLabel = new QLabel;
     auto* play = new QPushButton("Play");
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setRange(0, static_cast<int>(scene.LastFrame() * kSteps));
@@ -87,11 +89,14 @@ QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx
     QObject::connect(timer, &QTimer::timeout, slider, [slider] {
         slider->setValue(slider->value() >= slider->maximum() ? 0 : slider->value() + 1);
     });
-    QObject::connect(slider, &QSlider::valueChanged, view, [view, frameLabel, &scene](int value) {
+    const auto showFrame = [view, frameLabel, &scene](int value) {
         const float frame = static_cast<float>(value) / kSteps;
         view->SetFrame(frame);
         frameLabel->setText(QString("frame %1 of %2").arg(frame, 0, 'f', 1).arg(scene.Model().nNumFrame));
-    });
+    };
+    QObject::connect(slider, &QSlider::valueChanged, view, showFrame);
+    slider->setValue(static_cast<int>(firstFrame * kSteps));
+    showFrame(slider->value());
     auto* cameras = new QComboBox;
     cameras->addItem("Free orbit camera");
     for (uint32_t c = 0; c < model.nNumCamera; ++c)
@@ -121,11 +126,11 @@ int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewA
     window.setWindowTitle(QString("tvoview - %1").arg(QString::fromStdString(args.sFile)));
     auto* view = new CViewerGLWidget(scene);
     view->SetCamera(cameraIdx);
-    auto* frameLabel = new QLabel;
     auto* left = new QWidget;
     auto* column = new QVBoxLayout(left);
     column->addWidget(view, 1);
-    column->addWidget(AnimationBar(scene, view, cameraIdx, frameLabel));
+    const float firstFrame = args.fFrame > 0.0f ? std::min(args.fFrame, scene.LastFrame()) : 0.0f;
+    column->addWidget(AnimationBar(scene, view, cameraIdx, firstFrame));
     auto* splitter = new QSplitter;
     splitter->addWidget(left);
     splitter->addWidget(SidePanel(scene, view));
@@ -136,9 +141,6 @@ int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewA
         std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
         window.statusBar()->showMessage(text);
     });
-    if (args.fFrame > 0.0f)
-        view->SetFrame(std::min(args.fFrame, scene.LastFrame()));
-    frameLabel->setText(QString("frame 0 of %1").arg(scene.Model().nNumFrame));
     window.resize(args.nWidth + 520, args.nHeight + 80);
     window.show();
     return app.exec();

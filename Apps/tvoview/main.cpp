@@ -24,6 +24,11 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "tvoview: %s\n%s", usage.c_str(), TVOViewUsage());
         return 2;
     }
+    if (args.bHelp)
+    {
+        std::printf("%s%s", TVOViewUsage(), TVOViewHelp());
+        return 0;
+    }
     CTVOViewScene scene;
     const std::string problem = scene.Open(args.sFile);
     if (!problem.empty())

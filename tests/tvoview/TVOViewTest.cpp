@@ -184,8 +184,8 @@ TEST_F(TVOView, MissingTextureIsDrawnAsACheckerWithAWarning)
     EXPECT_GT(magenta, 100);
 }
 
-// Files that must be refused with one line and exit status 1, and no image written.
-TEST_F(TVOView, BadFilesAreRefusedWithOneLine)
+// Files that must be refused, and a machine without EGL: one line, exit status 1, no image written.
+TEST_F(TVOView, BadFilesAndNoContextAreRefusedWithOneLine)
 {
     COptions options;
     options.SetOption(COptionsData::eExportAnimations, true);
@@ -219,10 +219,13 @@ TEST_F(TVOView, BadFilesAreRefusedWithOneLine)
         {"loop.tvo", "its parents form a loop"},
         {"index.tvo", "index 999 at position 4 is not below the vertex count"},
         {"absent.tvo", "cannot open the file"},
+        {"good.tvo", "no OpenGL ES context can be made"}, // EGL without its Mesa vendor library
     };
     for (const auto& c : cases)
     {
-        const SShot shot = Screenshot(dir / c.first, dir / "bad.png");
+        const bool noEgl = std::string(c.first) == "good.tvo";
+        const std::vector<std::string> environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"};
+        const SShot shot = Screenshot(dir / c.first, dir / "bad.png", {}, noEgl ? environment : std::vector<std::string>());
         EXPECT_EQ(shot.nExit, 1) << c.first;
         EXPECT_EQ(shot.sErrors.rfind("tvoview: " + dir / c.first + ": ", 0), 0u) << shot.sErrors;
         EXPECT_EQ(std::count(shot.sErrors.begin(), shot.sErrors.end(), '\n'), 1) << shot.sErrors;

@@ -93,13 +93,18 @@ SContent SkinnedBar()
     return content;
 }
 
-SShot Screenshot(const std::string& file, const std::string& out, const std::vector<std::string>& args)
+SShot Screenshot(const std::string& file, const std::string& out, const std::vector<std::string>& args,
+                 const std::vector<std::string>& environment)
 {
     QStringList arguments = {QString::fromStdString(file), "--screenshot", QString::fromStdString(out)};
     for (const std::string& a : args)
         arguments << QString::fromStdString(a);
     QFile::remove(QString::fromStdString(out));
     QProcess run;
+    QStringList env = QProcess::systemEnvironment();
+    for (const std::string& e : environment)
+        env << QString::fromStdString(e);
+    run.setEnvironment(env);
     run.start(TVOVIEW_PATH, arguments);
     SShot shot;
     if (!run.waitForFinished(60000))

@@ -31,8 +31,9 @@ struct SShot
     std::string sErrors; // stderr of the run
     QImage image;        // the screenshot, null when none was written
 };
-// Runs tvoview FILE --screenshot OUT.png with more arguments.
-SShot Screenshot(const std::string& file, const std::string& out, const std::vector<std::string>& args = {});
+// Runs tvoview FILE --screenshot OUT.png with more arguments (and NAME=VALUE environment entries).
+SShot Screenshot(const std::string& file, const std::string& out, const std::vector<std::string>& args = {},
+                 const std::vector<std::string>& environment = {});
 
 // Pixels that are not the (black) background, and their bounding box.
 struct SCoverage
