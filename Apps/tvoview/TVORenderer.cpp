@@ -180,11 +180,10 @@ void CTVORenderer::DrawMeshNode(uint32_t nodeIdx, const SViewToggles& toggles)
     {
         if (skinned && r.nBatch != palette)
             SetPalette(node, mesh, palette = r.nBatch);
-        float tint[4] = {0, 0, 0, 0};
-        if (toggles.bBatchColours)
-            BatchColour(r.nBatch, tint), tint[3] = 0.6f;
-        if (toggles.bWireframe)
-            tint[0] = tint[1] = tint[2] = 1.0f, tint[3] = 1.0f;
+        // Edges are drawn white, or in their batch's colour; skinned faces get the batch colour mixed in.
+        float tint[4] = {1, 1, 1, toggles.bWireframe ? 1.0f : 0.0f};
+        if (toggles.bBatchColours && skinned)
+            BatchColour(r.nBatch, tint), tint[3] = toggles.bWireframe ? 1.0f : 0.6f;
         glUniform4fv(U(p, "uTint"), 1, tint);
         gpu.DrawRange(r, toggles.bWireframe);
     }

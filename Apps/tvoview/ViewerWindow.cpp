@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMainWindow>
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 #include "TVOViewCamera.h"
 #include "ViewerGLWidget.h"
@@ -78,16 +80,22 @@ QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx
     auto* play = new QPushButton("Play");
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setRange(0, static_cast<int>(scene.LastFrame() * kSteps));
+    // Playback follows the clock, so a slow frame skips ahead instead of slowing the animation.
     auto* timer = new QTimer(bar);
-    const int fps = model.nFPS > 0 && model.nFPS <= 240 ? static_cast<int>(model.nFPS) : 30;
-    timer->setInterval(1000 / (fps * kSteps) > 0 ? 1000 / (fps * kSteps) : 1);
+    timer->setInterval(15);
+    auto clock = std::make_shared<QElapsedTimer>();
+    auto startStep = std::make_shared<int>(0);
+    const int fps = model.nFPS > 0 && model.nFPS <= 1000 ? static_cast<int>(model.nFPS) : 30;
     play->setEnabled(model.nNumFrame > 1);
-    QObject::connect(play, &QPushButton::clicked, bar, [timer, play] {
+    QObject::connect(play, &QPushButton::clicked, bar, [timer, play, slider, clock, startStep] {
         timer->isActive() ? timer->stop() : timer->start();
+        clock->start();
+        *startStep = slider->value();
         play->setText(timer->isActive() ? "Pause" : "Play");
     });
-    QObject::connect(timer, &QTimer::timeout, slider, [slider] {
-        slider->setValue(slider->value() >= slider->maximum() ? 0 : slider->value() + 1);
+    QObject::connect(timer, &QTimer::timeout, slider, [slider, clock, startStep, fps] {
+        const qint64 steps = *startStep + clock->elapsed() * fps * kSteps / 1000;
+        slider->setValue(static_cast<int>(steps % (static_cast<qint64>(slider->maximum()) + 1)));
     });
     const auto showFrame = [view, frameLabel, &scene](int value) {
         const float frame = static_cast<float>(value) / kSteps;
