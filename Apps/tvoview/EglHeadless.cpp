@@ -28,8 +28,7 @@ CEglHeadless::~CEglHeadless()
         eglDestroyContext(m_display, m_context);
     if (m_surface != EGL_NO_SURFACE)
         eglDestroySurface(m_display, m_surface);
-    eglTerminate(m_display);
-    eglReleaseThread();
+    // No eglTerminate: the driver stays loaded until exit, as a one-shot program may leave it.
 }
 
 bool CEglHeadless::Create(int width, int height, std::string& error)

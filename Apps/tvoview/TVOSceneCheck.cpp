@@ -44,15 +44,11 @@ std::string CheckNodes(const STVOScene& s)
         for (uint32_t w : walk)
             state[w] = 2;
     }
-    for (uint32_t i = 0; i < s.nNumNode; ++i)
+    for (uint32_t i = 0; i < s.nNumMeshNode; ++i)
     {
         const int32_t idx = s.pNode[i].nIdx;
-        const bool mesh = i < s.nNumMeshNode;
-        const bool light = !mesh && i < s.nNumMeshNode + s.nNumLight;
-        if (mesh && (idx < 0 || static_cast<uint32_t>(idx) >= s.nNumMesh))
+        if (idx < 0 || static_cast<uint32_t>(idx) >= s.nNumMesh)
             return Say("node %u: mesh %d is not one of the %u meshes", i, idx, s.nNumMesh);
-        if (light && static_cast<uint32_t>(idx) >= s.nNumLight && idx >= 0)
-            return Say("node %u: light %d is not one of the %u lights", i, idx, s.nNumLight);
     }
     for (uint32_t c = 0; c < s.nNumCamera; ++c)
     {

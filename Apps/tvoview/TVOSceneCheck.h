@@ -3,7 +3,7 @@
 //
 // The reader has already checked sizes, index values against the vertex count and strip lengths
 // against the face count. This adds: node parents in range and free of loops, node indices into
-// meshes, lights and cameras, bone batch offsets and bone tables, bone indices of every drawn vertex
+// meshes and cameras, bone batch offsets and bone tables, bone indices of every drawn vertex
 // below its batch's bone count (or the node count without batches), and vertex streams of one to four
 // components with a position stream on every drawn mesh.
 #pragma once

@@ -38,6 +38,7 @@ void CViewerGLWidget::SetToggles(const SViewToggles& toggles)
 void CViewerGLWidget::initializeGL()
 {
     std::string error;
+    m_bounds = TVOSceneBounds(m_scene.Model());
     m_bReady = m_renderer.Init(m_scene.Model(), m_scene.Folder(), error);
     if (!m_bReady)
         emit Message(QString::fromStdString("cannot draw the scene: " + error));
@@ -50,9 +51,9 @@ void CViewerGLWidget::paintGL()
     const int w = static_cast<int>(width() * devicePixelRatioF()), h = static_cast<int>(height() * devicePixelRatioF());
     const float aspect = static_cast<float>(w) / static_cast<float>(std::max(h, 1));
     CQMXTModelTVO& model = m_scene.Model();
-    const SSceneBounds bounds = TVOSceneBounds(model);
-    const SCameraView view = m_nCamera >= 0 ? TVOFileCameraView(model, static_cast<uint32_t>(m_nCamera), bounds, aspect)
-                                            : TVOOrbitView(bounds, m_orbit, aspect);
+    const SCameraView view = m_nCamera >= 0
+                                 ? TVOFileCameraView(model, static_cast<uint32_t>(m_nCamera), m_bounds, aspect)
+                                 : TVOOrbitView(m_bounds, m_orbit, aspect);
     m_renderer.Draw(view, w, h, m_toggles);
     for (const std::string& warning : m_renderer.TakeWarnings())
         emit Message(QString::fromStdString("warning: " + warning));

@@ -36,6 +36,7 @@ class CViewerGLWidget : public QOpenGLWidget
     bool m_bReady = false;
     SViewToggles m_toggles;
     SOrbit m_orbit;
+    SSceneBounds m_bounds; // framed once, so the free camera stays put while the scene moves
     int m_nCamera = -1;
     QPoint m_lastMouse;
 };

@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "TVOViewCamera.h"
@@ -122,6 +123,13 @@ QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx
 
 int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewArgs& args, int cameraIdx)
 {
+    // Without any display Qt would abort; say so and point to the headless path instead.
+    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
+    {
+        std::fprintf(stderr, "tvoview: %s: no display to open a window on (use --screenshot OUT.png)\n",
+                     args.sFile.c_str());
+        return 1;
+    }
     // The renderer speaks OpenGL ES 2, whoever makes the context.
     QSurfaceFormat format;
     format.setRenderableType(QSurfaceFormat::OpenGLES);
