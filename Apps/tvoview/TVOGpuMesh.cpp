@@ -14,6 +14,9 @@ bool NativeFormat(uint32_t type, GLenum& glType, GLboolean& normalised)
     case EQMXTDataUnsignedShort: glType = GL_UNSIGNED_SHORT; return true;
     case EQMXTDataUBYTE4:
     case EQMXTDataUnsignedByte: glType = GL_UNSIGNED_BYTE; return true;
+    case EQMXTDataRGBA:
+    case EQMXTDataARGB:
+    case EQMXTDataD3DCOLOR: glType = GL_UNSIGNED_BYTE; break; // the four bytes in file order
     case EQMXTDataShort: glType = GL_SHORT; return true;
     case EQMXTDataByte: glType = GL_BYTE; return true;
     case EQMXTDataShortNorm: glType = GL_SHORT; break;
@@ -46,7 +49,7 @@ void CTVOGpuMesh::UploadStream(const STVOMesh& m, const CTVOData& d, GLuint inte
     out.bPresent = true;
     if (NativeFormat(d.eType, out.eType, out.bNormalised))
     {
-        out.nSize = static_cast<GLint>(d.eType == EQMXTDataUBYTE4 ? 4 : d.n);
+        out.nSize = static_cast<GLint>(QMXTModelTVODataTypeComponentCount(d.eType) == 4 ? 4 : d.n);
         out.nStride = static_cast<GLsizei>(d.nStride);
         if (m.pInterleaved)
         {

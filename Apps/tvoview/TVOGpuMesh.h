@@ -1,7 +1,9 @@
 // One mesh of the scene model in GPU buffers, drawn as stored: types the GLES 2 vertex attribute
 // formats take (float, byte, short and their unsigned and normalised forms, UBYTE4) are uploaded
-// byte for byte, interleaved or not; the rest (int, unsigned int, fixed 16.16, DEC3N and the packed
-// colours) are converted to floats on load. Indices are uploaded as 16-bit values when every vertex
+// byte for byte, interleaved or not; the rest (int, unsigned int, fixed 16.16, DEC3N) are converted
+// to floats on load. Packed colours (RGBA, ARGB, D3DCOLOR) are four normalised unsigned bytes to a
+// GLES 2 GPU, which cannot swizzle at fetch: they are read in the file's byte order (the builder's
+// ARGB colours hold red, green, blue, alpha in that order), whatever the type's packing says. Indices are uploaded as 16-bit values when every vertex
 // fits, else as 32-bit ones (which need OES_element_index_uint).
 #pragma once
 

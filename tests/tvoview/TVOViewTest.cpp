@@ -86,6 +86,9 @@ TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
         {"fixed positions", ePrimTriangleList, true, false, EQMXTDataFixed16_16, EQMXTDataFloat},
         {"unsigned short normalised positions", ePrimTriangleStrips, false, true, EQMXTDataUnsignedShortNorm,
          EQMXTDataFloat},
+        {"int positions", ePrimTriangleList, false, true, EQMXTDataInt, EQMXTDataFloat},
+        {"unsigned byte normalised positions", ePrimTriangleStrips, true, false, EQMXTDataUnsignedByteNorm,
+         EQMXTDataFloat},
     };
     SCoverage reference;
     QImage first;
@@ -110,6 +113,29 @@ TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
         EXPECT_NEAR(c.nBottom, reference.nBottom, 1) << v.name;
         // The same shading too: a triangle left out shows the back of the cube through the hole.
         EXPECT_LT(MeanDifference(shot.image, first), 1.5) << v.name;
+    }
+}
+
+// Packed colours reach a GLES 2 GPU as four bytes in file order, which the builder's ARGB packing
+// (and D3DCOLOR, the same packing) keeps as red, green, blue, alpha.
+TEST_F(TVOView, PackedVertexColoursDrawTheirColour)
+{
+    SContent content = Cube();
+    SGeomData& g = content.nodes[0].geom;
+    g.colours = {{1.0f, 0.1f, 0.0f, 1.0f}};
+    for (SFace& f : g.faces)
+        f.colour[0] = f.colour[1] = f.colour[2] = 0;
+    for (EQMXTDataType type : {EQMXTDataARGB, EQMXTDataD3DCOLOR})
+    {
+        COptions options;
+        options.SetOption(COptionsData::eVcOptCol, CVectorOpt(true, type, 0x0f));
+        ASSERT_TRUE(ExportScene(content, options, dir / "colour.tvo"));
+        const SShot shot = Screenshot(dir / "colour.tvo", dir / "colour.png", {"--size", "64x64"});
+        ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
+        const QRgb centre = shot.image.pixel(32, 32);
+        EXPECT_GT(qRed(centre), 60) << QMXTModelTVODataTypeName(type);
+        EXPECT_LT(qGreen(centre) * 4, qRed(centre)) << QMXTModelTVODataTypeName(type);
+        EXPECT_LT(qBlue(centre) * 4, qRed(centre)) << QMXTModelTVODataTypeName(type);
     }
 }
 
