@@ -42,6 +42,12 @@ void CViewerGLWidget::initializeGL()
     m_bReady = m_renderer.Init(m_scene.Model(), m_scene.Folder(), error);
     if (!m_bReady)
         emit Message(QString::fromStdString("cannot draw the scene: " + error));
+    else
+    {
+        const char* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+        const char* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+        emit Message(QString("%1 on %2").arg(version ? version : "?", renderer ? renderer : "?"));
+    }
 }
 
 void CViewerGLWidget::paintGL()

@@ -154,7 +154,8 @@ int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewA
     splitter->setStretchFactor(1, 2);
     window.setCentralWidget(splitter);
     QObject::connect(view, &CViewerGLWidget::Message, &window, [&window](const QString& text) {
-        std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
+        if (text.startsWith("warning") || text.startsWith("cannot"))
+            std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
         window.statusBar()->showMessage(text);
     });
     window.resize(args.nWidth + 520, args.nHeight + 80);
