@@ -69,7 +69,12 @@ bool CTVORenderer::Init(CQMXTModelTVO& scene, const std::string& baseDir, std::s
     if (scene.nNumLight >= static_cast<uint32_t>(kTVOMaxLights))
         m_warnings.push_back("the scene has " + std::to_string(scene.nNumLight) + " lights; the first " +
                              std::to_string(kTVOMaxLights - 1) + " are drawn");
-    return glGetError() == GL_NO_ERROR || (error = "the scene could not be uploaded to the GPU", false);
+    if (glGetError() != GL_NO_ERROR)
+    {
+        error = "the scene could not be uploaded to the GPU";
+        return false;
+    }
+    return true;
 }
 
 void CTVORenderer::SetLights(const SCameraView& view)
@@ -183,7 +188,10 @@ void CTVORenderer::DrawMeshNode(uint32_t nodeIdx, const SViewToggles& toggles)
         // Edges are drawn white, or in their batch's colour; skinned faces get the batch colour mixed in.
         float tint[4] = {1, 1, 1, toggles.bWireframe ? 1.0f : 0.0f};
         if (toggles.bBatchColours && skinned)
-            BatchColour(r.nBatch, tint), tint[3] = toggles.bWireframe ? 1.0f : 0.6f;
+        {
+            BatchColour(r.nBatch, tint);
+            tint[3] = toggles.bWireframe ? 1.0f : 0.6f;
+        }
         glUniform4fv(U(p, "uTint"), 1, tint);
         gpu.DrawRange(r, toggles.bWireframe);
     }

@@ -16,7 +16,11 @@ class CTVOTextures
 {
   public:
     // baseDir: folder of the scene file, for relative texture names.
-    void Init(const STVOScene& scene, const std::string& baseDir) { m_pScene = &scene, m_sBaseDir = baseDir; }
+    void Init(const STVOScene& scene, const std::string& baseDir)
+    {
+        m_pScene = &scene;
+        m_sBaseDir = baseDir;
+    }
     // The GL texture of texture index idx (loaded on first use), or 0 for an index out of range.
     // Warnings about missing files are appended to warnings.
     GLuint Get(int32_t idx, std::vector<std::string>& warnings);
