@@ -1,7 +1,8 @@
 // Diffuse textures of a scene, loaded relative to the scene file through Qt's image readers (PNG,
-// JPEG) and uploaded as GLES 2 textures: sizes rounded down to powers of two (as small GPUs need for
-// repeat and mipmaps), rows in OpenGL order (v = 0 is the image's bottom row). A texture that cannot
-// be read is replaced by a magenta checker and reported once.
+// JPEG; TGA and others with Qt's image format plugins) and uploaded as GLES 2 textures: sizes
+// rounded down to powers of two (as small GPUs need for repeat and mipmaps), rows in OpenGL order
+// (v = 0 is the image's bottom row). A texture that cannot be read is replaced by a magenta checker
+// and reported once.
 #pragma once
 
 #include <GLES2/gl2.h>
