@@ -35,7 +35,7 @@ const char* TVOViewHelp()
            "  --size WxH            image or view size in pixels (default 800x600)\n"
            "Window: drag to turn the free camera, wheel to zoom; Play, the frame slider and the\n"
            "camera list are under the view; the side panel has the summary, the node tree, the\n"
-           "mesh statistics and the wireframe, normals, bone batch and bounds toggles.\n"
+           "mesh statistics and the wireframe, normals, bone batch and bounds toggles; Ctrl+Q quits.\n"
            "Exit status: 0 done, 1 the file cannot be read or drawn or no context can be made,\n"
            "2 usage error.\n";
 }

@@ -9,6 +9,7 @@
 #include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSlider>
 #include <QSplitter>
 #include <QStatusBar>
@@ -158,6 +159,8 @@ int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewA
             std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
         window.statusBar()->showMessage(text);
     });
+    auto* quit = new QShortcut(QKeySequence::Quit, &window);
+    QObject::connect(quit, &QShortcut::activated, &window, &QWidget::close);
     window.resize(args.nWidth + 520, args.nHeight + 80);
     window.show();
     return app.exec();
