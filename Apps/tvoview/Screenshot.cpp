@@ -43,8 +43,9 @@ int TVORunScreenshot(CTVOViewScene& scene, const SViewArgs& args, int cameraIdx)
     model.SetFrame(args.fFrame > 0.0f ? std::min(args.fFrame, scene.LastFrame()) : 0.0f);
     const SSceneBounds bounds = TVOSceneBounds(model);
     const float aspect = static_cast<float>(args.nWidth) / static_cast<float>(args.nHeight);
-    const SCameraView view = cameraIdx >= 0 ? TVOFileCameraView(model, static_cast<uint32_t>(cameraIdx), bounds, aspect)
-                                            : TVOOrbitView(bounds, SOrbit(), aspect);
+    const SCameraView view = cameraIdx >= 0
+                                 ? TVOFileCameraView(model, static_cast<uint32_t>(cameraIdx), bounds, aspect)
+                                 : TVOOrbitView(bounds, SOrbit(), aspect);
     CTVORenderer renderer;
     if (!renderer.Init(model, scene.Folder(), error))
         return Fail(args, error);

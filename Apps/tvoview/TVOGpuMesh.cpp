@@ -10,20 +10,41 @@ bool NativeFormat(uint32_t type, GLenum& glType, GLboolean& normalised)
     normalised = GL_FALSE;
     switch (type)
     {
-    case EQMXTDataFloat: glType = GL_FLOAT; return true;
-    case EQMXTDataUnsignedShort: glType = GL_UNSIGNED_SHORT; return true;
+    case EQMXTDataFloat:
+        glType = GL_FLOAT;
+        return true;
+    case EQMXTDataUnsignedShort:
+        glType = GL_UNSIGNED_SHORT;
+        return true;
     case EQMXTDataUBYTE4:
-    case EQMXTDataUnsignedByte: glType = GL_UNSIGNED_BYTE; return true;
+    case EQMXTDataUnsignedByte:
+        glType = GL_UNSIGNED_BYTE;
+        return true;
     case EQMXTDataRGBA:
     case EQMXTDataARGB:
-    case EQMXTDataD3DCOLOR: glType = GL_UNSIGNED_BYTE; break; // the four bytes in file order
-    case EQMXTDataShort: glType = GL_SHORT; return true;
-    case EQMXTDataByte: glType = GL_BYTE; return true;
-    case EQMXTDataShortNorm: glType = GL_SHORT; break;
-    case EQMXTDataByteNorm: glType = GL_BYTE; break;
-    case EQMXTDataUnsignedByteNorm: glType = GL_UNSIGNED_BYTE; break;
-    case EQMXTDataUnsignedShortNorm: glType = GL_UNSIGNED_SHORT; break;
-    default: return false;
+    case EQMXTDataD3DCOLOR:
+        glType = GL_UNSIGNED_BYTE;
+        break; // the four bytes in file order
+    case EQMXTDataShort:
+        glType = GL_SHORT;
+        return true;
+    case EQMXTDataByte:
+        glType = GL_BYTE;
+        return true;
+    case EQMXTDataShortNorm:
+        glType = GL_SHORT;
+        break;
+    case EQMXTDataByteNorm:
+        glType = GL_BYTE;
+        break;
+    case EQMXTDataUnsignedByteNorm:
+        glType = GL_UNSIGNED_BYTE;
+        break;
+    case EQMXTDataUnsignedShortNorm:
+        glType = GL_UNSIGNED_SHORT;
+        break;
+    default:
+        return false;
     }
     normalised = GL_TRUE;
     return true;
@@ -42,7 +63,8 @@ GLuint CTVOGpuMesh::NewBuffer(GLenum target, const void* data, size_t bytes)
     return buffer;
 }
 
-void CTVOGpuMesh::UploadStream(const STVOMesh& m, const CTVOData& d, GLuint interleavedBuffer, SGpuAttribute& out)
+void CTVOGpuMesh::UploadStream(const STVOMesh& m, const CTVOData& d, GLuint interleavedBuffer,
+                               SGpuAttribute& out)
 {
     if (!TVOStreamPresent(m, d) || m.nNumVertex == 0)
         return;
@@ -72,10 +94,10 @@ void CTVOGpuMesh::UploadStream(const STVOMesh& m, const CTVOData& d, GLuint inte
 bool CTVOGpuMesh::Upload(const STVOMesh& m, bool uint32Indices, std::string& error)
 {
     m_ranges = TVODrawRanges(m);
-    const GLuint interleaved =
-        m.pInterleaved && m.nNumVertex
-            ? NewBuffer(GL_ARRAY_BUFFER, m.pInterleaved, static_cast<size_t>(m.sVertex.nStride) * m.nNumVertex)
-            : 0;
+    const GLuint interleaved = m.pInterleaved && m.nNumVertex
+                                   ? NewBuffer(GL_ARRAY_BUFFER, m.pInterleaved,
+                                               static_cast<size_t>(m.sVertex.nStride) * m.nNumVertex)
+                                   : 0;
     UploadStream(m, m.sVertex, interleaved, m_attributes[eAttribPosition]);
     UploadStream(m, m.sNormals, interleaved, m_attributes[eAttribNormal]);
     if (m.nNumUVW && m.psUVW)
@@ -159,8 +181,8 @@ void CTVOGpuMesh::UploadEdges(const STVOMesh& m)
 
 void CTVOGpuMesh::Bind() const
 {
-    static const float kDefaults[eAttribCount][4] = {
-        {0, 0, 0, 1}, {0, 0, 1, 0}, {0, 0, 0, 1}, {1, 1, 1, 1}, {0, 0, 0, 0}, {0, 0, 0, 0}};
+    static const float kDefaults[eAttribCount][4] = {{0, 0, 0, 1}, {0, 0, 1, 0}, {0, 0, 0, 1},
+                                                     {1, 1, 1, 1}, {0, 0, 0, 0}, {0, 0, 0, 0}};
     for (GLuint a = 0; a < eAttribCount; ++a)
     {
         const SGpuAttribute& at = m_attributes[a];

@@ -3,8 +3,8 @@
 // byte for byte, interleaved or not; the rest (int, unsigned int, fixed 16.16, DEC3N) are converted
 // to floats on load. Packed colours (RGBA, ARGB, D3DCOLOR) are four normalised unsigned bytes to a
 // GLES 2 GPU, which cannot swizzle at fetch: they are read in the file's byte order (the builder's
-// ARGB colours hold red, green, blue, alpha in that order), whatever the type's packing says. Indices are uploaded as 16-bit values when every vertex
-// fits, else as 32-bit ones (which need OES_element_index_uint).
+// ARGB colours hold red, green, blue, alpha in that order), whatever the type's packing says. Indices are
+// uploaded as 16-bit values when every vertex fits, else as 32-bit ones (which need OES_element_index_uint).
 #pragma once
 
 #include <GLES2/gl2.h>
@@ -48,7 +48,8 @@ class CTVOGpuMesh
     uint32_t BonesPerVertex() const { return m_nBonesPerVertex; }
 
   private:
-    void UploadStream(const STVOMesh& mesh, const CTVOData& data, GLuint interleavedBuffer, SGpuAttribute& out);
+    void UploadStream(const STVOMesh& mesh, const CTVOData& data, GLuint interleavedBuffer,
+                      SGpuAttribute& out);
     GLuint NewBuffer(GLenum target, const void* data, size_t bytes);
     void UploadEdges(const STVOMesh& mesh);
 

@@ -33,7 +33,8 @@ uint32_t TVOMeshVertexAt(const STVOMesh& mesh, uint32_t k)
     if (!TVOMeshIndexed(mesh))
         return k;
     uint32_t index = 0;
-    QMXTVertexRead(index, mesh.sFaces.pData + static_cast<size_t>(k) * mesh.sFaces.nStride, mesh.sFaces.eType);
+    QMXTVertexRead(index, mesh.sFaces.pData + static_cast<size_t>(k) * mesh.sFaces.nStride,
+                   mesh.sFaces.eType);
     return index;
 }
 

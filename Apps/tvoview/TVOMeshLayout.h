@@ -10,10 +10,10 @@
 
 struct SDrawRange
 {
-    uint32_t nFirst = 0;  // first index position (first vertex for a mesh without indices)
-    uint32_t nCount = 0;  // indices (or vertices) drawn
-    bool bStrip = false;  // a triangle strip, else a triangle list
-    uint32_t nBatch = 0;  // bone batch of the range's first triangle (0 without batches)
+    uint32_t nFirst = 0; // first index position (first vertex for a mesh without indices)
+    uint32_t nCount = 0; // indices (or vertices) drawn
+    bool bStrip = false; // a triangle strip, else a triangle list
+    uint32_t nBatch = 0; // bone batch of the range's first triangle (0 without batches)
 };
 
 // Whether the mesh carries an index stream; without one, vertex k is corner k.

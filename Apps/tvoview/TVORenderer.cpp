@@ -245,7 +245,8 @@ void CTVORenderer::DrawLines(const SCameraView& view, const SViewToggles& toggle
             QMXTTransform(a, {p[0], p[1], p[2]}, world);
             QMXTTransformDirection(d, {n[0], n[1], n[2]}, s.GetWorldMatrix(s.pNode[i]));
             QMXTMatrixVec3NormalizeF(d, d);
-            normals.insert(normals.end(), {a.x, a.y, a.z, a.x + length * d.x, a.y + length * d.y, a.z + length * d.z});
+            normals.insert(normals.end(),
+                           {a.x, a.y, a.z, a.x + length * d.x, a.y + length * d.y, a.z + length * d.z});
         }
     }
     if (toggles.bBounds && !bounds.bEmpty)
@@ -255,10 +256,12 @@ void CTVORenderer::DrawLines(const SCameraView& view, const SViewToggles& toggle
             const int axis = e / 4, bits = e % 4;
             for (int end = 0; end < 2; ++end)
             {
-                const int pick[3] = {axis == 0 ? end : bits & 1, axis == 1 ? end : (axis == 0 ? bits & 1 : bits >> 1),
+                const int pick[3] = {axis == 0 ? end : bits & 1,
+                                     axis == 1 ? end : (axis == 0 ? bits & 1 : bits >> 1),
                                      axis == 2 ? end : bits >> 1};
-                box.insert(box.end(), {pick[0] ? bounds.vMax.x : bounds.vMin.x, pick[1] ? bounds.vMax.y : bounds.vMin.y,
-                                       pick[2] ? bounds.vMax.z : bounds.vMin.z});
+                box.insert(box.end(),
+                           {pick[0] ? bounds.vMax.x : bounds.vMin.x, pick[1] ? bounds.vMax.y : bounds.vMin.y,
+                            pick[2] ? bounds.vMax.z : bounds.vMin.z});
             }
         }
     glUseProgram(m_nLineProgram);

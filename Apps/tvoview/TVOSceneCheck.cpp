@@ -79,15 +79,15 @@ std::string CheckBatches(const STVOScene& s, const STVOMesh& m, uint32_t i)
     for (uint32_t k = 0; k < b.nBatchCnt; ++k)
     {
         if (b.pnBatchOffset[k] > m.nNumFaces || (k && b.pnBatchOffset[k] < b.pnBatchOffset[k - 1]))
-            return Say("mesh %u: bone batch %u starts at triangle %u, out of order or past the %u triangles", i,
-                       k, b.pnBatchOffset[k], m.nNumFaces);
+            return Say("mesh %u: bone batch %u starts at triangle %u, out of order or past the %u triangles",
+                       i, k, b.pnBatchOffset[k], m.nNumFaces);
         if (b.pnBatchBoneCnt[k] > b.nBatchBoneMax)
             return Say("mesh %u: bone batch %u has %u bones for a palette of %u", i, k, b.pnBatchBoneCnt[k],
                        b.nBatchBoneMax);
         for (uint32_t j = 0; j < b.pnBatchBoneCnt[k]; ++j)
             if (b.pnBatches[k * b.nBatchBoneMax + j] >= s.nNumNode)
-                return Say("mesh %u: bone batch %u names node %u of %u", i, k, b.pnBatches[k * b.nBatchBoneMax + j],
-                           s.nNumNode);
+                return Say("mesh %u: bone batch %u names node %u of %u", i, k,
+                           b.pnBatches[k * b.nBatchBoneMax + j], s.nNumNode);
     }
     return {};
 }

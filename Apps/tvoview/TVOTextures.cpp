@@ -65,8 +65,9 @@ GLuint CTVOTextures::Get(int32_t idx, std::vector<std::string>& warnings)
     }
     else
     {
-        image = image.scaled(PowerOfTwoBelow(image.width()), PowerOfTwoBelow(image.height()), Qt::IgnoreAspectRatio,
-                             Qt::SmoothTransformation)
+        image = image
+                    .scaled(PowerOfTwoBelow(image.width()), PowerOfTwoBelow(image.height()),
+                            Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                     .convertToFormat(QImage::Format_RGBA8888)
                     .mirrored(false, true);
         texture = Upload(image, false);

@@ -85,13 +85,15 @@ SCameraView TVOOrbitView(const SSceneBounds& bounds, const SOrbit& orbit, float 
     return view;
 }
 
-SCameraView TVOFileCameraView(CQMXTModelTVO& scene, uint32_t cameraIdx, const SSceneBounds& bounds, float aspect)
+SCameraView TVOFileCameraView(CQMXTModelTVO& scene, uint32_t cameraIdx, const SSceneBounds& bounds,
+                              float aspect)
 {
     QMXTVECTOR3f from, to, up;
     float fov = scene.GetCamera(from, to, up, cameraIdx);
     if (!(fov > 0.001f && fov < 3.1f))
         fov = 0.785398f;
-    const STVOCamera& camera = scene.pCamera[scene.pNode[scene.nNumMeshNode + scene.nNumLight + cameraIdx].nIdx];
+    const STVOCamera& camera =
+        scene.pCamera[scene.pNode[scene.nNumMeshNode + scene.nNumLight + cameraIdx].nIdx];
     float zNear = camera.fNear, zFar = camera.fFar;
     if (!(zNear > 0.0f && zFar > zNear && std::isfinite(zFar)))
     {

@@ -26,7 +26,7 @@ SSceneBounds TVOSceneBounds(CQMXTModelTVO& scene);
 
 struct SOrbit
 {
-    float fYaw = 0.6f;   // radians about +y, 0 looks along -z
+    float fYaw = 0.6f;    // radians about +y, 0 looks along -z
     float fPitch = 0.45f; // radians above the horizon
     float fZoom = 1.0f;   // distance factor
 };
@@ -35,7 +35,8 @@ struct SOrbit
 SCameraView TVOOrbitView(const SSceneBounds& bounds, const SOrbit& orbit, float aspect);
 // The view through scene camera cameraIdx at the scene's current frame; near and far planes of the
 // camera unless they are unusable, then planes that hold the bounds.
-SCameraView TVOFileCameraView(CQMXTModelTVO& scene, uint32_t cameraIdx, const SSceneBounds& bounds, float aspect);
+SCameraView TVOFileCameraView(CQMXTModelTVO& scene, uint32_t cameraIdx, const SSceneBounds& bounds,
+                              float aspect);
 // Index of the camera whose node is named name, or -1.
 int TVOFindCamera(const STVOScene& scene, const std::string& name);
 // Name of camera i's node.

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 
-CViewerGLWidget::CViewerGLWidget(CTVOViewScene& scene, QWidget* parent) : QOpenGLWidget(parent), m_scene(scene)
+CViewerGLWidget::CViewerGLWidget(CTVOViewScene& scene, QWidget* parent)
+    : QOpenGLWidget(parent), m_scene(scene)
 {
     setMinimumSize(320, 240);
 }
@@ -54,12 +55,13 @@ void CViewerGLWidget::paintGL()
 {
     if (!m_bReady)
         return;
-    const int w = static_cast<int>(width() * devicePixelRatioF()), h = static_cast<int>(height() * devicePixelRatioF());
+    const int w = static_cast<int>(width() * devicePixelRatioF()),
+              h = static_cast<int>(height() * devicePixelRatioF());
     const float aspect = static_cast<float>(w) / static_cast<float>(std::max(h, 1));
     CQMXTModelTVO& model = m_scene.Model();
-    const SCameraView view = m_nCamera >= 0
-                                 ? TVOFileCameraView(model, static_cast<uint32_t>(m_nCamera), m_bounds, aspect)
-                                 : TVOOrbitView(m_bounds, m_orbit, aspect);
+    const SCameraView view =
+        m_nCamera >= 0 ? TVOFileCameraView(model, static_cast<uint32_t>(m_nCamera), m_bounds, aspect)
+                       : TVOOrbitView(m_bounds, m_orbit, aspect);
     m_renderer.Draw(view, w, h, m_toggles);
     for (const std::string& warning : m_renderer.TakeWarnings())
         emit Message(QString::fromStdString("warning: " + warning));

@@ -16,13 +16,16 @@ namespace
 QString VertexFormat(const STVOMesh& m)
 {
     const std::pair<const char*, const CTVOData*> streams[] = {
-        {"positions", &m.sVertex},   {"normals", &m.sNormals},         {"tangents", &m.sTangents},
-        {"binormals", &m.sBinormals}, {"colours", &m.sVtxColours},     {"bone indices", &m.sBoneIdx},
+        {"positions", &m.sVertex},        {"normals", &m.sNormals},
+        {"tangents", &m.sTangents},       {"binormals", &m.sBinormals},
+        {"colours", &m.sVtxColours},      {"bone indices", &m.sBoneIdx},
         {"bone weights", &m.sBoneWeight}, {"uv", m.nNumUVW && m.psUVW ? &m.psUVW[0] : nullptr}};
     QStringList parts;
     for (const auto& s : streams)
         if (s.second && TVOStreamPresent(m, *s.second))
-            parts << QString("%1 %2 x%3").arg(s.first, QMXTModelTVODataTypeName(s.second->eType)).arg(s.second->n);
+            parts << QString("%1 %2 x%3")
+                         .arg(s.first, QMXTModelTVODataTypeName(s.second->eType))
+                         .arg(s.second->n);
     return parts.join(", ") + (m.pInterleaved ? ", interleaved" : "");
 }
 } // namespace
@@ -58,9 +61,9 @@ void TVOFillMeshTable(QTableWidget& table, const STVOScene& s)
     for (uint32_t i = 0; i < s.nNumMesh; ++i)
     {
         const STVOMesh& m = s.pMesh[i];
-        const QString cells[] = {QString::number(m.nNumVertex),       QString::number(m.nNumFaces),
-                                 QString::number(m.nNumStrips),        QString::number(m.sBoneBatch.nBatchCnt),
-                                 QString::number(TVOMeshBytes(m)),     VertexFormat(m)};
+        const QString cells[] = {QString::number(m.nNumVertex),    QString::number(m.nNumFaces),
+                                 QString::number(m.nNumStrips),    QString::number(m.sBoneBatch.nBatchCnt),
+                                 QString::number(TVOMeshBytes(m)), VertexFormat(m)};
         for (int c = 0; c < headers.size(); ++c)
             table.setItem(static_cast<int>(i), c, new QTableWidgetItem(cells[c]));
     }

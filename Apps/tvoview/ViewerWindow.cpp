@@ -52,19 +52,22 @@ QWidget* SidePanel(CTVOViewScene& scene, CViewerGLWidget* view)
     auto* toggles = new QWidget;
     auto* row = new QHBoxLayout(toggles);
     auto state = std::make_shared<SViewToggles>();
-    const std::pair<const char*, bool SViewToggles::*> names[] = {{"Wireframe", &SViewToggles::bWireframe},
-                                                                 {"Normals", &SViewToggles::bNormals},
-                                                                 {"Bone batches", &SViewToggles::bBatchColours},
-                                                                 {"Bounds", &SViewToggles::bBounds}};
+    const std::pair<const char*, bool SViewToggles::*> names[] = {
+        {"Wireframe", &SViewToggles::bWireframe},
+        {"Normals", &SViewToggles::bNormals},
+        {"Bone batches", &SViewToggles::bBatchColours},
+        {"Bounds", &SViewToggles::bBounds}};
     for (const auto& name : names)
     {
         auto* box = new QCheckBox(name.first);
         row->addWidget(box);
         const auto member = name.second;
-        QObject::connect(box, &QCheckBox::toggled, view, [view, state, member](bool on) {
-            (*state).*member = on;
-            view->SetToggles(*state);
-        });
+        QObject::connect(box, &QCheckBox::toggled, view,
+                         [view, state, member](bool on)
+                         {
+                             (*state).*member = on;
+                             view->SetToggles(*state);
+                         });
     }
     auto* panel = new QWidget;
     auto* column = new QVBoxLayout(panel);
@@ -89,17 +92,23 @@ QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx
     auto startStep = std::make_shared<int>(0);
     const int fps = model.nFPS > 0 && model.nFPS <= 1000 ? static_cast<int>(model.nFPS) : 30;
     play->setEnabled(model.nNumFrame > 1);
-    QObject::connect(play, &QPushButton::clicked, bar, [timer, play, slider, clock, startStep] {
-        timer->isActive() ? timer->stop() : timer->start();
-        clock->start();
-        *startStep = slider->value();
-        play->setText(timer->isActive() ? "Pause" : "Play");
-    });
-    QObject::connect(timer, &QTimer::timeout, slider, [slider, clock, startStep, fps] {
-        const qint64 steps = *startStep + clock->elapsed() * fps * kSteps / 1000;
-        slider->setValue(static_cast<int>(steps % (static_cast<qint64>(slider->maximum()) + 1)));
-    });
-    const auto showFrame = [view, frameLabel, &scene](int value) {
+    QObject::connect(play, &QPushButton::clicked, bar,
+                     [timer, play, slider, clock, startStep]
+                     {
+                         timer->isActive() ? timer->stop() : timer->start();
+                         clock->start();
+                         *startStep = slider->value();
+                         play->setText(timer->isActive() ? "Pause" : "Play");
+                     });
+    QObject::connect(timer, &QTimer::timeout, slider,
+                     [slider, clock, startStep, fps]
+                     {
+                         const qint64 steps = *startStep + clock->elapsed() * fps * kSteps / 1000;
+                         slider->setValue(
+                             static_cast<int>(steps % (static_cast<qint64>(slider->maximum()) + 1)));
+                     });
+    const auto showFrame = [view, frameLabel, &scene](int value)
+    {
         const float frame = static_cast<float>(value) / kSteps;
         view->SetFrame(frame);
         frameLabel->setText(QString("frame %1 of %2").arg(frame, 0, 'f', 1).arg(scene.Model().nNumFrame));
@@ -112,7 +121,8 @@ QWidget* AnimationBar(CTVOViewScene& scene, CViewerGLWidget* view, int cameraIdx
     for (uint32_t c = 0; c < model.nNumCamera; ++c)
         cameras->addItem(QString::fromStdString(TVOCameraName(model, c)));
     cameras->setCurrentIndex(cameraIdx + 1);
-    QObject::connect(cameras, &QComboBox::currentIndexChanged, view, [view](int i) { view->SetCamera(i - 1); });
+    QObject::connect(cameras, &QComboBox::currentIndexChanged, view,
+                     [view](int i) { view->SetCamera(i - 1); });
     row->addWidget(play);
     row->addWidget(slider, 1);
     row->addWidget(frameLabel);
@@ -154,11 +164,13 @@ int TVORunViewerWindow(int argc, char** argv, CTVOViewScene& scene, const SViewA
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 2);
     window.setCentralWidget(splitter);
-    QObject::connect(view, &CViewerGLWidget::Message, &window, [&window](const QString& text) {
-        if (text.startsWith("warning") || text.startsWith("cannot"))
-            std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
-        window.statusBar()->showMessage(text);
-    });
+    QObject::connect(view, &CViewerGLWidget::Message, &window,
+                     [&window](const QString& text)
+                     {
+                         if (text.startsWith("warning") || text.startsWith("cannot"))
+                             std::fprintf(stderr, "tvoview: %s\n", text.toUtf8().constData());
+                         window.statusBar()->showMessage(text);
+                     });
     auto* quit = new QShortcut(QKeySequence::Quit, &window);
     QObject::connect(quit, &QShortcut::activated, &window, &QWidget::close);
     window.resize(args.nWidth + 520, args.nHeight + 80);

@@ -63,7 +63,8 @@ double MeanDifference(const QImage& a, const QImage& b)
         for (int x = 0; x < a.width(); ++x)
         {
             const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
-            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q));
+            sum +=
+                std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q));
         }
     return sum / (3.0 * a.width() * a.height());
 }
@@ -82,7 +83,8 @@ TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
         {"strips", ePrimTriangleStrips, false, false, EQMXTDataFloat, EQMXTDataDEC3N},
         {"indexed strips", ePrimTriangleStrips, true, true, EQMXTDataFloat, EQMXTDataByteNorm},
         {"byte positions", ePrimTriangleList, true, false, EQMXTDataByte, EQMXTDataFloat},
-        {"short positions interleaved strips", ePrimTriangleStrips, true, true, EQMXTDataShort, EQMXTDataFixed16_16},
+        {"short positions interleaved strips", ePrimTriangleStrips, true, true, EQMXTDataShort,
+         EQMXTDataFixed16_16},
         {"fixed positions", ePrimTriangleList, true, false, EQMXTDataFixed16_16, EQMXTDataFloat},
         {"unsigned short normalised positions", ePrimTriangleStrips, false, true, EQMXTDataUnsignedShortNorm,
          EQMXTDataFloat},
@@ -149,7 +151,8 @@ TEST_F(TVOView, FileCameraPutsAKnownPointAtItsPixel)
     content.materials = {GreyMaterial()};
     COptions options;
     ASSERT_TRUE(ExportScene(content, options, dir / "camera.tvo"));
-    const SShot shot = Screenshot(dir / "camera.tvo", dir / "camera.png", {"--camera", "Cam", "--size", "300x300"});
+    const SShot shot =
+        Screenshot(dir / "camera.tvo", dir / "camera.png", {"--camera", "Cam", "--size", "300x300"});
     ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
     const SCoverage c = Coverage(shot.image);
     ASSERT_GT(c.nPixels, 4);
@@ -181,8 +184,9 @@ TEST_F(TVOView, SkinnedBarBendsWhereTheJointPutsIt)
         ProjectTest(1.0f, 0.5f, points[i][0], points[i][1], 0.0f, size, px[i], py[i]);
     for (int frame = 0; frame < 2; ++frame)
     {
-        const SShot shot = Screenshot(dir / "bar.tvo", dir / "bar.png",
-                                      {"--camera", "Cam", "--frame", std::to_string(frame), "--size", "240x240"});
+        const SShot shot =
+            Screenshot(dir / "bar.tvo", dir / "bar.png",
+                       {"--camera", "Cam", "--frame", std::to_string(frame), "--size", "240x240"});
         ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
         EXPECT_EQ(Covered(shot.image, px[0], py[0]), frame == 0) << "frame " << frame;
         EXPECT_EQ(Covered(shot.image, px[1], py[1]), frame == 1) << "frame " << frame;
@@ -199,7 +203,8 @@ TEST_F(TVOView, MissingTextureIsDrawnAsACheckerWithAWarning)
     ASSERT_TRUE(ExportScene(content, options, dir / "textured.tvo"));
     const SShot shot = Screenshot(dir / "textured.tvo", dir / "textured.png", {"--size", "128x128"});
     ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
-    EXPECT_NE(shot.sErrors.find("warning: texture 'nothere.png' cannot be read"), std::string::npos) << shot.sErrors;
+    EXPECT_NE(shot.sErrors.find("warning: texture 'nothere.png' cannot be read"), std::string::npos)
+        << shot.sErrors;
     int magenta = 0;
     for (int y = 0; y < shot.image.height(); ++y)
         for (int x = 0; x < shot.image.width(); ++x)
@@ -251,7 +256,8 @@ TEST_F(TVOView, BadFilesAndNoContextAreRefusedWithOneLine)
     {
         const bool noEgl = std::string(c.first) == "good.tvo";
         const std::vector<std::string> environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"};
-        const SShot shot = Screenshot(dir / c.first, dir / "bad.png", {}, noEgl ? environment : std::vector<std::string>());
+        const SShot shot =
+            Screenshot(dir / c.first, dir / "bad.png", {}, noEgl ? environment : std::vector<std::string>());
         EXPECT_EQ(shot.nExit, 1) << c.first;
         EXPECT_EQ(shot.sErrors.rfind("tvoview: " + dir / c.first + ": ", 0), 0u) << shot.sErrors;
         EXPECT_EQ(std::count(shot.sErrors.begin(), shot.sErrors.end(), '\n'), 1) << shot.sErrors;

@@ -79,7 +79,8 @@ SContent SkinnedBar()
             p = {p.x + 0.5f + half, 0.2f * p.y, 0.2f * p.z};
         for (size_t t = 0; t < box.faces.size(); ++t)
         {
-            const QMXTVECTOR3f corners[3] = {box.positions[3 * t], box.positions[3 * t + 1], box.positions[3 * t + 2]};
+            const QMXTVECTOR3f corners[3] = {box.positions[3 * t], box.positions[3 * t + 1],
+                                             box.positions[3 * t + 2]};
             const QMXTVECTOR3f uv[3] = {{2.0f * half, 0, 0}, {2.0f * half, 1, 0}, {2.0f * half + 1, 1, 0}};
             AddCornerTriangle(bar, corners, box.normals[3 * t], 0, uv);
         }
@@ -115,7 +116,11 @@ SShot Screenshot(const std::string& file, const std::string& out, const std::vec
     // TVOVIEW_TEST_KEEP=DIR keeps a copy of every image, to look at.
     static int taken = 0;
     if (const char* keep = std::getenv("TVOVIEW_TEST_KEEP"); keep && !shot.image.isNull())
-        shot.image.save(QString("%1/%2-%3").arg(keep).arg(++taken).arg(QFileInfo(QString::fromStdString(file)).baseName()) + ".png");
+        shot.image.save(QString("%1/%2-%3")
+                            .arg(keep)
+                            .arg(++taken)
+                            .arg(QFileInfo(QString::fromStdString(file)).baseName()) +
+                        ".png");
     return shot;
 }
 
