@@ -14,13 +14,12 @@ std::string CTVOViewScene::Open(const std::string& path)
         return "cannot open the file, or it is empty";
     CSourceStream source;
     source.Init(file.DataPtr(), file.Size());
+    // A successful read also makes the model ready for animation queries (InitImpl).
     if (m_model.ReadFromSource(source) != 0)
         return source.DescribeError();
     const std::string problem = TVOCheckSceneForDrawing(m_model);
     if (!problem.empty())
         return problem;
-    if (m_model.InitImpl() != 0)
-        return "out of memory";
     m_facts.sPath = path;
     m_facts.nSize = file.Size();
     TVOReadFileTexts(file.DataPtr(), file.Size(), m_facts);
