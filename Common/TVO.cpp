@@ -116,11 +116,17 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
     if (s.IsDirectX())
         FlipNodeAnimation(*m_pScene);
 
+    m_quantisationErrors.clear();
     for (uint32_t i = 0; i < m_pScene->nNumMesh; ++i)
     {
         STVOMesh& mesh = m_pScene->pMesh[i];
+        CQuantisationProbe probe;
+        if (m_bMeasureQuantisation)
+            probe.Take(mesh);
         if (!VertexFormatPass(mesh, s))
             return false;
+        if (m_bMeasureQuantisation)
+            m_quantisationErrors.push_back(probe.Compare(mesh, s));
         if (s.bInterleaved && QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) != 0)
             return false;
     }

@@ -13,6 +13,7 @@
 #include "BuilderSettings.h"
 #include "Content.h"
 #include "PostExport.h"
+#include "QuantisationError.h"
 #include "TVOSceneEx.h"
 
 class CTVO
@@ -39,10 +40,17 @@ class CTVO
     // The scene built by the last Process, or null.
     CTVOSceneEx* Scene() const { return m_pScene; }
 
+    // When on, Process measures the error the vertex types introduce (see CQuantisationProbe); the
+    // result has one entry per mesh of Scene(). Off by default, at no cost.
+    void MeasureQuantisation(bool on) { m_bMeasureQuantisation = on; }
+    const std::vector<SQuantisationError>& QuantisationErrors() const { return m_quantisationErrors; }
+
   private:
     bool RunStages(const SContent& content, const SBuilderSettings& settings);
     void DestroyScene();
     CTVOSceneEx* m_pScene = nullptr;
+    bool m_bMeasureQuantisation = false;
+    std::vector<SQuantisationError> m_quantisationErrors;
 };
 
 // Writes the scene as source text embedding its .tvo form: a comment holding the options text

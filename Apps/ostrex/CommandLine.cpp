@@ -22,7 +22,13 @@ enum EOptionId
     eOptHelp,
     eOptListOptions,
     eOptAllowPostExport,
-    eOptView
+    eOptView,
+    eOptDepfile,
+    eOptReportJson,
+    eOptStrict,
+    eOptOutDir,
+    eOptJobs,
+    eOptFormat
 };
 
 struct SOptionDef
@@ -41,7 +47,11 @@ const SOptionDef kOptions[] = {
     {"--help", "-h", eOptHelp, false},         {"--list-options", nullptr, eOptListOptions, false},
     {"--allow-post-export", nullptr, eOptAllowPostExport, false},
     {"--view", nullptr, eOptView, false},
+    {"--depfile", nullptr, eOptDepfile, true},   {"--report-json", nullptr, eOptReportJson, true},
+    {"--strict", nullptr, eOptStrict, false},    {"--out-dir", nullptr, eOptOutDir, true},
+    {"--jobs", "-j", eOptJobs, true},            {"--format", nullptr, eOptFormat, true},
 };
+const int kMaxJobs = 256;
 
 const SOptionDef* FindOption(const std::string& name)
 {
@@ -63,6 +73,33 @@ bool ParseFps(const std::string& text, int& fps)
     if (value < 1 || value > kMaxFps)
         return false;
     fps = value;
+    return true;
+}
+
+// A whole number from 1 to limit, digits only.
+bool ParseCount(const std::string& text, int limit, int& count)
+{
+    if (text.empty() || text.size() > 4)
+        return false;
+    for (char c : text)
+        if (!std::isdigit(static_cast<unsigned char>(c)))
+            return false;
+    const int value = std::atoi(text.c_str());
+    if (value < 1 || value > limit)
+        return false;
+    count = value;
+    return true;
+}
+
+// Options given once at most, each a string field.
+bool SetOnce(std::string& field, const std::string& value, const char* name, std::string& error)
+{
+    if (!field.empty())
+    {
+        error = std::string(name) + " given more than once";
+        return false;
+    }
+    field = value;
     return true;
 }
 
@@ -144,6 +181,30 @@ bool ApplyOption(SCommandLine& result, const SOptionDef& def, const std::string&
     case eOptView:
         result.view = true;
         return true;
+    case eOptDepfile:
+        return SetOnce(result.depfile, value, def.name, result.error);
+    case eOptReportJson:
+        return SetOnce(result.reportJson, value, def.name, result.error);
+    case eOptStrict:
+        result.strict = true;
+        return true;
+    case eOptOutDir:
+        return SetOnce(result.outDir, value, def.name, result.error);
+    case eOptJobs:
+        if (!ParseCount(value, kMaxJobs, result.jobs))
+        {
+            result.error = "-j needs a whole number from 1 to " + std::to_string(kMaxJobs) + ", not '" + value + "'";
+            return false;
+        }
+        return true;
+    case eOptFormat:
+        if (value != "tvo" && value != "h" && value != "cpp")
+        {
+            result.error = "--format needs tvo, h or cpp, not '" + value + "'";
+            return false;
+        }
+        result.format = value;
+        return true;
     }
     return true;
 }
@@ -213,15 +274,33 @@ SCommandLine ParseCommandLine(int argc, const char* const* argv)
         return UsageError("--quiet and --verbose exclude each other");
     result.verbosity = quiet ? eVerbosityQuiet : (verbose ? eVerbosityVerbose : eVerbosityNormal);
 
+    const bool batchOnly = result.jobs || result.format != "tvo";
     if (listOptions)
     {
         if (!positional.empty())
             return UsageError("--list-options takes no INPUT or OUTPUT");
-        if (!result.selection.empty() || result.fps || !result.animation.empty() || result.view)
+        if (!result.selection.empty() || result.fps || !result.animation.empty() || result.view ||
+            !result.depfile.empty() || !result.reportJson.empty() || result.strict || !result.outDir.empty() ||
+            batchOnly)
             return UsageError("--list-options only combines with --config, --set and --profile");
         result.action = eCommandListOptions;
         return result;
     }
+    if (!result.outDir.empty())
+    {
+        if (positional.empty())
+            return UsageError("--out-dir needs at least one SCENE");
+        if (!result.depfile.empty() || !result.reportJson.empty() || result.view)
+            return UsageError("--depfile, --report-json and --view name one export; they do not combine with --out-dir");
+        for (const std::string& input : positional)
+            if (input.empty())
+                return UsageError("SCENE must not be empty");
+        result.inputs = positional;
+        result.action = eCommandBatch;
+        return result;
+    }
+    if (batchOnly)
+        return UsageError("-j and --format only apply with --out-dir");
     if (positional.size() < 2)
         return UsageError(positional.empty() ? "missing INPUT and OUTPUT" : "missing OUTPUT");
     if (positional.size() > 2)
@@ -257,6 +336,7 @@ std::string CommandLineHint()
 std::string CommandLineHelp()
 {
     return "Usage: ostrex INPUT OUTPUT [options]\n"
+           "       ostrex --out-dir DIR [-j N] [--format tvo|h|cpp] [options] SCENE...\n"
            "       ostrex --list-options [--config FILE] [--set KEY=VALUE]... [--profile NAME]\n"
            "       ostrex --help\n"
            "\n"
@@ -299,6 +379,17 @@ std::string CommandLineHelp()
            "meshes are written deformed at that frame. Every frame of the animation's range is\n"
            "sampled (positions interpolated linearly, rotations spherically).\n"
            "\n"
+           "Pipelines (see docs/pipelines.md):\n"
+           "  --depfile FILE        after the export, write a Make-format dependency file listing\n"
+           "                        everything it read (scene, buffers, textures, options files)\n"
+           "  --report-json FILE    write the export's summary as JSON to FILE (\"-\": standard\n"
+           "                        output), also when the export fails\n"
+           "  --strict              any warning fails the export, and nothing is written\n"
+           "  --out-dir DIR         export every SCENE to DIR/<name>.tvo, each in a process of its\n"
+           "                        own: one failing scene does not stop the others\n"
+           "  -j, --jobs N          with --out-dir, export N scenes at a time (default: one a core)\n"
+           "  --format tvo|h|cpp    with --out-dir, the kind of output (default: tvo)\n"
+           "\n"
            "Messages:\n"
            "  -q, --quiet           show errors only\n"
            "  -v, --verbose         show every stage, mesh and detail\n"
@@ -309,5 +400,6 @@ std::string CommandLineHelp()
            "Messages are coloured by level (success green, warning yellow, error bold red) and a\n"
            "progress bar is shown when the output goes to a terminal; plain lines otherwise.\n"
            "\n"
-           "Exit status: 0 on success, 1 when the export fails, 2 for usage errors.\n";
+           "Exit status: 0 on success, 1 when the export (or, with --out-dir, any scene) fails, 2 for\n"
+           "usage errors.\n";
 }

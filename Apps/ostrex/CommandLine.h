@@ -3,6 +3,8 @@
 //
 //   ostrex INPUT OUTPUT [--config FILE] [--set KEY=VALUE]... [--profile NAME] [--select NODE]...
 //          [--fps N] [--animation NAME|INDEX] [--allow-post-export] [--view] [--quiet|--verbose]
+//          [--depfile FILE] [--report-json FILE|-] [--strict]
+//   ostrex --out-dir DIR [-j N] [--format tvo|h|cpp] [export options] SCENE...
 //   ostrex --list-options [--config FILE] [--set KEY=VALUE]... [--profile NAME]
 //   ostrex --help
 //
@@ -18,7 +20,8 @@ enum ECommandAction : int
     eCommandExport = 0,
     eCommandHelp,
     eCommandListOptions,
-    eCommandUsageError
+    eCommandUsageError,
+    eCommandBatch // several scenes into --out-dir
 };
 
 enum EVerbosity : int
@@ -50,6 +53,14 @@ struct SCommandLine
     EVerbosity verbosity = eVerbosityNormal;
     bool allowPostExport = false; // run the post-export actions that a --config file carries
     bool view = false;            // open the written file in the viewer
+    std::string depfile;    // --depfile: Make-format dependency file of the export
+    std::string reportJson; // --report-json: JSON report file, "-" for standard output
+    bool strict = false;    // --strict: a warning fails the export
+    // Batch (eCommandBatch): every scene of inputs into outDir, jobs at a time (0: one a core).
+    std::vector<std::string> inputs;
+    std::string outDir;
+    int jobs = 0;
+    std::string format = "tvo"; // --format: extension of the batch outputs, "tvo", "h" or "cpp"
     std::string error; // the usage error, for eCommandUsageError
 };
 

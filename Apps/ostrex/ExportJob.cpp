@@ -14,15 +14,19 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <set>
 #include <utility>
 
 #include "AssimpContent.h"
+#include "DependencyFile.h"
 #include "Log.h"
 #include "OptionsRules.h"
+#include "QMXTMeshStreams.h"
 #include "QMXTString.h"
 #include "PostExport.h"
 #include "SafeOutput.h"
 #include "TVO.h"
+#include "WarningTee.h"
 
 namespace
 {
@@ -110,6 +114,52 @@ SExportOutcome Failed(const std::string& subject, const std::string& error)
     return outcome;
 }
 
+SMeshSummary SummariseMesh(const STVOMesh& mesh)
+{
+    SMeshSummary m;
+    m.vertices = mesh.nNumVertex;
+    m.triangles = mesh.nNumFaces;
+    m.strips = mesh.nNumStrips;
+    m.boneBatches = mesh.sBoneBatch.nBatchCnt;
+    m.interleaved = QMXTIsInterleaved(mesh);
+    std::vector<std::pair<std::string, const CTVOData*>> streams = {
+        {"positions", &mesh.sVertex}, {"normals", &mesh.sNormals}, {"tangents", &mesh.sTangents},
+        {"binormals", &mesh.sBinormals}};
+    for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)
+        streams.push_back({"uvw" + std::to_string(i), &mesh.psUVW[i]});
+    streams.insert(streams.end(), {{"colours", &mesh.sVtxColours},
+                                   {"boneIndices", &mesh.sBoneIdx},
+                                   {"boneWeights", &mesh.sBoneWeight}});
+    for (const auto& [name, data] : streams)
+    {
+        if (!QMXTStreamPresent(mesh, *data))
+            continue;
+        m.streams.push_back({name, QMXTModelTVODataTypeName(data->eType), data->n});
+        if (!m.interleaved)
+            m.bytes += static_cast<uint64_t>(mesh.nNumVertex) * data->nStride;
+    }
+    if (m.interleaved)
+        m.bytes += static_cast<uint64_t>(mesh.nNumVertex) * QMXTInterleavedStride(mesh);
+    if (mesh.sFaces.pData)
+        m.bytes += static_cast<uint64_t>(QMXTModelTVOCountIndices(mesh)) * QMXTModelTVODataTypeSize(mesh.sFaces.eType);
+    m.bytes += static_cast<uint64_t>(mesh.nNumStrips) * sizeof(uint32_t);
+    return m;
+}
+
+// Joints: the distinct entries of every mesh's bone batches.
+uint32_t CountBones(const STVOScene& scene)
+{
+    std::set<uint32_t> bones;
+    for (uint32_t i = 0; i < scene.nNumMesh; ++i)
+    {
+        const CQMXTBoneBatches& b = scene.pMesh[i].sBoneBatch;
+        for (uint32_t batch = 0; b.pnBatches && b.pnBatchBoneCnt && batch < b.nBatchCnt; ++batch)
+            for (uint32_t k = 0; k < b.pnBatchBoneCnt[batch] && k < b.nBatchBoneMax; ++k)
+                bones.insert(b.pnBatches[batch * b.nBatchBoneMax + k]);
+    }
+    return static_cast<uint32_t>(bones.size());
+}
+
 void Summarise(const CTVO& builder, const std::string& output, SExportSummary& summary)
 {
     summary.output = output;
@@ -123,11 +173,25 @@ void Summarise(const CTVO& builder, const std::string& output, SExportSummary& s
     summary.meshes = scene->nNumMesh;
     summary.materials = scene->nNumMaterial;
     summary.frames = scene->nNumFrame;
+    summary.bones = CountBones(*scene);
+    const std::vector<SQuantisationError>& errors = builder.QuantisationErrors();
     for (uint32_t i = 0; i < scene->nNumMesh; ++i)
     {
         summary.triangles += scene->pMesh[i].nNumFaces;
         summary.vertices += scene->pMesh[i].nNumVertex;
+        summary.meshList.push_back(SummariseMesh(scene->pMesh[i]));
+        if (i < errors.size())
+            summary.meshList.back().quantisation = errors[i];
     }
+}
+
+// The dependency file next to the output, written whole or not at all.
+bool WriteDependencyFile(const SExportJob& job, const std::vector<std::string>& dependencies, std::string& error)
+{
+    std::string text;
+    if (!DependencyFileText(job.output, dependencies, text, error))
+        return false;
+    return WriteFileSafely(job.depfile, text.data(), text.size(), error);
 }
 
 } // namespace
@@ -160,9 +224,10 @@ std::string ExportSummaryLine(const SExportSummary& s)
     return "Wrote " + s.output + ": " + std::to_string(s.bytes) + " bytes, " + counts;
 }
 
-SExportOutcome RunExportJob(SExportJob& job)
+namespace
 {
-    const auto start = std::chrono::steady_clock::now();
+SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
+{
     std::string error;
     if (!CheckExportOptions(job.options, error))
         return Failed("options", error);
@@ -175,13 +240,21 @@ SExportOutcome RunExportJob(SExportJob& job)
     ProgressUpdate(0, "Loading %s", FileName(job.input).c_str());
     SContent content;
     SAssimpFillResult filled;
+    std::vector<std::string> dependencies;
+    for (const std::string& file : job.optionFiles)
+        dependencies.push_back(AbsolutePath(file));
     {
         Assimp::Importer importer;
+        std::set<std::string> opened;
+        importer.SetIOHandler(new CRecordingIOSystem(opened));
         CImporterLogCapture importerLog;
         const aiScene* scene = importer.ReadFile(job.input, kImportFlags);
         if (!scene)
             return Failed(job.input, ImporterError(importer.GetErrorString()));
         importerLog.Report();
+        dependencies.assign(opened.begin(), opened.end());
+        for (const std::string& texture : ExistingTextureFiles(*scene, job.input))
+            dependencies.push_back(texture);
 
         SAssimpFillSettings settings;
         settings.selection = job.selection;
@@ -196,6 +269,7 @@ SExportOutcome RunExportJob(SExportJob& job)
     }
 
     CTVO builder;
+    builder.MeasureQuantisation(job.measureQuantisation);
     CSafeOutput output(job.output);
     if (!output.Begin(error))
         return Failed(job.output, error);
@@ -203,6 +277,10 @@ SExportOutcome RunExportJob(SExportJob& job)
         return Failed(job.output, "the scene could not be built (see the messages above)");
     if (!builder.Write(output.TempPath().c_str(), job.options, ExportHistory(job.input).c_str(), false))
         return Failed(job.output, "the output could not be written");
+    if (job.strict && !tee.warnings.empty())
+        return Failed(job.output, "--strict: " + std::to_string(tee.warnings.size()) +
+                                      (tee.warnings.size() == 1 ? " warning" : " warnings") +
+                                      ", so nothing was written");
     if (!output.Commit(error))
         return Failed(job.output, error);
 
@@ -222,9 +300,22 @@ SExportOutcome RunExportJob(SExportJob& job)
         Log(eLogDetail, "Wrote embedded texture '%s'.", path.c_str());
         outcome.summary.extraFiles.push_back(path);
     }
+    if (!job.depfile.empty() && !WriteDependencyFile(job, dependencies, error))
+        return Failed(job.depfile, error);
     Summarise(builder, job.output, outcome.summary);
-    outcome.summary.seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    outcome.summary.dependencies = dependencies;
     outcome.ok = true;
+    return outcome;
+}
+} // namespace
+
+SExportOutcome RunExportJob(SExportJob& job)
+{
+    const auto start = std::chrono::steady_clock::now();
+    CWarningTee tee;
+    tee.warnings = job.warnings;
+    SExportOutcome outcome = ExportSteps(job, tee);
+    outcome.summary.warnings = tee.warnings;
+    outcome.summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return outcome;
 }

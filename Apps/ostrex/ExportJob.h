@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Options.h"
+#include "QuantisationError.h"
 
 struct SExportJob
 {
@@ -25,6 +26,29 @@ struct SExportJob
     int fps = 0;                        // 0: the animation's own rate
     bool runPostExport = true;          // run the post-export actions the options carry
     bool view = false;                  // open the written file in the default viewer afterwards
+    // Pipelines (all off by default):
+    std::string depfile;                  // write a Make-format dependency file here after the output
+    std::vector<std::string> optionFiles; // files the options were read from, listed in the depfile
+    bool strict = false;                  // any warning fails the export before the output is written
+    std::vector<std::string> warnings;    // warnings already given while preparing the options
+    bool measureQuantisation = false;     // fill SMeshSummary::quantisation
+};
+
+// One written mesh: its vertex format and how it is drawn.
+struct SMeshSummary
+{
+    struct SStream
+    {
+        std::string name; // "positions", "normals", "tangents", "binormals", "uvw0".., "colours",
+                          // "boneIndices", "boneWeights"
+        std::string type; // data type name as the options show it ("float", "short normalised", ...)
+        uint32_t components = 0;
+    };
+    uint32_t vertices = 0, triangles = 0, strips = 0, boneBatches = 0;
+    bool interleaved = false;
+    uint64_t bytes = 0; // vertex data, indices and strip lengths as written
+    std::vector<SStream> streams;
+    SQuantisationError quantisation; // measured only when the job asks
 };
 
 // What was written, for the summary line and for reports.
@@ -36,6 +60,10 @@ struct SExportSummary
     uint64_t triangles = 0, vertices = 0;
     double seconds = 0.0;
     std::vector<std::string> extraFiles; // embedded textures written next to the output
+    uint32_t bones = 0;                  // distinct joints the meshes' bone batches name
+    std::vector<SMeshSummary> meshList;  // one a mesh, in file order
+    std::vector<std::string> warnings;   // every warning of the export, in order
+    std::vector<std::string> dependencies; // what the export read (absolute paths), for the depfile
 };
 
 struct SExportOutcome

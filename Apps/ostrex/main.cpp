@@ -3,14 +3,20 @@
 
 #include <climits>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 #include <string>
 
+#include "BatchExport.h"
 #include "CommandLine.h"
 #include "ConsoleSink.h"
 #include "ExportJob.h"
 #include "ExportOptions.h"
+#include "ExportReport.h"
 #include "Log.h"
 #include "PostExport.h"
+#include "QMXPreferences.h"
+#include "WarningTee.h"
 
 // The importer library of Debian 12 leaks memory while reading some files; in sanitizer builds the
 // leak checker is told to leave out leaks allocated inside it (everything else is still reported).
@@ -75,23 +81,98 @@ int ListOptions(const SCommandLine& cl)
     return eExitSuccess;
 }
 
+// The files the options were read from, for the dependency file.
+std::vector<std::string> OptionFiles(const SCommandLine& cl)
+{
+    std::vector<std::string> files;
+    if (!cl.profile.empty())
+        files.push_back(CQMXPreferences(kOstrexPreferencesName).GetFilePath().c_str());
+    if (!cl.configFile.empty())
+        files.push_back(cl.configFile);
+    return files;
+}
+
 int Export(const SCommandLine& cl)
 {
     SExportJob job;
+    CWarningTee preparing; // --strict and the report count the options' warnings too
     const SOptionsOutcome prepared = PrepareExportOptions(cl, job.options);
     if (!prepared.ok)
         return OptionsFailure(prepared);
+    job.warnings = preparing.warnings;
     job.input = cl.input;
     job.output = cl.output;
     job.selection = cl.selection;
     job.animation = cl.animation;
     job.fps = cl.fps;
     job.view = cl.view;
+    job.depfile = cl.depfile;
+    job.optionFiles = OptionFiles(cl);
+    job.strict = cl.strict;
+    job.measureQuantisation = !cl.reportJson.empty();
     SetDefaultViewer(ViewerBesideProgram());
     const SExportOutcome outcome = RunExportJob(job);
+    std::string error;
+    if (!cl.reportJson.empty() && !WriteExportReport(cl.reportJson, ExportReportJson(job, outcome), error))
+    {
+        if (outcome.ok)
+            return Failure(cl.reportJson, error);
+        Log(eLogError, "ostrex: error: %s: %s", cl.reportJson.c_str(), error.c_str());
+    }
     if (!outcome.ok)
         return Failure(outcome.subject, outcome.error);
     Log(eLogSuccess, "%s", ExportSummaryLine(outcome.summary).c_str());
+    return eExitSuccess;
+}
+
+// One scene of a batch, in its own process: plain lines on stderr, which the parent collects.
+int ExportBatchScene(const SCommandLine& cl, const SBatchScene& scene)
+{
+    CConsoleSink sink(stderr, false, cl.verbosity);
+    SetLogSink(&sink);
+    SCommandLine one = cl;
+    one.input = scene.input;
+    one.output = scene.output;
+    const int code = Export(one);
+    sink.Finish();
+    SetLogSink(nullptr);
+    return code;
+}
+
+int ExportBatch(const SCommandLine& cl)
+{
+    std::vector<SBatchScene> plan;
+    std::string error;
+    if (!PlanBatch(cl.inputs, cl.outDir, cl.format, plan, error))
+    {
+        std::fprintf(stderr, "ostrex: usage error: %s\n%s\n", error.c_str(), CommandLineHint().c_str());
+        return eExitUsage;
+    }
+    // Options are checked once up front, so a bad --set or profile is one usage error, not one a scene.
+    COptions options;
+    {
+        SCommandLine probe = cl;
+        probe.output = plan.front().output;
+        ILogSink* quiet = SetLogSink(nullptr);
+        const SOptionsOutcome prepared = PrepareExportOptions(probe, options);
+        SetLogSink(quiet);
+        if (!prepared.ok)
+            return OptionsFailure(prepared);
+    }
+    std::error_code made;
+    std::filesystem::create_directories(cl.outDir, made);
+    if (made)
+        return Failure(cl.outDir, "cannot create the folder: " + made.message());
+    const int jobs = cl.jobs ? cl.jobs : DefaultJobCount();
+    const int failed = RunBatch(plan, jobs, [&cl](const SBatchScene& scene) { return ExportBatchScene(cl, scene); });
+    const int total = static_cast<int>(plan.size());
+    if (failed)
+    {
+        Log(eLogError, "ostrex: %d of %d scenes failed; %d written to %s", failed, total, total - failed,
+            cl.outDir.c_str());
+        return eExitFailure;
+    }
+    Log(eLogSuccess, "Exported %d %s to %s", total, total == 1 ? "scene" : "scenes", cl.outDir.c_str());
     return eExitSuccess;
 }
 } // namespace
@@ -109,12 +190,15 @@ int main(int argc, char** argv)
         return eExitUsage;
     case eCommandListOptions:
     case eCommandExport:
+    case eCommandBatch:
         break;
     }
 
     CConsoleSink sink(stderr, CConsoleSink::IsTerminal(stderr), cl.verbosity);
     ILogSink* previous = SetLogSink(&sink);
-    const int code = cl.action == eCommandListOptions ? ListOptions(cl) : Export(cl);
+    const int code = cl.action == eCommandListOptions ? ListOptions(cl)
+                     : cl.action == eCommandBatch     ? ExportBatch(cl)
+                                                      : Export(cl);
     sink.Finish();
     SetLogSink(previous);
     return code;
