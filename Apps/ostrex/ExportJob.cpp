@@ -252,7 +252,7 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
         if (!scene)
             return Failed(job.input, ImporterError(importer.GetErrorString()));
         importerLog.Report();
-        dependencies.assign(opened.begin(), opened.end());
+        dependencies.insert(dependencies.end(), opened.begin(), opened.end());
         for (const std::string& texture : ExistingTextureFiles(*scene, job.input))
             dependencies.push_back(texture);
 

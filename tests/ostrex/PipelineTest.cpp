@@ -1,0 +1,210 @@
+// ostrex in build pipelines: the dependency file, the JSON report (against the keys the manual
+// documents and the file written), --strict, and batches of scenes.
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <sys/wait.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <algorithm>
+#include <set>
+
+#include "DependencyFile.h"
+#include "QMXTMath.h"
+#include "QMXTMeshStreams.h"
+#include "TestSupport.h"
+
+namespace
+{
+namespace fs = std::filesystem;
+
+const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
+const std::string kBox = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/";
+
+struct SRun
+{
+    int code = -1;
+    std::string out, err;
+};
+
+class Pipeline : public ::testing::Test
+{
+  protected:
+    SRun Run(const std::vector<std::string>& args)
+    {
+        std::string command = "cd '" + m_dir + "' && '" OSTREX_EXECUTABLE "'";
+        for (const std::string& a : args)
+            command += " '" + a + "'"; // the tests' arguments hold no quote
+        command += " >'" + m_streams / "out" + "' 2>'" + m_streams / "err" + "' </dev/null";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(m_streams / "out"), ReadAll(m_streams / "err")};
+    }
+    CTempDir m_work, m_streams;
+    const std::string m_dir = m_work.Path();
+};
+
+QJsonObject Json(const std::string& text)
+{
+    return QJsonDocument::fromJson(QByteArray(text.data(), static_cast<int>(text.size()))).object();
+}
+
+// Every key of every object in the value, recursively.
+void CollectKeys(const QJsonValue& value, std::set<std::string>& keys)
+{
+    if (value.isArray())
+        for (const QJsonValue& element : value.toArray())
+            CollectKeys(element, keys);
+    if (!value.isObject())
+        return;
+    const QJsonObject object = value.toObject();
+    for (auto it = object.begin(); it != object.end(); ++it)
+    {
+        keys.insert(it.key().toStdString());
+        CollectKeys(it.value(), keys);
+    }
+}
+
+// Largest distance between the positions of two files of the same scene (the second read through
+// its unpack matrix), per mesh.
+std::vector<double> PositionErrors(const std::string& floatFile, const std::string& packedFile)
+{
+    CQMXTModelTVO exact, packed;
+    EXPECT_EQ(exact.ReadFromFile(floatFile.c_str()), 0);
+    EXPECT_EQ(packed.ReadFromFile(packedFile.c_str()), 0);
+    std::vector<double> errors;
+    for (uint32_t m = 0; m < exact.nNumMesh && m < packed.nNumMesh; ++m)
+    {
+        STVOMesh &a = exact.pMesh[m], &b = packed.pMesh[m];
+        QMXTMATRIXf unpack;
+        std::copy(b.mUnpackMatrix, b.mUnpackMatrix + 16, unpack.f);
+        double worst = 0.0;
+        for (uint32_t v = 0; v < a.nNumVertex && a.nNumVertex == b.nNumVertex; ++v)
+        {
+            float p[4], q[4];
+            QMXTVertexRead(p, QMXTStreamVertex(a, a.sVertex, v), a.sVertex.eType, a.sVertex.n);
+            QMXTVertexRead(q, QMXTStreamVertex(b, b.sVertex, v), b.sVertex.eType, b.sVertex.n);
+            QMXTVECTOR3f stored{q[0], q[1], q[2]}, scene;
+            QMXTTransform(scene, stored, unpack);
+            worst = std::max<double>(worst, std::hypot(scene.x - p[0], scene.y - p[1], scene.z - p[2]));
+        }
+        errors.push_back(worst);
+    }
+    return errors;
+}
+} // namespace
+
+// The depfile names the output and, escaped, the scene, its buffer, its texture and the options
+// file, even where the names hold spaces, '#' and non-ASCII letters.
+TEST_F(Pipeline, DepfileNamesEverythingTheExportRead)
+{
+    const std::string models = m_dir + "/models ü";
+    fs::create_directory(models);
+    for (const char* name : {"BoxTextured.gltf", "BoxTextured0.bin", "CesiumLogoFlat.png"})
+        fs::copy_file(kBox + name, models + "/" + name);
+    std::ofstream(m_dir + "/opts #1.txt") << "bExportMappingChannels=1\n";
+    const SRun run = Run({models + "/BoxTextured.gltf", "out ü.tvo", "--config", "opts #1.txt", "--depfile", "out ü.d"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    std::string dir;
+    for (char c : m_dir)
+        dir += c == ' ' ? std::string("\\ ") : std::string(1, c);
+    EXPECT_EQ(ReadAll(m_dir + "/out ü.d"), "out\\ ü.tvo: \\\n  " + dir + "/models\\ ü/BoxTextured.gltf \\\n  " + dir +
+                                                "/models\\ ü/BoxTextured0.bin \\\n  " + dir +
+                                                "/models\\ ü/CesiumLogoFlat.png \\\n  " + dir + "/opts\\ \\#1.txt\n");
+
+    std::string escaped;
+    ASSERT_TRUE(EscapeDependencyPath("a$b\\ c\\d", escaped));
+    EXPECT_EQ(escaped, "a$$b\\\\\\ c\\d");
+    EXPECT_FALSE(EscapeDependencyPath("line\nbreak", escaped));
+}
+
+// The report carries exactly the keys docs/pipelines.md documents, the counts of the file written,
+// and the largest position error the file's compact type and unpack matrix really give.
+TEST_F(Pipeline, ReportMatchesTheManualAndTheFile)
+{
+    ASSERT_EQ(Run({kSample, "float.tvo"}).code, 0);
+    const SRun run = Run({kSample, "byte.tvo", "--report-json", "-", "--set", "sVcOptPos.eType=13", "--set",
+                          "bUnpackMatrix=1", "--set", "sVcOptNor.eType=8"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    const QJsonObject report = Json(run.out);
+    ASSERT_FALSE(report.isEmpty()) << run.out;
+
+    std::set<std::string> documented, reported;
+    std::ifstream manual(OSTREX_DOCS_DIR "/pipelines.md");
+    for (std::string line; std::getline(manual, line);) // table rows: "| `key` | type | meaning |"
+        if (line.rfind("| `", 0) == 0 && line.find("` |") != std::string::npos)
+            documented.insert(line.substr(3, line.find("` |") - 3));
+    CollectKeys(report, reported);
+    reported.insert({"subject", "message"}); // only in a failed export's report, checked below
+    EXPECT_EQ(reported, documented);
+
+    EXPECT_TRUE(report["ok"].toBool());
+    EXPECT_EQ(report["bytes"].toInteger(), static_cast<qint64>(fs::file_size(m_dir + "/byte.tvo")));
+    CQMXTModelTVO scene;
+    ASSERT_EQ(scene.ReadFromFile((m_dir + "/byte.tvo").c_str()), 0);
+    EXPECT_EQ(report["nodes"].toInt(), static_cast<int>(scene.nNumNode));
+    const QJsonArray meshes = report["meshDetails"].toArray();
+    ASSERT_EQ(meshes.size(), static_cast<qsizetype>(scene.nNumMesh));
+    const std::vector<double> errors = PositionErrors(m_dir + "/float.tvo", m_dir + "/byte.tvo");
+    EXPECT_GT(*std::max_element(errors.begin(), errors.end()), 0.0) << "byte positions of a cylinder lose something";
+    for (qsizetype m = 0; m < meshes.size(); ++m)
+    {
+        const QJsonObject mesh = meshes[m].toObject();
+        EXPECT_EQ(mesh["vertices"].toInt(), static_cast<int>(scene.pMesh[m].nNumVertex));
+        EXPECT_EQ(mesh["vertexFormat"].toArray()[0].toObject()["type"].toString(), "byte");
+        const QJsonObject error = mesh["quantisationError"].toObject();
+        EXPECT_NEAR(error["positions"].toDouble(), errors[m], 1e-5) << "mesh " << m;
+        EXPECT_TRUE(error["normals"].isDouble());
+        EXPECT_LT(error["normals"].toDouble(), 0.002);
+    }
+}
+
+// --strict fails on a warning before anything is written; the report says why.
+TEST_F(Pipeline, StrictTurnsWarningsIntoFailures)
+{
+    std::ofstream(m_dir + "/launch.txt") << "sClPostTarget=true\n";
+    ASSERT_EQ(Run({kSample, "lenient.tvo", "--config", "launch.txt"}).code, 0);
+    const SRun run = Run({kSample, "strict.tvo", "--config", "launch.txt", "--strict", "--report-json", "r.json"});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_NE(run.err.find("ostrex: error: strict.tvo: --strict: 1 warning, so nothing was written\n"), std::string::npos)
+        << run.err;
+    EXPECT_FALSE(fs::exists(m_dir + "/strict.tvo"));
+    const QJsonObject report = Json(ReadAll(m_dir + "/r.json"));
+    EXPECT_FALSE(report["ok"].toBool());
+    EXPECT_EQ(report["error"].toObject()["subject"].toString(), "strict.tvo");
+    ASSERT_EQ(report["warnings"].toArray().size(), 1);
+    EXPECT_TRUE(report["warnings"][0].toString().startsWith("Warning: 'launch.txt' carries a post-export command"));
+}
+
+// A batch writes every good scene whatever the others do, one line each and a count; the bytes
+// are those of single exports, with one job or four.
+TEST_F(Pipeline, BatchIsolatesScenesAndKeepsBytesExact)
+{
+    std::ofstream(m_dir + "/broken.gltf") << "{ not a scene";
+    const std::string crate = std::string(OSTREX_SAMPLES_DIR) + "/pipeline/crate ü.obj";
+    const std::vector<std::string> scenes = {kSample, kBox + "BoxTextured.gltf", "broken.gltf", crate};
+    for (const char* jobs : {"1", "4"})
+    {
+        std::vector<std::string> args = {"--out-dir", std::string("out ") + jobs, "-j", jobs};
+        args.insert(args.end(), scenes.begin(), scenes.end());
+        const SRun run = Run(args);
+        EXPECT_EQ(run.code, 1);
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 5) << run.err;
+        EXPECT_NE(run.err.find("ostrex: error: broken.gltf: "), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find("Wrote out " + std::string(jobs) + "/crate ü.tvo: "), std::string::npos) << run.err;
+        const std::string last = "ostrex: 1 of 4 scenes failed; 3 written to out " + std::string(jobs) + "\n";
+        EXPECT_EQ(run.err.substr(run.err.size() - std::min(run.err.size(), last.size())), last);
+    }
+    ASSERT_EQ(Run({kSample, "single.tvo"}).code, 0);
+    for (const char* name : {"sample.tvo", "BoxTextured.tvo", "crate ü.tvo"})
+        EXPECT_TRUE(ReadAll(m_dir + "/out 1/" + name) == ReadAll(m_dir + "/out 4/" + name)) << name;
+    EXPECT_TRUE(ReadAll(m_dir + "/out 1/sample.tvo") == ReadAll(m_dir + "/single.tvo"));
+
+    EXPECT_EQ(Run({"--out-dir", "twice", kSample, kSample}).code, 2);
+    EXPECT_FALSE(fs::exists(m_dir + "/twice"));
+}
