@@ -40,7 +40,7 @@ class CFiller
     CFiller(const aiScene& scene, const SAssimpFillSettings& settings, SContent& content,
             SAssimpFillResult& result)
         : m_scene(scene), m_settings(settings), m_content(content), m_result(result),
-          m_materials(scene, content, settings.texturePrefix), m_quirks(AssimpQuirksOf(scene))
+          m_materials(scene, content, settings.texturePrefix, settings.sceneFolder), m_quirks(AssimpQuirksOf(scene))
     {
     }
 

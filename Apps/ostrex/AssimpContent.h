@@ -30,6 +30,9 @@ struct SAssimpFillSettings
     int fps = 0;                        // 0: the animation's own rate when it has one, else 30
     std::string sceneName;              // copied into the content's scene info
     std::string texturePrefix;          // names of embedded textures start with this text
+    // Folder of the scene file: a texture name that only exists percent-decoded (a glTF URI such
+    // as "my%20wall.png") is stored decoded. Empty: names are stored as the file writes them.
+    std::string sceneFolder;
     // What is extracted, as the export options decide (ExtractedStreams); everything by default.
     SExtractedStreams streams = {true, true, true, true, true};
 };

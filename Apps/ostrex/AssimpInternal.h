@@ -96,7 +96,8 @@ class CAssimpSampler
 class CAssimpMaterials
 {
   public:
-    CAssimpMaterials(const aiScene& scene, SContent& content, const std::string& texturePrefix);
+    CAssimpMaterials(const aiScene& scene, SContent& content, const std::string& texturePrefix,
+                     const std::string& sceneFolder);
     // Content index of the importer's material, added on first use; -1 for an invalid index.
     int Use(unsigned materialIndex);
     std::vector<SEmbeddedTexture>& Textures() { return m_textures; }
@@ -108,6 +109,7 @@ class CAssimpMaterials
     const aiScene& m_scene;
     SContent& m_content;
     std::string m_sPrefix;
+    std::string m_sSceneFolder;
     std::vector<int> m_contentIndex; // per importer material, -1 until used
     std::unordered_map<const aiTexture*, std::string> m_embeddedNames;
     std::vector<SEmbeddedTexture> m_textures;

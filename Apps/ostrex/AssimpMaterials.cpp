@@ -6,6 +6,7 @@
 
 #include "AssimpInternal.h"
 #include "Log.h"
+#include "TextureFiles.h"
 
 namespace
 {
@@ -78,8 +79,9 @@ std::string Extension(const aiTexture& t)
 }
 } // namespace
 
-CAssimpMaterials::CAssimpMaterials(const aiScene& scene, SContent& content, const std::string& texturePrefix)
-    : m_scene(scene), m_content(content), m_sPrefix(texturePrefix), m_contentIndex(scene.mNumMaterials, -1)
+CAssimpMaterials::CAssimpMaterials(const aiScene& scene, SContent& content, const std::string& texturePrefix,
+                                   const std::string& sceneFolder)
+    : m_scene(scene), m_content(content), m_sPrefix(texturePrefix), m_sSceneFolder(sceneFolder), m_contentIndex(scene.mNumMaterials, -1)
 {
 }
 
@@ -123,7 +125,11 @@ std::string CAssimpMaterials::TextureName(const aiString& path)
 {
     const aiTexture* embedded = m_scene.GetEmbeddedTexture(path.C_Str());
     if (!embedded)
-        return BareName(path.C_Str());
+    {
+        const std::string file =
+            m_sSceneFolder.empty() ? std::string() : ExistingTextureFile(m_sSceneFolder, path.C_Str());
+        return BareName(file.empty() ? path.C_Str() : file);
+    }
     const auto known = m_embeddedNames.find(embedded);
     if (known != m_embeddedNames.end())
         return known->second;

@@ -203,8 +203,7 @@ bool ApplyOption(SCommandLine& result, const SOptionDef& def, const std::string&
             result.error = "--format needs tvo, h or cpp, not '" + value + "'";
             return false;
         }
-        result.format = value;
-        return true;
+        return SetOnce(result.format, value, def.name, result.error);
     }
     return true;
 }
@@ -274,7 +273,7 @@ SCommandLine ParseCommandLine(int argc, const char* const* argv)
         return UsageError("--quiet and --verbose exclude each other");
     result.verbosity = quiet ? eVerbosityQuiet : (verbose ? eVerbosityVerbose : eVerbosityNormal);
 
-    const bool batchOnly = result.jobs || result.format != "tvo";
+    const bool batchOnly = result.jobs || !result.format.empty();
     if (listOptions)
     {
         if (!positional.empty())

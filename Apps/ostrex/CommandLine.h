@@ -60,7 +60,7 @@ struct SCommandLine
     std::vector<std::string> inputs;
     std::string outDir;
     int jobs = 0;
-    std::string format = "tvo"; // --format: extension of the batch outputs, "tvo", "h" or "cpp"
+    std::string format; // --format: extension of the batch outputs, "tvo" (when empty), "h" or "cpp"
     std::string error; // the usage error, for eCommandUsageError
 };
 

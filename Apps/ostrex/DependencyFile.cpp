@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "TextureFiles.h"
+
 namespace fs = std::filesystem;
 
 Assimp::IOStream* CRecordingIOSystem::Open(const char* file, const char* mode)
@@ -37,11 +39,9 @@ std::vector<std::string> ExistingTextureFiles(const aiScene& scene, const std::s
                 if (material->GetTexture(static_cast<aiTextureType>(type), i, &name) != AI_SUCCESS ||
                     name.length == 0 || name.C_Str()[0] == '*' || scene.GetEmbeddedTexture(name.C_Str()))
                     continue;
-                const fs::path texture(name.C_Str());
-                const fs::path path = texture.is_absolute() ? texture : folder / texture;
-                std::error_code error;
-                if (fs::is_regular_file(path, error))
-                    found.insert(path.lexically_normal().string());
+                const std::string file = ExistingTextureFile(folder.string(), name.C_Str());
+                if (!file.empty())
+                    found.insert(file);
             }
     }
     return {found.begin(), found.end()};

@@ -25,7 +25,7 @@ class CRecordingIOSystem : public Assimp::DefaultIOSystem
 };
 
 // The texture files the scene's materials name (embedded ones excluded) that exist, resolved
-// against the scene file's folder when relative.
+// against the scene file's folder when relative (see ExistingTextureFile).
 std::vector<std::string> ExistingTextureFiles(const aiScene& scene, const std::string& scenePath);
 
 // The path made absolute against the working folder and lexically normal (no "." or ".." parts),

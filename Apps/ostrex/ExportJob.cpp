@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <set>
 #include <utility>
 
@@ -237,6 +238,13 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
         return Failed(job.input, std::string("cannot open: ") + std::strerror(errno));
     std::fclose(probe);
 
+    if (!job.depfile.empty())
+    {
+        CSafeOutput probe(job.depfile); // a dependency file that cannot be written fails before any work
+        if (!probe.Begin(error))
+            return Failed(job.depfile, error);
+    }
+
     ProgressUpdate(0, "Loading %s", FileName(job.input).c_str());
     SContent content;
     SAssimpFillResult filled;
@@ -262,6 +270,7 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
         settings.fps = job.fps;
         settings.sceneName = Stem(job.input);
         settings.texturePrefix = Stem(job.output);
+        settings.sceneFolder = std::filesystem::path(AbsolutePath(job.input)).parent_path().string();
         settings.streams = ExtractedStreams(job.options);
         filled = FillContentFromAssimp(*scene, settings, content);
         if (!filled.ok)

@@ -16,6 +16,7 @@
 #include "Log.h"
 #include "PostExport.h"
 #include "QMXPreferences.h"
+#include "SafeOutput.h"
 #include "WarningTee.h"
 
 // The importer library of Debian 12 leaks memory while reading some files; in sanitizer builds the
@@ -110,9 +111,15 @@ int Export(const SCommandLine& cl)
     job.optionFiles = OptionFiles(cl);
     job.strict = cl.strict;
     job.measureQuantisation = !cl.reportJson.empty();
+    std::string error;
+    if (!cl.reportJson.empty() && cl.reportJson != "-")
+    {
+        CSafeOutput probe(cl.reportJson); // a report that cannot be written fails before any work
+        if (!probe.Begin(error))
+            return Failure(cl.reportJson, error);
+    }
     SetDefaultViewer(ViewerBesideProgram());
     const SExportOutcome outcome = RunExportJob(job);
-    std::string error;
     if (!cl.reportJson.empty() && !WriteExportReport(cl.reportJson, ExportReportJson(job, outcome), error))
     {
         if (outcome.ok)
@@ -143,7 +150,7 @@ int ExportBatch(const SCommandLine& cl)
 {
     std::vector<SBatchScene> plan;
     std::string error;
-    if (!PlanBatch(cl.inputs, cl.outDir, cl.format, plan, error))
+    if (!PlanBatch(cl.inputs, cl.outDir, cl.format.empty() ? "tvo" : cl.format, plan, error))
     {
         std::fprintf(stderr, "ostrex: usage error: %s\n%s\n", error.c_str(), CommandLineHint().c_str());
         return eExitUsage;

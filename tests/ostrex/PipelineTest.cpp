@@ -100,13 +100,16 @@ std::vector<double> PositionErrors(const std::string& floatFile, const std::stri
 } // namespace
 
 // The depfile names the output and, escaped, the scene, its buffer, its texture and the options
-// file, even where the names hold spaces, '#' and non-ASCII letters.
+// file, even where the names hold spaces, '#' and non-ASCII letters; a texture URI is decoded.
 TEST_F(Pipeline, DepfileNamesEverythingTheExportRead)
 {
     const std::string models = m_dir + "/models ü";
     fs::create_directory(models);
-    for (const char* name : {"BoxTextured.gltf", "BoxTextured0.bin", "CesiumLogoFlat.png"})
-        fs::copy_file(kBox + name, models + "/" + name);
+    fs::copy_file(kBox + "BoxTextured0.bin", models + "/BoxTextured0.bin");
+    fs::copy_file(kBox + "CesiumLogoFlat.png", models + "/logo ü.png");
+    std::string gltf = ReadAll(kBox + "BoxTextured.gltf"); // glTF names files by URI: percent-encoded
+    gltf.replace(gltf.find("CesiumLogoFlat.png"), 18, "logo%20%C3%BC.png");
+    std::ofstream(models + "/BoxTextured.gltf") << gltf;
     std::ofstream(m_dir + "/opts #1.txt") << "bExportMappingChannels=1\n";
     const SRun run = Run({models + "/BoxTextured.gltf", "out ü.tvo", "--config", "opts #1.txt", "--depfile", "out ü.d"});
     ASSERT_EQ(run.code, 0) << run.err;
@@ -115,7 +118,11 @@ TEST_F(Pipeline, DepfileNamesEverythingTheExportRead)
         dir += c == ' ' ? std::string("\\ ") : std::string(1, c);
     EXPECT_EQ(ReadAll(m_dir + "/out ü.d"), "out\\ ü.tvo: \\\n  " + dir + "/models\\ ü/BoxTextured.gltf \\\n  " + dir +
                                                 "/models\\ ü/BoxTextured0.bin \\\n  " + dir +
-                                                "/models\\ ü/CesiumLogoFlat.png \\\n  " + dir + "/opts\\ \\#1.txt\n");
+                                                "/models\\ ü/logo\\ ü.png \\\n  " + dir + "/opts\\ \\#1.txt\n");
+    CQMXTModelTVO scene;
+    ASSERT_EQ(scene.ReadFromFile((m_dir + "/out ü.tvo").c_str()), 0);
+    ASSERT_EQ(scene.nNumTexture, 1u);
+    EXPECT_STREQ(scene.pTexture[0].pszName, "logo ü.png");
 
     std::string escaped;
     ASSERT_TRUE(EscapeDependencyPath("a$b\\ c\\d", escaped));
