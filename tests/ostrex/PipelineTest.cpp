@@ -212,6 +212,23 @@ TEST_F(Pipeline, BatchIsolatesScenesAndKeepsBytesExact)
         EXPECT_TRUE(ReadAll(m_dir + "/out 1/" + name) == ReadAll(m_dir + "/out 4/" + name)) << name;
     EXPECT_TRUE(ReadAll(m_dir + "/out 1/sample.tvo") == ReadAll(m_dir + "/single.tvo"));
 
+    // The importer's own OBJ test files, good and bad: each gets its one line, and only failures fail.
+    std::vector<std::string> args = {"--out-dir", "obj", "-j", "2"};
+    for (const auto& entry : fs::directory_iterator(std::string(OSTREX_ASSIMP_MODELS) + "/OBJ"))
+        if (entry.path().extension() == ".obj")
+            args.push_back(entry.path());
+    const SRun run = Run(args);
+    const size_t objFiles = args.size() - 4;
+    int written = 0, failed = 0;
+    for (size_t at = 0; at < run.err.size(); at = run.err.find('\n', at) + 1)
+    {
+        written += run.err.compare(at, 10, "Wrote obj/") == 0;
+        failed += run.err.compare(at, 15, "ostrex: error: ") == 0;
+    }
+    EXPECT_EQ(static_cast<size_t>(written + failed), objFiles) << run.err;
+    EXPECT_EQ(run.code, failed ? 1 : 0);
+    EXPECT_EQ(static_cast<int>(std::distance(fs::directory_iterator(m_dir + "/obj"), fs::directory_iterator())), written);
+
     EXPECT_EQ(Run({"--out-dir", "twice", kSample, kSample}).code, 2);
     EXPECT_FALSE(fs::exists(m_dir + "/twice"));
 }
