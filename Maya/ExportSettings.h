@@ -1,0 +1,32 @@
+// Where the plug-in's export options come from and where they go, apart from the options window.
+//
+// ReadExportConfig reads the configuration file named to Ostrex_Export. A text options file is the
+// user's own settings and is taken whole. Options embedded in an exported file (.tvo, .h or .cpp)
+// are somebody's data: they never start a program or source a script, so their post-export
+// command, viewer launch and user-data script are dropped. A missing file leaves the options as
+// they were; the result is the number of options read.
+//
+// StoreLastExportOptions keeps the options of an export as the current settings of the preferences
+// store ("Ostrex", under "Profiles/[Current]/"), which the options window and a one-argument
+// Ostrex_Export start from. SaveToRegistry puts a written path first in the recent-files list
+// ("Maya/RecentFiles" in the same store, at most kRecentFilesMax entries, no duplicates).
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Options.h"
+
+extern const char* const kMayaPreferencesName;
+extern const char* const kCurrentOptionsPrefix;
+extern const char* const kRecentFilesKey;
+const unsigned kRecentFilesMax = 10;
+
+// True for files whose embedded options are data, never commands.
+bool IsEmbeddedOptionsFile(const char* path);
+int ReadExportConfig(COptions& options, const char* path);
+void DropHostActions(COptions& options);
+
+bool StoreLastExportOptions(const COptions& options);
+bool SaveToRegistry(const char* path);
+std::vector<std::string> LoadRecentFiles();
