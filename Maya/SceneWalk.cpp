@@ -125,10 +125,11 @@ void Ostrex::ReadFrameRange()
     info.startFrame = static_cast<int>(minTime.value());
     info.endFrame = static_cast<int>(maxTime.value());
     const double duration = maxTime.as(MTime::kSeconds) - minTime.as(MTime::kSeconds);
-    // The +1 is kept as the file format expects it (24 frames at 24 fps give 25). A range of one
-    // frame has no duration: the scene's own rate is used.
+    // The +1 is kept as the file format expects it (24 frames at 24 fps give 25); the small bias
+    // keeps a whole rate whole despite rounding in the seconds. A range of one frame has no
+    // duration: the scene's own rate is used.
     if (duration > 0.0)
-        info.fps = static_cast<int>((info.endFrame - info.startFrame + 1) / duration);
+        info.fps = static_cast<int>((info.endFrame - info.startFrame + 1) / duration + 1e-6);
     else
         info.fps = static_cast<int>(1.0 / MTime(1.0, MTime::uiUnit()).as(MTime::kSeconds) + 0.5);
 }

@@ -82,11 +82,6 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
     const MString fullPath = file.fullName();
     m_bExportSelection = mode == MPxFileTranslator::kExportActiveAccessMode;
 
-    EExportFormat format;
-    if (FormatForPath(fullPath.asChar(), format))
-        m_options.SetOption(COptionsData::eExpFormat, format);
-    m_options.m_sPath = fullPath.asChar();
-
     MStringArray parts;
     optionsString.split(';', parts);
     bool launchedFromMel = false;
@@ -102,6 +97,11 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
         ReadExportConfig(m_options, configPath.asChar()); // a missing file keeps the options as they are
     else if (!ShowExportOptions(m_options, launchedFromMel))
         return MStatus(MStatus::kFailure);
+    // The extension the user typed wins over the format that options carry from an earlier export.
+    EExportFormat format;
+    if (FormatForPath(fullPath.asChar(), format))
+        m_options.SetOption(COptionsData::eExpFormat, format);
+    m_options.m_sPath = fullPath.asChar();
 
     const bool ok = Init() && DoConversion() && m_pTVO->Process(*m_pContent, m_options) &&
                     SaveFile(fullPath.asChar());
