@@ -155,7 +155,6 @@ void COptionsWidget::updateEnabledStates()
     setControlEnabled(control("int_option_enum", O::eBoneLimit), skin);
     setControlEnabled(control("bool_option_enum", O::eIndexAnimations), o.GetOption(O::eExportAnimations));
     setControlEnabled(control("int_option_enum", O::eStaticFrame), !o.GetOption(O::eExportModelSpace));
-    setControlEnabled(control("string_option_enum", O::ePathToDravik), o.GetOption(O::eDisplayInDravik));
     const bool channels = o.GetOption(O::eExportMappingChannels);
     for (CVectorFormatWidget* row : m_vectorRows)
     {

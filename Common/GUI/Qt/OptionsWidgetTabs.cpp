@@ -182,9 +182,16 @@ QWidget* COptionsWidget::buildGeometryTab()
 
 QWidget* COptionsWidget::buildVertexFormatGroup()
 {
-    auto* group = new QGroupBox(Text(S::eStrVector) + " / " + Text(S::eStrDataType));
+    auto* group = new QGroupBox;
     auto* layout = new QVBoxLayout(group);
     layout->setSpacing(2);
+    auto* header = new QHBoxLayout;
+    auto* vectorHeader = new QLabel("<b>" + Text(S::eStrVector) + "</b>");
+    auto* typeHeader = new QLabel("<b>" + Text(S::eStrDataType) + "</b>");
+    header->addWidget(vectorHeader);
+    header->addWidget(typeHeader);
+    header->addStretch(1);
+    layout->addLayout(header);
     int captionWidth = 0;
     for (int i = 0; i < COptionsData::eNumVectorFormats; ++i)
     {
@@ -196,6 +203,9 @@ QWidget* COptionsWidget::buildVertexFormatGroup()
     }
     for (CVectorFormatWidget* row : m_vectorRows)
         row->setCaptionWidth(captionWidth);
+    // The headers sit over the caption and type columns of the rows.
+    vectorHeader->setFixedWidth(captionWidth + header->spacing());
+    header->setContentsMargins(0, 0, 0, 2);
     m_pUnpackMatrix = boolBox(Text(S::eStrAddUnpackMatrix), Text(S::eStrAddUnpackMatrixTip), COptionsData::eUnpackMatrix);
     layout->addSpacing(6);
     layout->addWidget(new QLabel("<b>" + Text(S::eStrImprovePositionPrecision) + "</b>"));
@@ -274,11 +284,9 @@ QWidget* COptionsWidget::buildUserOptionsTab()
         if (qobject_cast<QPushButton*>(companion))
             companion->hide();
 
-    auto* viewer = new QGroupBox(Text(S::eStrOpenInViewer));
+    QGroupBox* viewer = boolGroup(S::eStrOpenInViewer, S::eStrOpenInViewerTip, COptionsData::eDisplayInDravik);
     auto* viewerGrid = new QGridLayout(viewer);
-    viewerGrid->addWidget(boolBox(Text(S::eStrOpenInViewer), Text(S::eStrOpenInViewerTip), COptionsData::eDisplayInDravik), 0, 0, 1,
-                          3);
-    addStringRow(viewerGrid, 1, S::eStrViewerPath, S::eStrOpenInViewerTip, COptionsData::ePathToDravik, S::eStrFilterExe);
+    addStringRow(viewerGrid, 0, S::eStrViewerPath, S::eStrOpenInViewerTip, COptionsData::ePathToDravik, S::eStrFilterExe);
 
     auto* layout = new QVBoxLayout;
     layout->addWidget(userData);
