@@ -23,14 +23,12 @@ using S = COstrexStrings;
 namespace
 {
 const char* const kLayoutSuffix = "Options";
-
-// The options of the last export, when there are any.
-void LoadLastUsedOptions(CQMXPreferences& prefs, COptions& options)
-{
-    if (prefs.KeyExists(kGuiCurrentOptionsPrefix))
-        options.Load(prefs, kGuiCurrentOptionsPrefix);
-}
 } // namespace
+
+bool LoadLastUsedOptions(CQMXPreferences& prefs, COptions& options)
+{
+    return prefs.KeyExists(kGuiCurrentOptionsPrefix) && options.Load(prefs, kGuiCurrentOptionsPrefix);
+}
 
 COptionsWindow::COptionsWindow(COptions& options, CQMXPreferences& prefs, QWidget* parent)
     : QMainWindow(parent), m_options(options), m_prefs(prefs), m_pOptionsWidget(new COptionsWidget),
@@ -99,8 +97,12 @@ void COptionsWindow::finish(bool exported)
 {
     m_bExported = exported;
     if (m_pLoop)
+    {
         m_pLoop->quit();
-    hide();
+        hide();
+    }
+    else if (!exported)
+        close(); // a window shown without Exec (ostrex-gui) ends with Cancel
 }
 
 void COptionsWindow::setOptions(const COptionsData& options)

@@ -33,6 +33,10 @@ class CProfilesWidget;
 
 bool DisplayOptionsDialog(COptions& options, int argc, char** argv, bool launchedFromMel);
 
+// Reads the options of the last export ("Profiles/[Current]/") into options; false, leaving options
+// as they are, when none are stored.
+bool LoadLastUsedOptions(CQMXPreferences& prefs, COptions& options);
+
 class COptionsWindow : public QMainWindow
 {
     Q_OBJECT
@@ -53,6 +57,7 @@ class COptionsWindow : public QMainWindow
     CProfilesWidget* profilesWidget() const { return m_pProfilesWidget; }
     QPushButton* exportButton() const { return m_pExport; }
     QPushButton* cancelButton() const { return m_pCancel; }
+    QMenu* fileMenu() const { return m_pFileMenu; }
     QMenu* recentFilesMenu() const { return m_pRecentMenu; }
     COptions& options() const { return m_options; }
 
