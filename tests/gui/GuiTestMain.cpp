@@ -12,7 +12,7 @@ int main(int argc, char** argv)
         return 1;
     qputenv("HOME", home.path().toUtf8());
     qunsetenv("OSTREX_STUDIO_PROFILES");
-    QApplication app(argc, argv);
+    QApplication application(argc, argv);
     int failures = 0;
     COutputTest output;
     failures += QTest::qExec(&output, argc, argv);
@@ -24,5 +24,8 @@ int main(int argc, char** argv)
     failures += QTest::qExec(&dialog, argc, argv);
     CScreenshotTest screenshots;
     failures += QTest::qExec(&screenshots, argc, argv);
+#ifdef OSTREX_HAVE_GUI_APP
+    failures += RunOstrexGuiTests(argc, argv);
+#endif
     return failures == 0 ? 0 : 1;
 }

@@ -55,3 +55,6 @@ class CScreenshotTest : public QObject
   private slots:
     void optionsTabsAndOutputLog();
 };
+
+// The ostrex-gui tests (OstrexGuiTest.cpp, built with the program).
+int RunOstrexGuiTests(int argc, char** argv);
