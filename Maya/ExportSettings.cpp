@@ -6,8 +6,7 @@
 #include "QMXPreferences.h"
 
 const char* const kMayaPreferencesName = "Ostrex";
-const char* const kCurrentOptionsPrefix = "Profiles/[Current]/";
-const char* const kRecentFilesKey = "Maya/RecentFiles";
+const char* const kCurrentOptionsPrefix = "Profiles/[Current]";
 
 namespace
 {
@@ -62,28 +61,4 @@ bool StoreLastExportOptions(const COptions& options)
 {
     CQMXPreferences prefs(kMayaPreferencesName);
     return LoadStore(prefs) && options.Save(prefs, kCurrentOptionsPrefix) && prefs.Save();
-}
-
-std::vector<std::string> LoadRecentFiles()
-{
-    CQMXPreferences prefs(kMayaPreferencesName);
-    std::vector<CQMXTString> stored;
-    std::vector<std::string> files;
-    if (LoadStore(prefs) && prefs.GetValue(kRecentFilesKey, stored) == 0)
-        for (const CQMXTString& s : stored)
-            files.emplace_back(s.c_str());
-    return files;
-}
-
-bool SaveToRegistry(const char* path)
-{
-    CQMXPreferences prefs(kMayaPreferencesName);
-    if (!LoadStore(prefs))
-        return false;
-    std::vector<CQMXTString> stored, files{CQMXTString(path)};
-    prefs.GetValue(kRecentFilesKey, stored);
-    for (const CQMXTString& s : stored)
-        if (files.size() < kRecentFilesMax && s != files[0])
-            files.push_back(s);
-    return prefs.SetValue(kRecentFilesKey, files) == 0 && prefs.Save();
 }

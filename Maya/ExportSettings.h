@@ -7,20 +7,14 @@
 // they were; the result is the number of options read.
 //
 // StoreLastExportOptions keeps the options of an export as the current settings of the preferences
-// store ("Ostrex", under "Profiles/[Current]/"), which the options window and a one-argument
-// Ostrex_Export start from. SaveToRegistry puts a written path first in the recent-files list
-// ("Maya/RecentFiles" in the same store, at most kRecentFilesMax entries, no duplicates).
+// store ("Ostrex", under "Profiles/[Current]"), which the options window and a one-argument
+// Ostrex_Export start from.
 #pragma once
-
-#include <string>
-#include <vector>
 
 #include "Options.h"
 
 extern const char* const kMayaPreferencesName;
 extern const char* const kCurrentOptionsPrefix;
-extern const char* const kRecentFilesKey;
-const unsigned kRecentFilesMax = 10;
 
 // True for files whose embedded options are data, never commands.
 bool IsEmbeddedOptionsFile(const char* path);
@@ -28,5 +22,3 @@ int ReadExportConfig(COptions& options, const char* path);
 void DropHostActions(COptions& options);
 
 bool StoreLastExportOptions(const COptions& options);
-bool SaveToRegistry(const char* path);
-std::vector<std::string> LoadRecentFiles();

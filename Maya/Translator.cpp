@@ -25,6 +25,26 @@ bool FormatForPath(const char* path, EExportFormat& format)
     format = extension == ".cpp" ? eExportFormatSource : extension == ".h" ? eExportFormatHeader : eExportFormatBinary;
     return true;
 }
+// The output log window around an export started from Maya's File menu (not from a script).
+class CExportLogScope
+{
+  public:
+    explicit CExportLogScope(bool open) : m_bOpen(open)
+    {
+        if (m_bOpen)
+            OpenExportLog();
+    }
+    ~CExportLogScope()
+    {
+        if (m_bOpen)
+            CloseExportLog();
+    }
+    CExportLogScope(const CExportLogScope&) = delete;
+    CExportLogScope& operator=(const CExportLogScope&) = delete;
+
+  private:
+    bool m_bOpen;
+};
 } // namespace
 
 std::string LowerCaseExtension(const char* name)
@@ -97,6 +117,7 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
         ReadExportConfig(m_options, configPath.asChar()); // a missing file keeps the options as they are
     else if (!ShowExportOptions(m_options, launchedFromMel))
         return MStatus(MStatus::kFailure);
+    CExportLogScope exportLog(configPath.length() == 0 && !launchedFromMel);
     // The extension the user typed wins over the format that options carry from an earlier export.
     EExportFormat format;
     if (FormatForPath(fullPath.asChar(), format))

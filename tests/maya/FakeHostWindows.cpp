@@ -14,3 +14,19 @@ bool ShowExportOptions(COptions&, bool launchedFromMel)
     FakeOptionsWindow().lastLaunchedFromMel = launchedFromMel;
     return FakeOptionsWindow().answer;
 }
+
+void OpenExportLog()
+{
+    ++FakeOptionsWindow().logOpened;
+}
+
+void CloseExportLog()
+{
+    ++FakeOptionsWindow().logClosed;
+}
+
+bool SaveToRegistry(const char* exportedPath)
+{
+    FakeOptionsWindow().recentFiles.insert(FakeOptionsWindow().recentFiles.begin(), exportedPath);
+    return true;
+}

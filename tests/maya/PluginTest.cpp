@@ -10,6 +10,7 @@
 #include "MayaTestSupport.h"
 #include "Ostrex.h"
 #include "PostExport.h"
+#include "QMXPreferences.h"
 
 PLUGIN_EXPORT MStatus initializePlugin(MObject obj);
 PLUGIN_EXPORT MStatus uninitializePlugin(MObject obj);
@@ -93,7 +94,7 @@ TEST_F(PluginTest, TheCommandExplainsItselfWithoutArguments)
     EXPECT_EQ(Scene().infoLog, usage);
 }
 
-TEST_F(PluginTest, OneArgumentAsksTheWindowAndACancelWritesNothing)
+TEST_F(PluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
 {
     AddCube("box");
     FakeOptionsWindow().answer = false;
@@ -105,6 +106,15 @@ TEST_F(PluginTest, OneArgumentAsksTheWindowAndACancelWritesNothing)
     FakeOptionsWindow().answer = true;
     EXPECT_EQ(Mel({m_dir / "a.tvo"}), MStatus::kSuccess);
     EXPECT_TRUE(CReadBack(m_dir / "a.tvo").ok);
+    EXPECT_EQ(FakeOptionsWindow().logOpened, 0); // a script gets no log window
+
+    Ostrex fromFileMenu;
+    MFileObject file;
+    file.setFullName((m_dir / "b.tvo").c_str());
+    EXPECT_EQ(fromFileMenu.writer(file, "", MPxFileTranslator::kExportAccessMode), MStatus::kSuccess);
+    EXPECT_FALSE(FakeOptionsWindow().lastLaunchedFromMel);
+    EXPECT_EQ(FakeOptionsWindow().logOpened, 1);
+    EXPECT_EQ(FakeOptionsWindow().logClosed, 1);
 }
 
 TEST_F(PluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
@@ -168,5 +178,11 @@ TEST_F(PluginTest, HistoryRecentFilesAndPathsWithSpacesAndAccents)
     EXPECT_NE(std::string(options).find("bExportMaterials=0"), std::string::npos);
 
     ASSERT_EQ(Mel({m_dir / "b.tvo", config}), MStatus::kSuccess);
-    EXPECT_EQ(LoadRecentFiles(), (std::vector<std::string>{m_dir / "b.tvo", out}));
+    EXPECT_EQ(FakeOptionsWindow().recentFiles, (std::vector<std::string>{m_dir / "b.tvo", out}));
+    CQMXPreferences prefs(kMayaPreferencesName); // the options used are the next export's starting point
+    CQMXTString errors;
+    ASSERT_TRUE(prefs.Load(errors));
+    COptions stored;
+    ASSERT_TRUE(stored.Load(prefs, kCurrentOptionsPrefix));
+    EXPECT_FALSE(stored.GetOption(COptionsData::eExportMaterials));
 }

@@ -135,7 +135,9 @@ TEST_F(SkinTest, ASkinnedCylinderCarriesItsJointsAndWeights)
         }
         EXPECT_NEAR(total, 1.0f, 1e-5) << v;
         if (positions[v][1] == 3.0f)
+        {
             EXPECT_NEAR(onTop, 1.0f, 1e-5) << v; // the top ring follows j2 alone
+        }
     }
 }
 
