@@ -27,7 +27,7 @@ MStatus MelLauncher::doIt(const MArgList& args)
     }
     Ostrex exporter;
     MFileObject file;
-    file.setFullName(args.asString(0));
+    file.setRawFullName(args.asString(0));
 
     MString options("LaunchedFromMELCommand;");
     MPxFileTranslator::FileAccessMode mode = MPxFileTranslator::kExportAccessMode;

@@ -90,7 +90,9 @@ MString Ostrex::defaultExtension() const
 
 MPxFileTranslator::MFileKind Ostrex::identifyFile(const MFileObject& file, const char*, short) const
 {
-    const std::string extension = LowerCaseExtension(file.name().asChar());
+    // The name without its folders: a dot in a folder name is no extension.
+    const std::string path = file.expandedFullName().asChar();
+    const std::string extension = LowerCaseExtension(path.substr(path.rfind('/') + 1).c_str());
     if (extension == ".cpp" || extension == ".h" || extension == ".tvo")
         return MPxFileTranslator::kCouldBeMyFileType;
     return MPxFileTranslator::kNotMyFileType;
@@ -99,7 +101,7 @@ MPxFileTranslator::MFileKind Ostrex::identifyFile(const MFileObject& file, const
 MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, FileAccessMode mode)
 {
     CHostLogScope hostLog;
-    const MString fullPath = file.fullName();
+    const MString fullPath = file.expandedFullName();
     m_bExportSelection = mode == MPxFileTranslator::kExportActiveAccessMode;
 
     MStringArray parts;

@@ -36,7 +36,7 @@ MStatus CMayaTest::Export(const std::string& options, const std::string& name, b
 {
     const std::string config = Write("options.txt", options + "\n");
     MFileObject file;
-    file.setFullName(MString((m_dir / name).c_str()));
+    file.setRawFullName(MString((m_dir / name).c_str()));
     m_last = std::make_unique<Ostrex>();
     return m_last->writer(file, MString(("LaunchedFromMELCommand;" + config + ";").c_str()),
                           selection ? MPxFileTranslator::kExportActiveAccessMode : MPxFileTranslator::kExportAccessMode);

@@ -63,7 +63,7 @@ TEST_F(PluginTest, ClaimsOnlyItsExtensionsAndNeverForSure)
     for (const auto& c : cases)
     {
         MFileObject file;
-        file.setFullName(c.first);
+        file.setRawFullName(c.first);
         EXPECT_EQ(translator.identifyFile(file, "", 0), c.second) << c.first;
     }
 }
@@ -110,7 +110,7 @@ TEST_F(PluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
 
     Ostrex fromFileMenu;
     MFileObject file;
-    file.setFullName((m_dir / "b.tvo").c_str());
+    file.setRawFullName((m_dir / "b.tvo").c_str());
     EXPECT_EQ(fromFileMenu.writer(file, "", MPxFileTranslator::kExportAccessMode), MStatus::kSuccess);
     EXPECT_FALSE(FakeOptionsWindow().lastLaunchedFromMel);
     EXPECT_EQ(FakeOptionsWindow().logOpened, 1);

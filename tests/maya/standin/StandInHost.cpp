@@ -147,13 +147,8 @@ MStatus MFileObject::setRawFullName(const MString& name)
     return MStatus();
 }
 MString MFileObject::rawFullName() const { return MString(m_fullName.c_str()); }
-MStatus MFileObject::setFullName(const MString& name) { return setRawFullName(name); }
-MString MFileObject::fullName() const { return rawFullName(); }
-MString MFileObject::name() const
-{
-    const size_t slash = m_fullName.rfind('/');
-    return MString(slash == std::string::npos ? m_fullName.c_str() : m_fullName.c_str() + slash + 1);
-}
+// No environment variables are expanded in the stand-in.
+MString MFileObject::expandedFullName() const { return rawFullName(); }
 
 MArgList::MArgList() = default;
 MArgList::MArgList(const MArgList&) = default;

@@ -17,9 +17,7 @@ class MFileObject
     MFileObject& operator=(const MFileObject&);
     MStatus setRawFullName(const MString& fullName);
     MString rawFullName() const;
-    MStatus setFullName(const MString& fullName);
-    MString fullName() const;
-    MString name() const;
+    MString expandedFullName() const;
 
   private:
     std::string m_fullName;
