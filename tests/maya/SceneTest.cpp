@@ -304,3 +304,35 @@ TEST_F(SceneTest, UserDataOfEveryResultType)
     EXPECT_EQ(m_log.Count("Failed to execute command 'DefineNodeUserData |n11'"), 1);
     EXPECT_EQ(CReadBack(m_dir / "off.tvo").model.nUserDataSize, 0u);
 }
+
+TEST_F(SceneTest, WalkRulesForRigsInstancesAndSeveralShapes)
+{
+    const int group = AddTransform("group");
+    const int rig = Scene().Add(MFn::kLookAt, "rig", group);
+    const int cameraT = AddTransform("cam", rig);
+    Scene().Add(MFn::kCamera, "camShape", cameraT);
+    const int aim = AddTransform("aim", rig, {0, 0, -5});
+    Scene().Add(MFn::kLocator, "aimShape", aim);
+    AddShape(MFn::kLocator, "groupShape", group);
+
+    const int twoShapes = AddCube("twoShapes");
+    const int orig = ShapeOf(twoShapes); // the first shape is an intermediate one, as under a skin
+    Scene().nodes[orig].intermediate = true;
+    Scene().nodes[twoShapes].children.push_back(ShapeOf(AddCube("donor")));
+    const int second = AddCube("second", twoShapes); // a transform child, not a shape
+    const int instanced = AddCube("instanced");
+    Scene().nodes[instanced].parents.push_back(second); // two parents: never started as a root
+    ASSERT_EQ(Export(""), MStatus::kSuccess);
+
+    CReadBack back(m_dir / "out.tvo");
+    ASSERT_EQ(back.model.nNumCamera, 1u);
+    ASSERT_TRUE(back.Node("cam") && back.Node("aim"));
+    EXPECT_EQ(&back.model.pNode[back.model.pCamera[0].nIdxTarget], back.Node("aim"));
+    EXPECT_LT(back.Node("cam")->nIdxParent, 0); // rigs hang at the top level
+    EXPECT_EQ(std::count_if(Content().nodes.begin(), Content().nodes.end(), [](const CNode& n) { return n.name == "cam"; }), 1);
+    EXPECT_EQ(back.model.pMesh[back.Node("twoShapes")->nIdx].nNumFaces, 12u);
+    EXPECT_EQ(&back.model.pNode[back.Node("second")->nIdxParent], back.Node("twoShapes"));
+    EXPECT_EQ(back.Node("instanced"), nullptr);
+    for (int c = 0; c < 3; ++c)
+        EXPECT_EQ(back.model.pfColourAmbient[c], 1.0f); // no ambient light: white
+}

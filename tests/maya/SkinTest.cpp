@@ -158,4 +158,11 @@ TEST_F(SkinTest, MissingMeshOrSkeletonEndsTheSkinButNotTheExport)
     ASSERT_EQ(Export("bExportSkin=1"), MStatus::kSuccess);
     EXPECT_EQ(m_log.Count("Error: cylShape could not be found for skinning."), 1);
     EXPECT_TRUE(CReadBack(m_dir / "out.tvo").Node("j2"));
+
+    Scene().nodes[cylinder].intermediate = false;
+    Scene().nodes[rig.joints[1]].intermediate = true;
+    ASSERT_EQ(Export("bExportSkin=1"), MStatus::kSuccess);
+    EXPECT_EQ(m_log.Count("Error: Joint |j0|j1 could not be found for skinning."), 1);
+    CReadBack noSkeleton(m_dir / "out.tvo");
+    EXPECT_EQ(noSkeleton.model.pMesh[noSkeleton.Node("cyl")->nIdx].sBoneIdx.n, 0u);
 }
