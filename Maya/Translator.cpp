@@ -16,10 +16,16 @@ namespace
 {
 const char* const kLaunchedFromMel = "LaunchedFromMELCommand";
 
-// The output kind an extension asks for; false when the path has no extension at all.
+// The file name of a path, without its folders: a dot in a folder name is no extension.
+std::string NameOf(const std::string& path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+// The output kind an extension asks for; false when the file name has no extension at all.
 bool FormatForPath(const char* path, EExportFormat& format)
 {
-    const std::string extension = LowerCaseExtension(path);
+    const std::string extension = LowerCaseExtension(NameOf(path).c_str());
     if (extension.empty())
         return false;
     format = extension == ".cpp" ? eExportFormatSource : extension == ".h" ? eExportFormatHeader : eExportFormatBinary;
@@ -90,9 +96,7 @@ MString Ostrex::defaultExtension() const
 
 MPxFileTranslator::MFileKind Ostrex::identifyFile(const MFileObject& file, const char*, short) const
 {
-    // The name without its folders: a dot in a folder name is no extension.
-    const std::string path = file.expandedFullName().asChar();
-    const std::string extension = LowerCaseExtension(path.substr(path.rfind('/') + 1).c_str());
+    const std::string extension = LowerCaseExtension(NameOf(file.expandedFullName().asChar()).c_str());
     if (extension == ".cpp" || extension == ".h" || extension == ".tvo")
         return MPxFileTranslator::kCouldBeMyFileType;
     return MPxFileTranslator::kNotMyFileType;

@@ -75,8 +75,9 @@ TEST_F(PluginTest, TheExtensionChoosesTheOutputKindAndNoExtensionKeepsTheStoredO
     EXPECT_NE(ReadAll(m_dir / "scene.CPP").find("\tExpOpt{"), std::string::npos);
     EXPECT_EQ(CReadBack(m_dir / "scene.CPP").ok, false);
 
-    ASSERT_EQ(Export("eExpFormat=1", "noextension"), MStatus::kSuccess);
-    EXPECT_NE(ReadAll(m_dir / "noextension").find("\tExpOpt{"), std::string::npos);
+    std::filesystem::create_directory(m_dir / "v1.2"); // a dot in a folder is no extension
+    ASSERT_EQ(Export("eExpFormat=1", "v1.2/noextension"), MStatus::kSuccess);
+    EXPECT_NE(ReadAll(m_dir / "v1.2/noextension").find("\tExpOpt{"), std::string::npos);
     ASSERT_EQ(Export("eExpFormat=1", "scene.tvo"), MStatus::kSuccess);
     EXPECT_TRUE(CReadBack(m_dir / "scene.tvo").ok);
 }
