@@ -27,9 +27,9 @@ int RecordingShell(const char* command)
 }
 } // namespace
 
-using PluginTest = CMayaTest;
+using MayaPluginTest = CMayaTest;
 
-TEST_F(PluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
+TEST_F(MayaPluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
 {
     MObject plugin;
     EXPECT_EQ(initializePlugin(plugin), MStatus::kSuccess);
@@ -50,7 +50,7 @@ TEST_F(PluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
     EXPECT_TRUE(Scene().plugin.commands.empty());
 }
 
-TEST_F(PluginTest, ClaimsOnlyItsExtensionsAndNeverForSure)
+TEST_F(MayaPluginTest, ClaimsOnlyItsExtensionsAndNeverForSure)
 {
     Ostrex translator;
     EXPECT_EQ(translator.filter(), "*.tvo;*.h;*.cpp");
@@ -68,7 +68,7 @@ TEST_F(PluginTest, ClaimsOnlyItsExtensionsAndNeverForSure)
     }
 }
 
-TEST_F(PluginTest, TheExtensionChoosesTheOutputKindAndNoExtensionKeepsTheStoredOne)
+TEST_F(MayaPluginTest, TheExtensionChoosesTheOutputKindAndNoExtensionKeepsTheStoredOne)
 {
     AddCube("box");
     ASSERT_EQ(Export("", "scene.CPP"), MStatus::kSuccess);
@@ -82,7 +82,7 @@ TEST_F(PluginTest, TheExtensionChoosesTheOutputKindAndNoExtensionKeepsTheStoredO
     EXPECT_TRUE(CReadBack(m_dir / "scene.tvo").ok);
 }
 
-TEST_F(PluginTest, TheCommandExplainsItselfWithoutArguments)
+TEST_F(MayaPluginTest, TheCommandExplainsItselfWithoutArguments)
 {
     EXPECT_NE(Mel({}), MStatus::kSuccess);
     const std::vector<std::string> usage = {
@@ -95,7 +95,7 @@ TEST_F(PluginTest, TheCommandExplainsItselfWithoutArguments)
     EXPECT_EQ(Scene().infoLog, usage);
 }
 
-TEST_F(PluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
+TEST_F(MayaPluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
 {
     AddCube("box");
     FakeOptionsWindow().answer = false;
@@ -118,7 +118,7 @@ TEST_F(PluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
     EXPECT_EQ(FakeOptionsWindow().logClosed, 1);
 }
 
-TEST_F(PluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
+TEST_F(MayaPluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
 {
     AddCube("box");
     EXPECT_EQ(Mel({m_dir / "a.tvo", m_dir / "missing options.txt"}), MStatus::kSuccess);
@@ -128,7 +128,7 @@ TEST_F(PluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
     EXPECT_EQ(back.model.nNumMesh, 1u);
 }
 
-TEST_F(PluginTest, ExportActiveExportsTheSelectionAndAnyOtherWordTheScene)
+TEST_F(MayaPluginTest, ExportActiveExportsTheSelectionAndAnyOtherWordTheScene)
 {
     Scene().selection = {AddCube("picked")};
     AddCube("other");
@@ -142,7 +142,7 @@ TEST_F(PluginTest, ExportActiveExportsTheSelectionAndAnyOtherWordTheScene)
     }
 }
 
-TEST_F(PluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUsersOwnFileDoes)
+TEST_F(MayaPluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUsersOwnFileDoes)
 {
     AddCube("box");
     const std::string script = Write("user.mel", "global proc DefineSceneUserData() {}\n");
@@ -165,7 +165,7 @@ TEST_F(PluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUsersOwn
     SetPostExportShell(previous);
 }
 
-TEST_F(PluginTest, HistoryRecentFilesAndPathsWithSpacesAndAccents)
+TEST_F(MayaPluginTest, HistoryRecentFilesAndPathsWithSpacesAndAccents)
 {
     AddCube("box");
     std::filesystem::create_directory(m_dir / "my scenes");

@@ -27,9 +27,9 @@ int AddShape(MFn::Type type, const std::string& name, int transform)
 }
 } // namespace
 
-using SceneTest = CMayaTest;
+using MayaSceneTest = CMayaTest;
 
-TEST_F(SceneTest, ACubeBecomesTwelveTrianglesWithUnitNormals)
+TEST_F(MayaSceneTest, ACubeBecomesTwelveTrianglesWithUnitNormals)
 {
     AddCube("box");
     ASSERT_EQ(Export(""), MStatus::kSuccess);
@@ -50,7 +50,7 @@ TEST_F(SceneTest, ACubeBecomesTwelveTrianglesWithUnitNormals)
         EXPECT_NEAR(n[0] * n[0] + n[1] * n[1] + n[2] * n[2], 1.0f, 1e-5);
 }
 
-TEST_F(SceneTest, HierarchyKeepsParentsRotationOrdersAndPivots)
+TEST_F(MayaSceneTest, HierarchyKeepsParentsRotationOrdersAndPivots)
 {
     const int root = AddTransform("root", 0, {1, 2, 3});
     Scene().nodes[root].rotate = {0, kQuarter, 0};
@@ -71,7 +71,7 @@ TEST_F(SceneTest, HierarchyKeepsParentsRotationOrdersAndPivots)
     ExpectNear(back.World("yxz", {1, 0, 0}), {1, 3, 3}); // (0, 1, 0) in root space
 }
 
-TEST_F(SceneTest, UVSetsAreCompactedAndCappedAndColourSetsExported)
+TEST_F(MayaSceneTest, UVSetsAreCompactedAndCappedAndColourSetsExported)
 {
     const int cube = AddCube("box");
     standin::SMesh& mesh = Scene().nodes[ShapeOf(cube)].mesh;
@@ -103,7 +103,7 @@ TEST_F(SceneTest, UVSetsAreCompactedAndCappedAndColourSetsExported)
     EXPECT_EQ(reds, (std::set<float>{0, 1, 2, 3, 4, 5, 6, 7}));
 }
 
-TEST_F(SceneTest, ShadingGroupsBecomeSharedMaterialsWithTextureNames)
+TEST_F(MayaSceneTest, ShadingGroupsBecomeSharedMaterialsWithTextureNames)
 {
     const int phongGroup = AddShadingGroup(MFn::kPhong, "shiny");
     const int blinnGroup = AddShadingGroup(MFn::kBlinn, "dull");
@@ -149,7 +149,7 @@ TEST_F(SceneTest, ShadingGroupsBecomeSharedMaterialsWithTextureNames)
     EXPECT_STREQ(back.model.pMaterial[back.Node("plain")->nIdxMaterial].pszName, "noColourPlug");
 }
 
-TEST_F(SceneTest, LightsAndCamerasByKind)
+TEST_F(MayaSceneTest, LightsAndCamerasByKind)
 {
     const std::pair<MFn::Type, short> lights[] = {{MFn::kPointLight, 3}, {MFn::kSpotLight, 1}, {MFn::kDirectionalLight, 0}};
     for (const auto& light : lights)
@@ -190,7 +190,7 @@ TEST_F(SceneTest, LightsAndCamerasByKind)
     EXPECT_LT(back.Node("underTop")->nIdxParent, 0); // the ortho camera's child hangs at the top
 }
 
-TEST_F(SceneTest, ASelectionKeepsItsAncestorsAsPlainNodes)
+TEST_F(MayaSceneTest, ASelectionKeepsItsAncestorsAsPlainNodes)
 {
     const int group = AddTransform("group");
     const int sub = AddTransform("sub", group);
@@ -207,7 +207,7 @@ TEST_F(SceneTest, ASelectionKeepsItsAncestorsAsPlainNodes)
     EXPECT_EQ(&back.model.pNode[back.Node("sub")->nIdxParent], back.Node("group"));
 }
 
-TEST_F(SceneTest, BadGeometryWarnsAndTheExportGoesOn)
+TEST_F(MayaSceneTest, BadGeometryWarnsAndTheExportGoesOn)
 {
     const int empty = AddTransform("empty");
     const int emptyShape = AddShape(MFn::kMesh, "emptyShape", empty);
@@ -240,7 +240,7 @@ TEST_F(SceneTest, BadGeometryWarnsAndTheExportGoesOn)
     EXPECT_EQ(back.model.pMesh[back.Node("odd")->nIdx].nNumFaces, 11u); // 3 for the five corners, 2 for each quad, none for face 3
 }
 
-TEST_F(SceneTest, AnimationIsSampledOverTheRangeAndTheSceneIsLeftAsItWas)
+TEST_F(MayaSceneTest, AnimationIsSampledOverTheRangeAndTheSceneIsLeftAsItWas)
 {
     const int box = AddCube("box");
     Scene().nodes[box].curves["tx"].keys = {{1, 0}, {5, 8}};
@@ -268,7 +268,7 @@ TEST_F(SceneTest, AnimationIsSampledOverTheRangeAndTheSceneIsLeftAsItWas)
         EXPECT_EQ(command.rfind("currentTime ", 0), 0u) << command;
 }
 
-TEST_F(SceneTest, UserDataOfEveryResultType)
+TEST_F(MayaSceneTest, UserDataOfEveryResultType)
 {
     using R = MCommandResult;
     const std::vector<std::pair<standin::SMelAnswer, std::vector<uint8_t>>> cases = {
@@ -305,7 +305,7 @@ TEST_F(SceneTest, UserDataOfEveryResultType)
     EXPECT_EQ(CReadBack(m_dir / "off.tvo").model.nUserDataSize, 0u);
 }
 
-TEST_F(SceneTest, WalkRulesForRigsInstancesAndSeveralShapes)
+TEST_F(MayaSceneTest, WalkRulesForRigsInstancesAndSeveralShapes)
 {
     const int group = AddTransform("group");
     const int rig = Scene().Add(MFn::kLookAt, "rig", group);

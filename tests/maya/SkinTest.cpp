@@ -62,7 +62,7 @@ SRig AddSkinnedCylinder(int jointCount)
 }
 } // namespace
 
-TEST(BoneWeightsTest, KeepsTheFourLargestAndRenormalises)
+TEST(MayaBoneWeightsTest, KeepsTheFourLargestAndRenormalises)
 {
     const std::vector<int> map = {10, 11, 12, 13, 14, 15};
     SBonedVtx v;
@@ -87,7 +87,7 @@ TEST(BoneWeightsTest, KeepsTheFourLargestAndRenormalises)
     EXPECT_TRUE(v.weights.empty());
 }
 
-TEST(SkinWeightTableTest, EqualsTheStepByStepIteratorWithOneReadAVertex)
+TEST(MayaSkinWeightTableTest, EqualsTheStepByStepIteratorWithOneReadAVertex)
 {
     standin::ResetScene();
     const SRig rig = AddSkinnedCylinder(6);
@@ -107,9 +107,9 @@ TEST(SkinWeightTableTest, EqualsTheStepByStepIteratorWithOneReadAVertex)
     EXPECT_EQ(table.Weights(32), nullptr);
 }
 
-using SkinTest = CMayaTest;
+using MayaSkinTest = CMayaTest;
 
-TEST_F(SkinTest, ASkinnedCylinderCarriesItsJointsAndWeights)
+TEST_F(MayaSkinTest, ASkinnedCylinderCarriesItsJointsAndWeights)
 {
     AddSkinnedCylinder(6);
     ASSERT_EQ(Export("bExportSkin=1"), MStatus::kSuccess);
@@ -141,7 +141,7 @@ TEST_F(SkinTest, ASkinnedCylinderCarriesItsJointsAndWeights)
     }
 }
 
-TEST_F(SkinTest, MissingMeshOrSkeletonEndsTheSkinButNotTheExport)
+TEST_F(MayaSkinTest, MissingMeshOrSkeletonEndsTheSkinButNotTheExport)
 {
     const SRig rig = AddSkinnedCylinder(3);
     const int cylinder = Scene().nodes[rig.mesh].parents[0];
