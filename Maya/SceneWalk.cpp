@@ -17,6 +17,7 @@
 #include <maya/MSelectionList.h>
 #include <maya/MTime.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "Log.h"
@@ -45,6 +46,13 @@ bool IsPlane(MFn::Type type)
 bool IsExportedLight(MFn::Type type)
 {
     return type == MFn::kDirectionalLight || type == MFn::kPointLight || type == MFn::kSpotLight;
+}
+
+// A time value truncated to a frame number, kept within a range whose frame count fits an int.
+int FrameNumber(double value)
+{
+    const double limit = 1e8;
+    return static_cast<int>(value != value ? 0.0 : std::max(-limit, std::min(limit, value)));
 }
 
 // Puts the scene's current time back when an export ends, however it ends.
@@ -122,8 +130,8 @@ void Ostrex::ReadFrameRange()
 {
     const MTime minTime = MAnimControl::minTime(), maxTime = MAnimControl::maxTime();
     SSceneInfo& info = m_pContent->info;
-    info.startFrame = static_cast<int>(minTime.value());
-    info.endFrame = static_cast<int>(maxTime.value());
+    info.startFrame = FrameNumber(minTime.value());
+    info.endFrame = FrameNumber(maxTime.value());
     const double duration = maxTime.as(MTime::kSeconds) - minTime.as(MTime::kSeconds);
     // The +1 is kept as the file format expects it (24 frames at 24 fps give 25); the small bias
     // keeps a whole rate whole despite rounding in the seconds. A range of one frame has no

@@ -4,6 +4,7 @@
 #include <maya/MStringArray.h>
 
 #include <cstdio>
+#include <exception>
 #include <new>
 
 #include "ExportSettings.h"
@@ -130,8 +131,15 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
         m_options.SetOption(COptionsData::eExpFormat, format);
     m_options.m_sPath = fullPath.asChar();
 
-    const bool ok = Init() && DoConversion() && m_pTVO->Process(*m_pContent, m_options) &&
-                    SaveFile(fullPath.asChar());
+    bool ok = false;
+    try // nothing may escape into Maya
+    {
+        ok = Init() && DoConversion() && m_pTVO->Process(*m_pContent, m_options) && SaveFile(fullPath.asChar());
+    }
+    catch (const std::exception& e)
+    {
+        Log(eLogError, "Error: the export stopped: %s", e.what());
+    }
     return MStatus(ok ? MStatus::kSuccess : MStatus::kFailure);
 }
 
