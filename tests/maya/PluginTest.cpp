@@ -44,6 +44,10 @@ TEST_F(MayaPluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
     EXPECT_TRUE(Scene().plugin.translators.empty());
     EXPECT_TRUE(Scene().plugin.commands.empty());
 
+    EXPECT_NE(uninitializePlugin(plugin), MStatus::kSuccess);
+    EXPECT_EQ(Scene().perrors, std::vector<std::string>{"Ostrex::deregisterFileTranslator"});
+
+    Scene().perrors.clear();
     Scene().failTranslatorRegistration = true;
     EXPECT_NE(initializePlugin(plugin), MStatus::kSuccess);
     EXPECT_EQ(Scene().perrors, std::vector<std::string>{"Failed to register our file translator"});

@@ -62,10 +62,20 @@ TEST_F(MayaSceneTest, HierarchyKeepsParentsRotationOrdersAndPivots)
     Scene().nodes[yxz].rotate = {kQuarter, kQuarter, 0};
     Scene().nodes[yxz].rotateOrder = 4; // kYXZ: about Y first
     AddShape(MFn::kLocator, "yxzShape", yxz);
+    const int scaled = AddTransform("scaled", 0, {0, 0, 1});
+    Scene().nodes[scaled].rotate = {0, 0, kQuarter};
+    Scene().nodes[scaled].scale = {2, 2, 2}; // its axes are normalised before the rotation is taken
+    AddShape(MFn::kLocator, "scaledShape", scaled);
+    const int lamp = AddTransform("lamp", 0, {4, 5, 6});
+    Scene().nodes[lamp].rotate = {kQuarter, 0, 0};
+    AddShape(MFn::kPointLight, "lampShape", lamp);
     ASSERT_EQ(Export(""), MStatus::kSuccess);
 
     CReadBack back(m_dir / "out.tvo");
-    ASSERT_TRUE(back.Node("arm") && back.Node("yxz"));
+    ASSERT_TRUE(back.Node("arm") && back.Node("yxz") && back.Node("scaled"));
+    ExpectNear(back.World("scaled", {1, 0, 0}), {0, 2, 1});
+    const QMXTVECTOR3f lampAt = back.model.GetLightPosition(0);
+    ExpectNear(lampAt, {4, 5, 6}); // the quarter turn of lights leaves their place alone
     EXPECT_EQ(&back.model.pNode[back.Node("arm")->nIdxParent], back.Node("root"));
     ExpectNear(back.World("arm", {2, 0, 0}), {1, 3, 2});
     ExpectNear(back.World("yxz", {1, 0, 0}), {1, 3, 3}); // (0, 1, 0) in root space
@@ -114,6 +124,7 @@ TEST_F(MayaSceneTest, ShadingGroupsBecomeSharedMaterialsWithTextureNames)
     phong.cosPower = 33;
     phong.specular = MColor(0.25f, 0.5f, 0.75f);
     AddCube("sharing", 0, phongGroup);
+    AddCube("sameName", 0, AddShadingGroup(MFn::kBlinn, "shiny")); // another shader of that name
 
     const int textured = AddShadingGroup(MFn::kLambert, "painted");
     const int lambert = ShaderOf(textured);
@@ -135,6 +146,7 @@ TEST_F(MayaSceneTest, ShadingGroupsBecomeSharedMaterialsWithTextureNames)
     ASSERT_EQ(back.model.nNumMaterial, 3u); // the blinn group is the last of two and left out
     EXPECT_EQ(Content().nodes[0].geom.faces.size(), 6u);
     EXPECT_EQ(back.Node("split")->nIdxMaterial, back.Node("sharing")->nIdxMaterial);
+    EXPECT_EQ(back.Node("split")->nIdxMaterial, back.Node("sameName")->nIdxMaterial);
     const STVOMaterial& shiny = back.model.pMaterial[back.Node("split")->nIdxMaterial];
     EXPECT_STREQ(shiny.pszName, "shiny");
     EXPECT_NEAR(shiny.fMatOpacity, 0.1f, 1e-6);
