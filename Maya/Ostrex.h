@@ -71,13 +71,12 @@ class Ostrex : public MPxFileTranslator
     bool DoConversion();
     bool SaveFile(const char* path);
 
-    // The built content and the options of the last export (for tests and tools).
+    // The content built by the last export, and the options (which the next writer call replaces
+    // from its options file or window; tools that call DoConversion directly set them here).
     const SContent* Content() const { return m_pContent; }
-    const COptions& Options() const { return m_options; }
+    COptions& Options() { return m_options; }
 
   private:
-    friend class COstrexInspector;
-
     // Scene walk.
     bool AddChild(MObject& node, MFnTransform& parentTransform, eExportType type, int parentIndex);
     bool AddTransform(MFnTransform& transform, eExportType type, int parentIndex);
@@ -127,8 +126,6 @@ class Ostrex : public MPxFileTranslator
     COptions m_options;
     CTVO* m_pTVO = nullptr;
     SContent* m_pContent = nullptr;
-    MFileObject m_file;
-    MString m_sWorking;
     std::vector<SMatch> m_matches;
 };
 

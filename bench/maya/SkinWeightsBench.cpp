@@ -14,12 +14,6 @@
 
 using standin::Scene;
 
-class COstrexInspector
-{
-  public:
-    static COptions& Options(Ostrex& exporter) { return exporter.m_options; }
-};
-
 namespace
 {
 // A side x side grid of points, quads between them, skinned to four joints; returns the skin cluster.
@@ -62,7 +56,7 @@ void BM_SkinnedMeshExtraction(benchmark::State& state)
     for (auto _ : state)
     {
         Ostrex exporter;
-        COstrexInspector::Options(exporter).SetOption(COptionsData::eExportSkin, true);
+        exporter.Options().SetOption(COptionsData::eExportSkin, true);
         exporter.Init();
         exporter.DoConversion();
         benchmark::DoNotOptimize(exporter.Content()->nodes.back().modifiers.size());
