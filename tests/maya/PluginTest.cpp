@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 
 #include "ExportSettings.h"
 #include "MayaTestSupport.h"
+#include "MelLauncher.h"
 #include "Ostrex.h"
 #include "PostExport.h"
 #include "QMXPreferences.h"
@@ -39,6 +41,11 @@ TEST_F(MayaPluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
     EXPECT_EQ(Scene().plugin.translators.at("Veldra Exporter"), "");
     EXPECT_FALSE(Scene().plugin.translatorOptionsGiven);
     EXPECT_EQ(Scene().plugin.commands.count("Ostrex_Export"), 1u);
+    std::unique_ptr<MPxCommand> command(static_cast<MPxCommand*>(Scene().plugin.creators.at("Ostrex_Export")()));
+    EXPECT_TRUE(dynamic_cast<MelLauncher*>(command.get()));
+    std::unique_ptr<MPxFileTranslator> translator(
+        static_cast<MPxFileTranslator*>(Scene().plugin.creators.at("Veldra Exporter")()));
+    EXPECT_TRUE(dynamic_cast<Ostrex*>(translator.get()));
 
     EXPECT_EQ(uninitializePlugin(plugin), MStatus::kSuccess);
     EXPECT_TRUE(Scene().plugin.translators.empty());

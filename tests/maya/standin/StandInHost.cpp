@@ -199,22 +199,24 @@ MFnPlugin::MFnPlugin(MObject&, const char* vendor, const char* version, const ch
     Scene().plugin.apiVersion = api;
 }
 MFnPlugin::~MFnPlugin() = default;
-MStatus MFnPlugin::registerCommand(const MString& name, MCreatorFunction, MCreateSyntaxFunction)
+MStatus MFnPlugin::registerCommand(const MString& name, MCreatorFunction creator, MCreateSyntaxFunction)
 {
     if (Scene().failCommandRegistration)
         return MStatus(MStatus::kFailure);
     Scene().plugin.commands.insert(name.asChar());
+    Scene().plugin.creators[name.asChar()] = creator;
     return MStatus();
 }
 MStatus MFnPlugin::deregisterCommand(const MString& name)
 {
     return Scene().plugin.commands.erase(name.asChar()) ? MStatus() : MStatus(MStatus::kFailure);
 }
-MStatus MFnPlugin::registerFileTranslator(const MString& name, const char* pixmap, MCreatorFunction, const char* script,
-                                          const char* defaults, bool fullMel, MString)
+MStatus MFnPlugin::registerFileTranslator(const MString& name, const char* pixmap, MCreatorFunction creator,
+                                          const char* script, const char* defaults, bool fullMel, MString)
 {
     if (Scene().failTranslatorRegistration)
         return MStatus(MStatus::kFailure);
+    Scene().plugin.creators[name.asChar()] = creator;
     Scene().plugin.translators[name.asChar()] = pixmap ? pixmap : "(null)";
     Scene().plugin.translatorOptionsGiven = script || defaults || fullMel;
     return MStatus();

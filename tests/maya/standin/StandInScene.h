@@ -14,6 +14,7 @@
 #include <maya/MFn.h>
 #include <maya/MMatrix.h>
 #include <maya/MTime.h>
+#include <maya/MTypes.h>
 
 #include <array>
 #include <map>
@@ -106,6 +107,7 @@ struct SPluginRecord
     std::string vendor, version, apiVersion;
     std::map<std::string, std::string> translators; // name -> pixmap
     std::set<std::string> commands;
+    std::map<std::string, MCreatorFunction> creators; // translators and commands by name
     bool translatorOptionsGiven = false;
 };
 
