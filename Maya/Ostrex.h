@@ -131,6 +131,6 @@ class Ostrex : public MPxFileTranslator
 
 // The bare file name of a texture path: the text after the last "/" (a backslash is no separator).
 MString TextureFileName(const MString& path);
-// The extension of a lower-cased name, from its last "." (inclusive); empty when the only dot is
-// the first character or there is none.
+// The extension of a file name, lower-cased, from its last "." (inclusive); empty when the only dot
+// is the first character or there is none.
 std::string LowerCaseExtension(const char* name);

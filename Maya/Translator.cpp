@@ -32,6 +32,7 @@ bool FormatForPath(const char* path, EExportFormat& format)
     format = extension == ".cpp" ? eExportFormatSource : extension == ".h" ? eExportFormatHeader : eExportFormatBinary;
     return true;
 }
+
 // The output log window around an export started from Maya's File menu (not from a script).
 class CExportLogScope
 {
@@ -120,20 +121,19 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
             configPath = parts[1];
     }
 
-    if (configPath.length() > 0)
-        ReadExportConfig(m_options, configPath.asChar()); // a missing file keeps the options as they are
-    else if (!ShowExportOptions(m_options, launchedFromMel))
-        return MStatus(MStatus::kFailure);
-    CExportLogScope exportLog(configPath.length() == 0 && !launchedFromMel);
-    // The extension the user typed wins over the format that options carry from an earlier export.
-    EExportFormat format;
-    if (FormatForPath(fullPath.asChar(), format))
-        m_options.SetOption(COptionsData::eExpFormat, format);
-    m_options.m_sPath = fullPath.asChar();
-
     bool ok = false;
     try // nothing may escape into Maya
     {
+        if (configPath.length() > 0)
+            ReadExportConfig(m_options, configPath.asChar()); // a missing file keeps the options as they are
+        else if (!ShowExportOptions(m_options, launchedFromMel))
+            return MStatus(MStatus::kFailure);
+        CExportLogScope exportLog(configPath.length() == 0 && !launchedFromMel);
+        // The extension the user typed wins over the format that options carry from an earlier export.
+        EExportFormat format;
+        if (FormatForPath(fullPath.asChar(), format))
+            m_options.SetOption(COptionsData::eExpFormat, format);
+        m_options.m_sPath = fullPath.asChar();
         ok = Init() && DoConversion() && m_pTVO->Process(*m_pContent, m_options) && SaveFile(fullPath.asChar());
     }
     catch (const std::exception& e)
