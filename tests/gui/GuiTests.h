@@ -38,6 +38,7 @@ class CProfilesTest : public QObject
     void studioProfilesAreReadOnly();
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
+    void exportedProfileImportsAlike();
 };
 
 class CDialogTest : public QObject
@@ -47,6 +48,7 @@ class CDialogTest : public QObject
     void launchedFromScriptTakesStoredOptions();
     void cancelReturnsFalse();
     void exportStoresTheOptions();
+    void manualIsFoundBesideTheProgram();
 };
 
 class CScreenshotTest : public QObject

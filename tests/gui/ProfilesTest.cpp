@@ -126,3 +126,23 @@ void CProfilesTest::recentFilesMostRecentFirst()
     QCOMPARE(loaded.Files()[1], QString("/out/scene11.tvo"));
     QVERIFY(!loaded.Files().contains("/out/scene1.tvo"));
 }
+
+void CProfilesTest::exportedProfileImportsAlike()
+{
+    QTemporaryDir dir;
+    CProfilesWidget list;
+    COptionsData options = OptionsWithBoneLimit(21);
+    options.SetOption(O::eUsePostExportCL, true);
+    options.SetOption(O::eClPostTarget, CQMXTString("make"));
+    CProfileItem* saved = list.addItem("Console", options);
+    QVERIFY(list.exportFile(saved, dir.filePath("console.cfg")));
+    QVERIFY(!list.exportFile(saved, dir.filePath("missing/folder/console.cfg")));
+    CProfileItem* imported = list.importFile(dir.filePath("console.cfg"));
+    QVERIFY(imported);
+    QCOMPARE(imported->caption(), QString("console"));
+    QCOMPARE(list.m_sLastImportPath, dir.path());
+    // Everything but the switch that would run the command comes back.
+    options.SetOption(O::eUsePostExportCL, false);
+    QVERIFY(imported->getOptions() == options);
+    QVERIFY(!list.importFile(dir.filePath("absent.cfg")));
+}
