@@ -24,6 +24,8 @@ class COptionsWidgetTest : public QObject
     void primitiveTypeTable();
     void sortingMethodTable_data();
     void sortingMethodTable();
+    void controlsFollowTheirGoverningOption_data();
+    void controlsFollowTheirGoverningOption();
     void bit7HidesTheLastComponent();
     void alignmentFollowsTheLargestType();
     void droppedOptionsFileIsReadWithoutPostExportActions();
