@@ -41,6 +41,7 @@ class CProfilesTest : public QObject
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
     void exportedProfileImportsAlike();
+    void contextActionsEditOnlyUserProfiles();
 };
 
 class CDialogTest : public QObject
