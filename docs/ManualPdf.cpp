@@ -34,7 +34,6 @@ int main(int argc, char** argv)
     writer.setTitle("Ostrex User Manual");
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageMargins(QMarginsF(20, 20, 20, 20), QPageLayout::Millimeter);
-    document.setPageSize(QSizeF(writer.width(), writer.height()));
     document.print(&writer);
     return QFile::exists(QString::fromLocal8Bit(argv[1])) ? 0 : 1;
 }

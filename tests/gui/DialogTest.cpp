@@ -5,6 +5,9 @@
 #include <QtTest>
 
 #include "GuiPreferences.h"
+#include "ManualLocator.h"
+#include <QDir>
+#include <QTemporaryDir>
 #include "GuiTests.h"
 #include "OptionsWidget.h"
 #include "OptionsWindow.h"
@@ -74,4 +77,24 @@ void CDialogTest::exportStoresTheOptions()
     QVERIFY(DisplayOptionsDialog(next, 0, nullptr, true));
     QVERIFY(!next.GetOption(O::eAlignData));
     QCOMPARE(next.GetOption(O::eBoneLimit), 33u);
+    QVERIFY(GuiPreferences().KeyExists("Maya/Window/Geometry/Options"));
+    QVERIFY(GuiPreferences().KeyExists("Maya/Window/State/Options"));
+}
+
+void CDialogTest::manualIsFoundBesideTheProgram()
+{
+    QTemporaryDir root;
+    const QString program = root.filePath("a/b/bin");
+    QVERIFY(QDir().mkpath(program));
+    QVERIFY(FindManual(program).isEmpty());
+    QVERIFY(QDir().mkpath(root.filePath("a/Documentation")));
+    QFile markdown(root.filePath("a/Documentation/UserManual.md"));
+    QVERIFY(markdown.open(QIODevice::WriteOnly));
+    markdown.close();
+    QCOMPARE(FindManual(program), markdown.fileName());
+    QVERIFY(QDir().mkpath(root.filePath("Documentation")));
+    QFile pdf(root.filePath("Documentation/Ostrex.User Manual.pdf"));
+    QVERIFY(pdf.open(QIODevice::WriteOnly));
+    pdf.close();
+    QCOMPARE(FindManual(program), pdf.fileName());
 }

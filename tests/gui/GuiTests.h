@@ -24,6 +24,8 @@ class COptionsWidgetTest : public QObject
     void primitiveTypeTable();
     void sortingMethodTable_data();
     void sortingMethodTable();
+    void controlsFollowTheirGoverningOption_data();
+    void controlsFollowTheirGoverningOption();
     void bit7HidesTheLastComponent();
     void alignmentFollowsTheLargestType();
     void droppedOptionsFileIsReadWithoutPostExportActions();
@@ -38,6 +40,8 @@ class CProfilesTest : public QObject
     void studioProfilesAreReadOnly();
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
+    void exportedProfileImportsAlike();
+    void contextActionsEditOnlyUserProfiles();
 };
 
 class CDialogTest : public QObject
@@ -47,6 +51,7 @@ class CDialogTest : public QObject
     void launchedFromScriptTakesStoredOptions();
     void cancelReturnsFalse();
     void exportStoresTheOptions();
+    void manualIsFoundBesideTheProgram();
 };
 
 class CScreenshotTest : public QObject

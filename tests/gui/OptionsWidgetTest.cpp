@@ -163,6 +163,50 @@ void COptionsWidgetTest::sortingMethodTable()
     QCOMPARE(static_cast<int>(options.GetOption(O::eTriSort)), triSort);
 }
 
+namespace
+{
+QWidget* FindControl(const COptionsWidget& widget, const char* property, int index)
+{
+    for (QWidget* control : widget.optionControls())
+        if (control->property(property).isValid() && control->property(property).toInt() == index)
+            return control;
+    return nullptr;
+}
+} // namespace
+
+void COptionsWidgetTest::controlsFollowTheirGoverningOption_data()
+{
+    QTest::addColumn<int>("governing");
+    QTest::addColumn<QByteArray>("property"); // empty: a vertex-format row
+    QTest::addColumn<int>("index");
+    QTest::newRow("vertex splitting") << int(O::eTangentSpace) << QByteArray("float_option_enum") << 0;
+    QTest::newRow("tangent UVW set") << int(O::eTangentSpace) << QByteArray("int_option_enum") << int(O::eTSUseUVW);
+    QTest::newRow("tangent row") << int(O::eTangentSpace) << QByteArray() << int(O::eVcOptTan);
+    QTest::newRow("palette size") << int(O::eExportSkin) << QByteArray("int_option_enum") << int(O::eBoneLimit);
+    QTest::newRow("bone weights row") << int(O::eExportSkin) << QByteArray() << int(O::eVcOptBoneWt);
+    QTest::newRow("UVW 3 row") << int(O::eExportMappingChannels) << QByteArray() << int(O::eVcOptUVW3);
+    QTest::newRow("animation index") << int(O::eExportAnimations) << QByteArray("bool_option_enum")
+                                     << int(O::eIndexAnimations);
+    QTest::newRow("sort vertices") << int(O::eUseCustomOptSettings) << QByteArray("bool_option_enum")
+                                   << int(O::eSortVertices);
+}
+
+void COptionsWidgetTest::controlsFollowTheirGoverningOption()
+{
+    QFETCH(int, governing);
+    QFETCH(QByteArray, property);
+    QFETCH(int, index);
+    COptions options;
+    options.SetOption(static_cast<O::EBools>(governing), false);
+    COptionsWidget widget;
+    widget.Init(options);
+    QWidget* governed = property.isEmpty() ? widget.vectorRows()[index] : FindControl(widget, property, index);
+    QVERIFY(governed);
+    QVERIFY(!governed->isEnabled());
+    qobject_cast<QCheckBox*>(FindControl(widget, "bool_option_enum", governing))->click();
+    QVERIFY(governed->isEnabled());
+}
+
 void COptionsWidgetTest::bit7HidesTheLastComponent()
 {
     COptions options;

@@ -1,4 +1,7 @@
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include "GuiTests.h"
@@ -125,4 +128,71 @@ void CProfilesTest::recentFilesMostRecentFirst()
     QCOMPARE(loaded.Files().count("/out/scene5.tvo"), 1);
     QCOMPARE(loaded.Files()[1], QString("/out/scene11.tvo"));
     QVERIFY(!loaded.Files().contains("/out/scene1.tvo"));
+}
+
+void CProfilesTest::exportedProfileImportsAlike()
+{
+    QTemporaryDir dir;
+    CProfilesWidget list;
+    COptionsData options = OptionsWithBoneLimit(21);
+    options.SetOption(O::eUsePostExportCL, true);
+    options.SetOption(O::eClPostTarget, CQMXTString("make"));
+    CProfileItem* saved = list.addItem("Console", options);
+    QVERIFY(list.exportFile(saved, dir.filePath("console.cfg")));
+    QVERIFY(!list.exportFile(saved, dir.filePath("missing/folder/console.cfg")));
+    CProfileItem* imported = list.importFile(dir.filePath("console.cfg"));
+    QVERIFY(imported);
+    QCOMPARE(imported->caption(), QString("console"));
+    QCOMPARE(list.m_sLastImportPath, dir.path());
+    // Everything but the switch that would run the command comes back.
+    options.SetOption(O::eUsePostExportCL, false);
+    QVERIFY(imported->getOptions() == options);
+    QVERIFY(!list.importFile(dir.filePath("absent.cfg")));
+}
+
+namespace
+{
+// Answers the name dialog with a fixed name.
+class CNamedProfiles : public CProfilesWidget
+{
+  protected:
+    QString getNewProfileName(const QString&) override { return "Named: 1"; }
+};
+
+// Answers the next confirmation box with the given button.
+void AnswerConfirmation(QMessageBox::StandardButton answer)
+{
+    QTimer::singleShot(0, [answer] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            box->button(answer)->click();
+    });
+}
+} // namespace
+
+void CProfilesTest::contextActionsEditOnlyUserProfiles()
+{
+    CNamedProfiles list;
+    list.updateCurrentOptions(OptionsWithBoneLimit(50));
+    list.saveCurrentProfile();
+    CProfileItem* saved = list.findProfile("Named: 1");
+    QVERIFY(saved);
+    QCOMPARE(saved->getOptions().GetOption(O::eBoneLimit), 50u);
+    QCOMPARE(list.currentOptionsItem()->text(), QString("[Current] - Named: 1"));
+
+    list.setCurrentItem(list.defaultOptionsItem());
+    list.renameProfile();
+    AnswerConfirmation(QMessageBox::Yes);
+    list.deleteCurrentItem();
+    QCoreApplication::processEvents(); // a box that was never shown gets no answer
+    QCOMPARE(list.defaultOptionsItem()->text(), QString("Default Settings"));
+    QCOMPARE(list.count(), 3);
+
+    list.setCurrentItem(saved);
+    AnswerConfirmation(QMessageBox::No);
+    list.deleteCurrentItem();
+    QCOMPARE(list.count(), 3);
+    AnswerConfirmation(QMessageBox::Yes);
+    list.deleteCurrentItem();
+    QCOMPARE(list.count(), 2);
+    QCOMPARE(list.currentOptionsItem()->text(), QString("[Current]"));
 }

@@ -1,6 +1,8 @@
 #include <QApplication>
 
+#include "GuiPreferences.h"
 #include "Output.h"
+#include "QMXPreferences.h"
 
 namespace
 {
@@ -8,6 +10,7 @@ namespace
 int g_argc = 1;
 char g_szProgram[] = "Ostrex - Output dlg";
 char* g_argvDefault[] = {g_szProgram, nullptr};
+const char* const kLayoutSuffix = "Output";
 } // namespace
 
 CDlgOutput& CDlgOutput::Instance()
@@ -73,6 +76,7 @@ bool CDlgOutput::Show(const char* title)
     {
         m_pWindow = new Output(caption);
         m_pWindow->setAttribute(Qt::WA_DeleteOnClose, false);
+        m_pWindow->loadLayout(GuiPreferences(), kLayoutSuffix);
         for (const auto& [text, type] : m_pending)
             m_pWindow->Log(text.c_str(), type);
         m_pending.clear();
@@ -116,7 +120,11 @@ void CDlgOutput::HandleEvents()
 void CDlgOutput::Close()
 {
     if (m_pWindow)
+    {
+        m_pWindow->saveLayout(GuiPreferences(), kLayoutSuffix);
+        GuiPreferences().Save();
         m_pWindow->close();
+    }
 }
 
 bool CDlgOutput::IsOpen() const
@@ -149,5 +157,9 @@ void CDlgOutput::OnProgress(int percent, const std::string& text)
     if (m_pPreviousSink)
         m_pPreviousSink->OnProgress(percent, text);
     if (m_nRefCount > 0)
+    {
         ProgressUpdate(percent, text.c_str());
+        // Exports run on the thread that draws the window: let it repaint at every step.
+        HandleEvents();
+    }
 }

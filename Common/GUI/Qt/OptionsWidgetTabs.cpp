@@ -260,7 +260,7 @@ QWidget* COptionsWidget::buildTransformationsTab()
     connect(m_pCoordSystem, qOverload<int>(&QComboBox::activated), this, &COptionsWidget::onCSSelected);
     grid->addWidget(new QLabel(Text(S::eStrCoordSystem)), 6, 0);
     grid->addWidget(m_pCoordSystem, 6, 1);
-    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(2, 1);
 
     auto* layout = new QVBoxLayout;
     layout->addWidget(animation);

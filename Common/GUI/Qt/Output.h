@@ -4,9 +4,11 @@
 // CDlgOutput is the process-wide owner of the window (Output, whose central widget is a
 // COutputWidget). While its reference count is above 0 it is the installed message sink: Log's
 // levels 0..3 appear in the colours of OutputHtml.h (other levels print nothing), progress steps
-// move the bar and add a black line. Messages said before the window is shown are kept (up to
-// kMaxPendingMessages) and appear when it opens. The previous sink, if any, still gets everything.
+// move the bar, add a black line and let Qt repaint (HandleEvents). Messages said before the window
+// is shown are kept (up to kMaxPendingMessages) and appear when it opens. The previous sink, if any,
+// still gets everything.
 //
+// The window's layout is kept in the shared preferences under the suffix "Output".
 // Typical host use around one export:
 //   CDlgOutput& out = CDlgOutput::Instance();
 //   out.AddRef(); out.Show("Ostrex"); ... Log(...) / ProgressUpdate(...) / out.HandleEvents() ...
