@@ -134,6 +134,8 @@ TEST_F(MayaPluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
     AddCube("box");
     EXPECT_EQ(Mel({m_dir / "a.tvo", m_dir / "missing options.txt"}), MStatus::kSuccess);
     EXPECT_EQ(FakeOptionsWindow().calls, 0);
+    const std::vector<std::string>& editor = Scene().infoLog; // what Maya's script editor shows
+    EXPECT_NE(std::find(editor.begin(), editor.end(), "Export stage 1"), editor.end());
     CReadBack back(m_dir / "a.tvo");
     ASSERT_TRUE(back.ok);
     EXPECT_EQ(back.model.nNumMesh, 1u);
@@ -150,6 +152,8 @@ TEST_F(MayaPluginTest, ExportActiveExportsTheSelectionAndAnyOtherWordTheScene)
         CReadBack back(m_dir / "s.tvo");
         EXPECT_TRUE(back.Node("picked"));
         EXPECT_EQ(back.Node("other") != nullptr, std::string(word) != "exportActive") << word;
+        EXPECT_EQ(Scene().infoLog.at(0), "picked"); // the selection is listed first
+        Scene().infoLog.clear();
     }
 }
 
