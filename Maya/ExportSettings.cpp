@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include "Log.h"
+#include "OptionsRules.h"
 #include "QMXPreferences.h"
 
 const char* const kMayaPreferencesName = "Ostrex";
@@ -35,25 +37,28 @@ bool IsEmbeddedOptionsFile(const char* path)
     return e == "tvo" || e == "h" || e == "cpp";
 }
 
-void DropHostActions(COptions& options)
+bool KeepUserScriptOf(const COptionsData& before, COptionsData& options)
 {
-    options.SetOption(COptionsData::eUsePostExportCL, false);
-    options.SetOption(COptionsData::eClPostTarget, CQMXTString(""));
-    options.SetOption(COptionsData::eClPostArgs, CQMXTString(""));
-    options.SetOption(COptionsData::eDisplayInDravik, false);
-    options.SetOption(COptionsData::eExportUserData, false);
-    options.SetOption(COptionsData::eScriptFile, CQMXTString(""));
+    const bool runs = options.GetOption(COptionsData::eExportUserData) && !options.GetOption(COptionsData::eScriptFile).empty();
+    const bool changed = options.GetOption(COptionsData::eExportUserData) != before.GetOption(COptionsData::eExportUserData) ||
+                         options.GetOption(COptionsData::eScriptFile) != before.GetOption(COptionsData::eScriptFile);
+    options.SetOption(COptionsData::eExportUserData, before.GetOption(COptionsData::eExportUserData));
+    options.SetOption(COptionsData::eScriptFile, before.GetOption(COptionsData::eScriptFile));
+    return changed && runs;
 }
 
 int ReadExportConfig(COptions& options, const char* path)
 {
-    COptions read(options);
-    const int count = read.ReadConfig(path);
-    if (count == 0)
-        return 0;
-    if (IsEmbeddedOptionsFile(path))
-        DropHostActions(read);
-    options = read;
+    const COptions before = options;
+    const int count = options.ReadConfig(path);
+    if (count == 0 || !IsEmbeddedOptionsFile(path))
+        return count;
+    const bool launches = KeepProgramLaunchesOf(before, options);
+    if (KeepUserScriptOf(before, options) || launches)
+        Log(eLogWarning,
+            "Warning: '%s' carries a post-export command, viewer launch or user-data script, which was not run; "
+            "name an options text file to run them.",
+            path);
     return count;
 }
 

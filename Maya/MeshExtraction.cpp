@@ -16,6 +16,7 @@
 
 #include "Log.h"
 #include "MeshWalk.h"
+#include "OptionsRules.h"
 
 namespace
 {
@@ -105,14 +106,15 @@ MStringArray UsedUVSets(MFnMesh& mesh)
 
 int Ostrex::ConvertMesh(MFnMesh& mesh, MFnTransform& transform, int parentIndex)
 {
-    const MStringArray uvSets = m_options.GetOption(COptionsData::eExportMappingChannels) ? UsedUVSets(mesh) : MStringArray();
-    bool normals = m_options.GetOption(COptionsData::eVcOptNor, CVectorOpt::eExport);
+    const SExtractedStreams streams = ExtractedStreams(m_options);
+    const MStringArray uvSets = streams.mappingChannels ? UsedUVSets(mesh) : MStringArray();
+    bool normals = streams.normals;
     if (normals)
     {
         MFloatVectorArray all;
         normals = mesh.getNormals(all, MSpace::kObject) == MStatus::kSuccess && all.length() > 0;
     }
-    bool colours = m_options.GetOption(COptionsData::eVcOptCol, CVectorOpt::eExport);
+    bool colours = streams.colours;
     if (colours)
     {
         MColorArray all;
@@ -129,7 +131,7 @@ int Ostrex::ConvertMesh(MFnMesh& mesh, MFnTransform& transform, int parentIndex)
     node.name = transform.name().asChar();
     CopyTransform(node.tm, transform, MSpace::kObject, false);
 
-    const bool materials = m_options.GetOption(COptionsData::eExportMaterials);
+    const bool materials = streams.materials;
     CMeshCorners corners(node.geom, uvSets, normals, colours,
                          [&](const MObject& set) { return materials ? GetMaterialID(set) : -1; });
     if (!WalkMeshCorners(mesh, corners))

@@ -11,6 +11,7 @@
 #include "BoneWeights.h"
 #include "Log.h"
 #include "MeshWalk.h"
+#include "OptionsRules.h"
 #include "SkinWeights.h"
 
 namespace
@@ -43,7 +44,7 @@ class CSkinCorners : public IMeshCornerVisitor
 
 MStatus Ostrex::ConvertSkin(MFnSkinCluster& skin)
 {
-    if (!m_options.GetOption(COptionsData::eExportSkin))
+    if (!ExtractedStreams(m_options).skins)
         return MStatus(MStatus::kSuccess);
     // A missing mesh or joint ends the whole cluster.
     for (unsigned int i = 0; i < skin.numOutputConnections(); ++i)

@@ -11,6 +11,7 @@
 #include "HostLog.h"
 #include "HostWindows.h"
 #include "Log.h"
+#include "OptionsRules.h"
 #include "TVO.h"
 
 namespace
@@ -134,6 +135,12 @@ MStatus Ostrex::writer(const MFileObject& file, const MString& optionsString, Fi
         if (FormatForPath(fullPath.asChar(), format))
             m_options.SetOption(COptionsData::eExpFormat, format);
         m_options.m_sPath = fullPath.asChar();
+        std::string error;
+        if (!CheckExportOptions(m_options, error))
+        {
+            Log(eLogError, "Error: %s", error.c_str());
+            return MStatus(MStatus::kFailure);
+        }
         ok = Init() && DoConversion() && m_pTVO->Process(*m_pContent, m_options) && SaveFile(fullPath.asChar());
     }
     catch (const std::exception& e)

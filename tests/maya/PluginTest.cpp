@@ -141,6 +141,17 @@ TEST_F(MayaPluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
     EXPECT_EQ(back.model.nNumMesh, 1u);
 }
 
+TEST_F(MayaPluginTest, OptionsThatCannotMakeAFileAreRefusedBeforeAnyWork)
+{
+    AddCube("box");
+    EXPECT_NE(Export("sVcOptPos.bExport=0"), MStatus::kSuccess);
+    EXPECT_FALSE(std::filesystem::exists(m_dir / "out.tvo"));
+    ASSERT_FALSE(m_log.entries.empty());
+    EXPECT_EQ(m_log.entries.back().level, eLogError);
+    EXPECT_NE(m_log.entries.back().text.find("sVcOptPos"), std::string::npos);
+    EXPECT_TRUE(Scene().commandLog.empty()); // not even the time was touched
+}
+
 TEST_F(MayaPluginTest, ExportActiveExportsTheSelectionAndAnyOtherWordTheScene)
 {
     Scene().selection = {AddCube("picked")};
@@ -176,6 +187,9 @@ TEST_F(MayaPluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUser
         ASSERT_EQ(Mel({m_dir / "second.tvo", m_dir / embedded}), MStatus::kSuccess);
         EXPECT_TRUE(g_shellCommands.empty()) << embedded;
         EXPECT_EQ(std::count(Scene().commandLog.begin(), Scene().commandLog.end(), "source " + script), 0) << embedded;
+        EXPECT_EQ(m_log.Count("Warning: '" + m_dir / embedded + "' carries a post-export command, viewer launch or "
+                              "user-data script, which was not run; name an options text file to run them."),
+                  1);
     }
     SetPostExportShell(previous);
 }
