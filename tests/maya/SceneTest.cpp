@@ -278,6 +278,14 @@ TEST_F(MayaSceneTest, AnimationIsSampledOverTheRangeAndTheSceneIsLeftAsItWas)
     EXPECT_EQ(Scene().selection, std::vector<int>{box});
     for (const std::string& command : Scene().commandLog)
         EXPECT_EQ(command.rfind("currentTime ", 0), 0u) << command;
+
+    Scene().minFrame = 1;
+    Scene().maxFrame = 24;
+    ASSERT_EQ(Export("bExportAnimations=1", "film.tvo"), MStatus::kSuccess);
+    EXPECT_EQ(CReadBack(m_dir / "film.tvo").model.nFPS, 25u); // 24 film frames: the +1 of the format
+    Scene().minFrame = Scene().maxFrame = 0;
+    ASSERT_EQ(Export("bExportAnimations=1", "still.tvo"), MStatus::kSuccess);
+    EXPECT_EQ(Content().nodes.at(0).frames.size(), 1u); // a still scene keeps its one sample, unpadded
 }
 
 TEST_F(MayaSceneTest, UserDataOfEveryResultType)
