@@ -188,6 +188,27 @@ void LightsCamerasText(CText& t, const CQMXTModelTVO& s)
 }
 } // namespace
 
+namespace
+{
+bool ReadText(const void* data, uint32_t size, bool history, std::string& text)
+{
+    std::vector<char> buffer(static_cast<size_t>(size) + 1, 0);
+    CQMXTModelTVO reader;
+    const int result = history ? reader.ReadFromMemory(data, size, nullptr, 0, buffer.data(), size)
+                               : reader.ReadFromMemory(data, size, buffer.data(), size);
+    if (result != 0)
+        return false;
+    text.assign(buffer.data());
+    return true;
+}
+} // namespace
+
+void TVOReadFileTexts(const void* data, uint32_t size, STVOFileFacts& facts)
+{
+    facts.bHasOptions = ReadText(data, size, false, facts.sOptions);
+    facts.bHasHistory = ReadText(data, size, true, facts.sHistory);
+}
+
 const char* TVONodeKind(const STVOScene& s, uint32_t i)
 {
     const uint64_t lights = static_cast<uint64_t>(s.nNumMeshNode) + s.nNumLight;

@@ -14,6 +14,10 @@ struct STVOFileFacts
     std::string sOptions, sHistory;
 };
 
+// Fills the options and history texts (and whether each is there) from the bytes of a whole file;
+// each is read on its own, so the other's absence does not matter.
+void TVOReadFileTexts(const void* data, uint32_t size, STVOFileFacts& facts);
+
 // Scene counts, frames, then per node, mesh (with its streams), material, texture, light and camera
 // one line each (streams indented under their mesh), then the count of option lines and the history text.
 std::string TVOSummaryText(const CQMXTModelTVO& scene, const STVOFileFacts& facts);

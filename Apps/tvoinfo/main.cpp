@@ -42,19 +42,6 @@ int Invalid(const char* path, const std::string& why)
     return 1;
 }
 
-// One of the two texts, read on its own so the other's absence does not matter.
-bool ReadText(const CQMXTResourceFile& file, bool history, std::string& text)
-{
-    std::vector<char> buffer(static_cast<size_t>(file.Size()) + 1, 0);
-    CQMXTModelTVO reader;
-    const int result =
-        history ? reader.ReadFromMemory(file.DataPtr(), file.Size(), nullptr, 0, buffer.data(), file.Size())
-                : reader.ReadFromMemory(file.DataPtr(), file.Size(), buffer.data(), file.Size());
-    if (result != 0)
-        return false;
-    text.assign(buffer.data());
-    return true;
-}
 } // namespace
 
 int main(int argc, char** argv)
@@ -103,8 +90,7 @@ int main(int argc, char** argv)
     STVOFileFacts facts;
     facts.sPath = path;
     facts.nSize = file.Size();
-    facts.bHasOptions = ReadText(file, false, facts.sOptions);
-    facts.bHasHistory = ReadText(file, true, facts.sHistory);
+    TVOReadFileTexts(file.DataPtr(), file.Size(), facts);
     if (mode == eOptions)
     {
         if (!facts.bHasOptions)

@@ -1,0 +1,267 @@
+// tvoview run headless on exported scenes: what it draws (pixels), and how it refuses bad files.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <algorithm>
+#include <fstream>
+
+#include "QMXTModelTVO.h"
+#include "SceneFixtures.h"
+#include "ViewScenes.h"
+
+namespace
+{
+class TVOView : public ::testing::Test
+{
+  protected:
+    CTempDir dir;
+};
+
+struct SCubeVariant
+{
+    const char* name;
+    EPrimType primitive;
+    bool indexed, interleaved;
+    EQMXTDataType positions, normals;
+};
+
+SContent Cube()
+{
+    SContent content;
+    content.AddNode(MeshNode("Cube", CubeGeometry()));
+    content.materials = {GreyMaterial()};
+    return content;
+}
+
+// Options of the form to export; the model read back must have it.
+void ExportCube(const SCubeVariant& v, const std::string& path)
+{
+    COptions options;
+    options.SetOption(COptionsData::ePrimType, v.primitive);
+    options.SetOption(COptionsData::eIndexed, v.indexed);
+    options.SetOption(COptionsData::eInterleaved, v.interleaved);
+    options.SetOption(COptionsData::eUnpackMatrix, v.positions != EQMXTDataFloat);
+    options.SetOption(COptionsData::eVcOptPos, CVectorOpt::eDataType, v.positions);
+    options.SetOption(COptionsData::eVcOptNor, CVectorOpt::eDataType, v.normals);
+    options.HandleOptimisations(); // strips want the strip triangle order, as the options window sets it
+    ASSERT_TRUE(ExportScene(Cube(), options, path));
+    CQMXTModelTVO model;
+    ASSERT_EQ(model.ReadFromFile(path.c_str()), 0);
+    const STVOMesh& m = model.pMesh[0];
+    EXPECT_EQ(m.nNumStrips, v.primitive == ePrimTriangleStrips ? 6u : 0u) << v.name; // two triangles a side
+    EXPECT_EQ(m.sFaces.pData != nullptr, v.indexed) << v.name;
+    EXPECT_EQ(m.pInterleaved != nullptr, v.interleaved) << v.name;
+    EXPECT_EQ(m.sVertex.eType, v.positions) << v.name;
+    EXPECT_EQ(m.sNormals.eType, v.normals) << v.name;
+}
+
+// Mean absolute difference of the colour channels of two images of one size.
+double MeanDifference(const QImage& a, const QImage& b)
+{
+    double sum = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+        {
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            sum +=
+                std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q));
+        }
+    return sum / (3.0 * a.width() * a.height());
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+} // namespace
+
+TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
+{
+    const SCubeVariant variants[] = {
+        {"float list", ePrimTriangleList, false, false, EQMXTDataFloat, EQMXTDataFloat},
+        {"indexed list", ePrimTriangleList, true, true, EQMXTDataFloat, EQMXTDataShortNorm},
+        {"strips", ePrimTriangleStrips, false, false, EQMXTDataFloat, EQMXTDataDEC3N},
+        {"indexed strips", ePrimTriangleStrips, true, true, EQMXTDataFloat, EQMXTDataByteNorm},
+        {"byte positions", ePrimTriangleList, true, false, EQMXTDataByte, EQMXTDataFloat},
+        {"short positions interleaved strips", ePrimTriangleStrips, true, true, EQMXTDataShort,
+         EQMXTDataFixed16_16},
+        {"fixed positions", ePrimTriangleList, true, false, EQMXTDataFixed16_16, EQMXTDataFloat},
+        {"unsigned short normalised positions", ePrimTriangleStrips, false, true, EQMXTDataUnsignedShortNorm,
+         EQMXTDataFloat},
+        {"int positions", ePrimTriangleList, false, true, EQMXTDataInt, EQMXTDataFloat},
+        {"unsigned byte normalised positions", ePrimTriangleStrips, true, false, EQMXTDataUnsignedByteNorm,
+         EQMXTDataFloat},
+    };
+    SCoverage reference;
+    QImage first;
+    for (const SCubeVariant& v : variants)
+    {
+        const std::string file = dir / (std::string(v.name) + ".tvo");
+        ExportCube(v, file);
+        const SShot shot = Screenshot(file, dir / "cube.png", {"--size", "200x200"});
+        ASSERT_EQ(shot.nExit, 0) << v.name << ": " << shot.sErrors;
+        const SCoverage c = Coverage(shot.image);
+        if (&v == variants)
+        {
+            reference = c;
+            first = shot.image;
+            ASSERT_GT(c.nPixels, 200 * 200 / 10); // the cube fills a good part of the frame
+            continue;
+        }
+        EXPECT_NEAR(c.nPixels, reference.nPixels, reference.nPixels / 100) << v.name;
+        EXPECT_NEAR(c.nLeft, reference.nLeft, 1) << v.name;
+        EXPECT_NEAR(c.nRight, reference.nRight, 1) << v.name;
+        EXPECT_NEAR(c.nTop, reference.nTop, 1) << v.name;
+        EXPECT_NEAR(c.nBottom, reference.nBottom, 1) << v.name;
+        // The same shading too: a triangle left out shows the back of the cube through the hole.
+        EXPECT_LT(MeanDifference(shot.image, first), 1.5) << v.name;
+    }
+}
+
+// Packed colours reach a GLES 2 GPU as four bytes in file order, which the builder's ARGB packing
+// (and D3DCOLOR, the same packing) keeps as red, green, blue, alpha.
+TEST_F(TVOView, PackedVertexColoursDrawTheirColour)
+{
+    SContent content = Cube();
+    SGeomData& g = content.nodes[0].geom;
+    g.colours = {{1.0f, 0.1f, 0.0f, 1.0f}};
+    for (SFace& f : g.faces)
+        f.colour[0] = f.colour[1] = f.colour[2] = 0;
+    for (EQMXTDataType type : {EQMXTDataARGB, EQMXTDataD3DCOLOR})
+    {
+        COptions options;
+        options.SetOption(COptionsData::eVcOptCol, CVectorOpt(true, type, 0x0f));
+        ASSERT_TRUE(ExportScene(content, options, dir / "colour.tvo"));
+        const SShot shot = Screenshot(dir / "colour.tvo", dir / "colour.png", {"--size", "64x64"});
+        ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
+        const QRgb centre = shot.image.pixel(32, 32);
+        EXPECT_GT(qRed(centre), 60) << QMXTModelTVODataTypeName(type);
+        EXPECT_LT(qGreen(centre) * 4, qRed(centre)) << QMXTModelTVODataTypeName(type);
+        EXPECT_LT(qBlue(centre) * 4, qRed(centre)) << QMXTModelTVODataTypeName(type);
+    }
+}
+
+TEST_F(TVOView, FileCameraPutsAKnownPointAtItsPixel)
+{
+    SContent content;
+    CNode marker = MeshNode("Marker", CubeGeometry(0, 0, 0.1f));
+    marker.tm.pos[0] = -1.0f, marker.tm.pos[1] = 1.5f;
+    content.AddNode(marker);
+    content.AddNode(TestCamera(0.5f, 0.5f));
+    content.materials = {GreyMaterial()};
+    COptions options;
+    ASSERT_TRUE(ExportScene(content, options, dir / "camera.tvo"));
+    const SShot shot =
+        Screenshot(dir / "camera.tvo", dir / "camera.png", {"--camera", "Cam", "--size", "300x300"});
+    ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
+    const SCoverage c = Coverage(shot.image);
+    ASSERT_GT(c.nPixels, 4);
+    float px, py;
+    ProjectTest(0.5f, 0.5f, -1.0f, 1.5f, 0.0f, 300, px, py);
+    EXPECT_NEAR(c.fCentreX, px, 2.0);
+    EXPECT_NEAR(c.fCentreY, py, 2.0);
+
+    const SShot unknown = Screenshot(dir / "camera.tvo", dir / "none.png", {"--camera", "Nobody"});
+    EXPECT_EQ(unknown.nExit, 1);
+    EXPECT_NE(unknown.sErrors.find("no camera named 'Nobody' (cameras: Cam)"), std::string::npos);
+}
+
+TEST_F(TVOView, SkinnedBarBendsWhereTheJointPutsIt)
+{
+    SContent content = SkinnedBar();
+    content.AddNode(TestCamera(1.0f, 0.5f));
+    COptions options;
+    options.SetOption(COptionsData::eExportAnimations, true);
+    options.SetOption(COptionsData::eExportSkin, true);
+    options.SetOption(COptionsData::eBoneLimit, 2u);
+    ASSERT_TRUE(ExportScene(content, options, dir / "bar.tvo"));
+    const int size = 240;
+    // Points on the second half straight (frame 0), on both sides of its middle line once bent up
+    // about the joint at x = 1 (frame 1), and on the first half (always).
+    const float points[4][2] = {{1.7f, 0.0f}, {0.95f, 0.85f}, {1.05f, 0.85f}, {0.3f, 0.0f}};
+    float px[4], py[4];
+    for (int i = 0; i < 4; ++i)
+        ProjectTest(1.0f, 0.5f, points[i][0], points[i][1], 0.0f, size, px[i], py[i]);
+    for (int frame = 0; frame < 2; ++frame)
+    {
+        const SShot shot =
+            Screenshot(dir / "bar.tvo", dir / "bar.png",
+                       {"--camera", "Cam", "--frame", std::to_string(frame), "--size", "240x240"});
+        ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
+        EXPECT_EQ(Covered(shot.image, px[0], py[0]), frame == 0) << "frame " << frame;
+        EXPECT_EQ(Covered(shot.image, px[1], py[1]), frame == 1) << "frame " << frame;
+        EXPECT_EQ(Covered(shot.image, px[2], py[2]), frame == 1) << "frame " << frame;
+        EXPECT_TRUE(Covered(shot.image, px[3], py[3])) << "frame " << frame;
+    }
+}
+
+TEST_F(TVOView, MissingTextureIsDrawnAsACheckerWithAWarning)
+{
+    SContent content = Cube();
+    content.materials[0].textures[0] = "nothere.png";
+    COptions options;
+    ASSERT_TRUE(ExportScene(content, options, dir / "textured.tvo"));
+    const SShot shot = Screenshot(dir / "textured.tvo", dir / "textured.png", {"--size", "128x128"});
+    ASSERT_EQ(shot.nExit, 0) << shot.sErrors;
+    EXPECT_NE(shot.sErrors.find("warning: texture 'nothere.png' cannot be read"), std::string::npos)
+        << shot.sErrors;
+    int magenta = 0;
+    for (int y = 0; y < shot.image.height(); ++y)
+        for (int x = 0; x < shot.image.width(); ++x)
+        {
+            const QRgb c = shot.image.pixel(x, y);
+            magenta += qRed(c) > 2 * qGreen(c) + 40 && qBlue(c) > 2 * qGreen(c) + 40;
+        }
+    EXPECT_GT(magenta, 100);
+}
+
+// Files that must be refused, and a machine without EGL: one line, exit status 1, no image written.
+TEST_F(TVOView, BadFilesAndNoContextAreRefusedWithOneLine)
+{
+    COptions options;
+    options.SetOption(COptionsData::eExportAnimations, true);
+    options.SetOption(COptionsData::eExportSkin, true);
+    options.SetOption(COptionsData::eBoneLimit, 2u);
+    options.SetOption(COptionsData::eInterleaved, false);
+    options.SetOption(COptionsData::eVcOptBoneInd, CVectorOpt::eDataType, EQMXTDataUnsignedByte);
+    ASSERT_TRUE(ExportScene(SkinnedBar(), options, dir / "good.tvo"));
+    const std::string good = ReadAll(dir / "good.tvo");
+    WriteBytes(dir / "truncated.tvo", good.substr(0, good.size() / 2));
+
+    CQMXTModelTVO model;
+    ASSERT_EQ(model.ReadFromFile((dir / "good.tvo").c_str()), 0);
+    STVOMesh& mesh = model.pMesh[0];
+    ASSERT_EQ(mesh.sBoneIdx.eType, EQMXTDataUnsignedByte);
+    mesh.sBoneIdx.pData[0] = 7; // the batch holds fewer bones
+    ASSERT_EQ(model.SaveTVO((dir / "bone.tvo").c_str()), 0);
+    mesh.sBoneIdx.pData[0] = 0;
+    const int32_t parent = model.pNode[1].nIdxParent;
+    ASSERT_EQ(model.pNode[0].nIdxParent, parent);
+    model.pNode[0].nIdxParent = 1, model.pNode[1].nIdxParent = 0; // two nodes name each other
+    ASSERT_EQ(model.SaveTVO((dir / "loop.tvo").c_str()), 0);
+    model.pNode[0].nIdxParent = model.pNode[1].nIdxParent = parent;
+    ASSERT_EQ(mesh.sFaces.eType, EQMXTDataUnsignedShort);
+    reinterpret_cast<uint16_t*>(mesh.sFaces.pData)[4] = 999;
+    ASSERT_EQ(model.SaveTVO((dir / "index.tvo").c_str()), 0);
+
+    const std::pair<const char*, const char*> cases[] = {
+        {"truncated.tvo", ""},
+        {"bone.tvo", "vertex 0 uses bone 7 beyond the palette of"},
+        {"loop.tvo", "its parents form a loop"},
+        {"index.tvo", "index 999 at position 4 is not below the vertex count"},
+        {"absent.tvo", "cannot open the file"},
+        {"good.tvo", "no OpenGL ES context can be made"}, // EGL without its Mesa vendor library
+    };
+    for (const auto& c : cases)
+    {
+        const bool noEgl = std::string(c.first) == "good.tvo";
+        const std::vector<std::string> environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"};
+        const SShot shot =
+            Screenshot(dir / c.first, dir / "bad.png", {}, noEgl ? environment : std::vector<std::string>());
+        EXPECT_EQ(shot.nExit, 1) << c.first;
+        EXPECT_EQ(shot.sErrors.rfind("tvoview: " + dir / c.first + ": ", 0), 0u) << shot.sErrors;
+        EXPECT_EQ(std::count(shot.sErrors.begin(), shot.sErrors.end(), '\n'), 1) << shot.sErrors;
+        EXPECT_NE(shot.sErrors.find(c.second), std::string::npos) << shot.sErrors;
+        EXPECT_TRUE(shot.image.isNull()) << c.first;
+    }
+}
