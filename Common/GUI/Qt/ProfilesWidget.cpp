@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <vector>
@@ -75,6 +76,8 @@ void CProfileItem::setCaption(const QString& caption)
 void CProfileItem::setState(const QString& state)
 {
     setText(state.isEmpty() ? m_sCaption : m_sCaption + " - " + state);
+    if (m_eKind == eKindUser)
+        setToolTip(text());
 }
 
 CProfilesWidget::CProfilesWidget(QWidget* parent) : QListWidget(parent)
@@ -92,6 +95,9 @@ CProfilesWidget::CProfilesWidget(QWidget* parent) : QListWidget(parent)
     setContextMenuPolicy(Qt::CustomContextMenu);
     setDragDropMode(QAbstractItemView::InternalMove);
     setAcceptDrops(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextElideMode(Qt::ElideRight);
+    fitWidth();
     connect(this, &QListWidget::customContextMenuRequested, this, &CProfilesWidget::showContextMenu);
     connect(this, &QListWidget::itemDoubleClicked, this, &CProfilesWidget::useProfile);
 }
@@ -145,6 +151,19 @@ void CProfilesWidget::setCurrentProfileState(bool matching)
 {
     const CProfileItem* match = matching ? findMatchingProfile(m_pCurrent) : nullptr;
     m_pCurrent->setState(match ? match->caption() : QString());
+    fitWidth();
+}
+
+void CProfilesWidget::fitWidth()
+{
+    int widest = 0;
+    for (int i = 0; i < count(); ++i)
+    {
+        QFont itemFont = item(i)->font();
+        widest = std::max(widest, QFontMetrics(itemFont).horizontalAdvance(item(i)->text()));
+    }
+    const int chrome = 2 * frameWidth() + verticalScrollBar()->sizeHint().width() + 16;
+    setMinimumWidth(std::min(widest + chrome, kMaxWidth));
 }
 
 void CProfilesWidget::updateCurrentOptions(const COptionsData& options)

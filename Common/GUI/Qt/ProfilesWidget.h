@@ -101,6 +101,9 @@ class CProfilesWidget : public QListWidget
 
   private:
     CProfileItem* selectedProfile() const;
+    // Widens the list to show every caption whole, up to kMaxWidth; longer ones are elided.
+    void fitWidth();
+    static constexpr int kMaxWidth = 360;
     void removeProfiles(CProfileItem::EKind kind);
 
     CProfileItem* m_pCurrent;
