@@ -13,7 +13,50 @@ int SystemShell(const char* command)
 }
 
 PostExportShell g_pShell = SystemShell;
+std::string g_sDefaultViewer;
+
+// The path quoted for the shell, so that no character in it means anything to the shell.
+std::string ShellQuoted(const std::string& path)
+{
+    std::string quoted = "'";
+    for (char c : path)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
 } // namespace
+
+void SetDefaultViewer(const std::string& path)
+{
+    g_sDefaultViewer = path;
+}
+
+const std::string& DefaultViewer()
+{
+    return g_sDefaultViewer;
+}
+
+bool OpenInViewer(const std::string& path)
+{
+    if (g_sDefaultViewer.empty())
+    {
+        Log(eLogError, "Error: no viewer to open '%s' in.", path.c_str());
+        return false;
+    }
+    // In the background: the export is done and the viewer's window may stay open for long. The
+    // shell's status says whether the viewer exists; the viewer itself is not waited for.
+    const std::string viewer = ShellQuoted(g_sDefaultViewer);
+    const std::string command = "command -v " + viewer + " >/dev/null && { " + viewer + " " + ShellQuoted(path) +
+                                " >/dev/null 2>&1 & }";
+    if (g_pShell(command.c_str()) != 0)
+    {
+        Log(eLogError, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eFailedToOpenIn), path.c_str(),
+            g_sDefaultViewer.c_str());
+        return false;
+    }
+    Log(eLogInfo, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eOpeningIn), path.c_str(),
+        g_sDefaultViewer.c_str());
+    return true;
+}
 
 PostExportShell SetPostExportShell(PostExportShell shell)
 {
@@ -51,7 +94,9 @@ void RunPostExportActions(const SPostExportSettings& s)
     if (!command.empty() && g_pShell(command.c_str()) != 0)
         Log(eLogError, "%s", CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eUnablePostExport));
 
-    if (s.bDisplayInDravik && s.eExpFormat == 0 && !s.sPathToDravik.empty())
+    if (s.bDisplayInDravik && s.eExpFormat == 0 && s.sPathToDravik.empty() && !g_sDefaultViewer.empty())
+        OpenInViewer(s.sOutputPath);
+    else if (s.bDisplayInDravik && s.eExpFormat == 0 && !s.sPathToDravik.empty())
     {
         const int result = g_pShell(ViewerCommand(s).c_str());
         if (result == -1)

@@ -396,8 +396,14 @@ bool CTVOSceneEx::GenB()
         if (pLight[i].nIdxTarget != -1)
             pLight[i].nIdxTarget = ResolveSourceIndex(pLight[i].nIdxTarget);
     for (uint32_t i = 0; i < nNumNode; ++i)
+    {
         if (pNode[i].nIdxParent != -1)
             pNode[i].nIdxParent = ResolveSourceIndex(pNode[i].nIdxParent);
+        // A host may hand faces material ids that name no written material (materials switched
+        // off, or a bad id): a reader must never follow a node into a list it does not have.
+        if (pNode[i].nIdxMaterial < -1 || pNode[i].nIdxMaterial >= static_cast<int32_t>(nNumMaterial))
+            pNode[i].nIdxMaterial = -1;
+    }
     // Meshes get their batches in GenD, which resolves them as it makes them; any present now are
     // resolved here.
     for (uint32_t i = 0; i < nNumMesh; ++i)

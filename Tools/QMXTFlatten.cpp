@@ -288,6 +288,122 @@ bool FlattenMeshes(CQMXTModelTVO& src, CQMXTModelTVO& dst)
     }
     return true;
 }
+void FreeChannels(STVONode& node)
+{
+    for (uint32_t* idx : {node.pnAnimPositionIdx, node.pnAnimRotationIdx, node.pnAnimScaleIdx, node.pnAnimMatrixIdx})
+        std::free(idx);
+    for (float* keys : {node.pfAnimPosition, node.pfAnimRotation, node.pfAnimScale, node.pfAnimMatrix})
+        std::free(keys);
+    node.pnAnimPositionIdx = node.pnAnimRotationIdx = node.pnAnimScaleIdx = node.pnAnimMatrixIdx = nullptr;
+    node.pfAnimPosition = node.pfAnimRotation = node.pfAnimScale = node.pfAnimMatrix = nullptr;
+    node.nAnimationFlags = 0;
+}
+
+float* CopyOfFloats(const float* values, size_t count)
+{
+    float* copy = static_cast<float*>(std::malloc(count * sizeof(float)));
+    if (copy)
+        std::memcpy(copy, values, count * sizeof(float));
+    return copy;
+}
+
+// Replaces a node's transform channels by one matrix channel holding the keys (no index).
+bool SetMatrixKeys(STVONode& node, const std::vector<QMXTMATRIXf>& keys)
+{
+    float* values = static_cast<float*>(std::malloc(keys.size() * sizeof(QMXTMATRIXf)));
+    if (!values)
+        return false;
+    for (size_t k = 0; k < keys.size(); ++k)
+        std::memcpy(values + 16 * k, keys[k].f, sizeof(QMXTMATRIXf));
+    FreeChannels(node);
+    node.pfAnimMatrix = values;
+    node.nAnimationFlags = keys.size() > 1 ? eTVOHasMatrixAnimation : 0u;
+    return true;
+}
+
+// A static identity transform in the channels the node already uses: readers that expect position,
+// rotation and scale keys still find them.
+bool SetIdentity(STVONode& node)
+{
+    QMXTMATRIXf identity;
+    QMXTMatrixIdentityF(identity);
+    if (node.pfAnimMatrix || !node.pfAnimPosition)
+        return SetMatrixKeys(node, {identity});
+    // A scale key is the scale and the stretch quaternion (zeros when there is no stretch).
+    const float position[3] = {0, 0, 0}, rotation[4] = {0, 0, 0, 1}, scale[7] = {1, 1, 1, 0, 0, 0, 0};
+    float* p = CopyOfFloats(position, 3);
+    float* r = CopyOfFloats(rotation, 4);
+    float* sc = CopyOfFloats(scale, 7);
+    if (!p || !r || !sc)
+    {
+        std::free(p);
+        std::free(r);
+        std::free(sc);
+        return false;
+    }
+    FreeChannels(node);
+    node.pfAnimPosition = p;
+    node.pfAnimRotation = r;
+    node.pfAnimScale = sc;
+    return true;
+}
+
+bool IsMeshNode(const CQMXTModelTVO& scene, int32_t i)
+{
+    return i >= 0 && static_cast<uint32_t>(i) < scene.nNumMeshNode;
+}
+
+// The nearest ancestor of a node that is not a mesh node, -1 for none.
+int32_t KeptAncestor(const CQMXTModelTVO& scene, int32_t parent)
+{
+    for (uint32_t depth = 0; IsMeshNode(scene, parent) && depth <= scene.nNumNode; ++depth)
+        parent = scene.pNode[parent].nIdxParent;
+    return IsMeshNode(scene, parent) || parent >= static_cast<int32_t>(scene.nNumNode) ? -1 : parent;
+}
+
+// Hangs a node whose parent is a mesh node under its nearest ancestor that is not, with local keys
+// that give it the world transform it had at every frame.
+bool Rehang(CQMXTModelTVO& src, uint32_t i, STVONode& out)
+{
+    const int32_t kept = KeptAncestor(src, src.pNode[i].nIdxParent);
+    const uint32_t frames = src.nNumFrame ? src.nNumFrame : 1;
+    std::vector<QMXTMATRIXf> keys(frames);
+    for (uint32_t f = 0; f < frames; ++f)
+    {
+        src.SetFrame(static_cast<float>(f));
+        const QMXTMATRIXf world = src.GetWorldMatrixNoCache(src.pNode[i]);
+        QMXTMATRIXf parentInverse;
+        QMXTMatrixIdentityF(parentInverse);
+        if (kept >= 0)
+            QMXTMatrixInverseF(parentInverse, src.GetWorldMatrixNoCache(src.pNode[kept]));
+        QMXTMatrixMultiplyF(keys[f], world, parentInverse);
+    }
+    bool still = true;
+    for (uint32_t f = 1; f < frames && still; ++f)
+        still = std::memcmp(keys[f].f, keys[0].f, sizeof(QMXTMATRIXf)) == 0;
+    if (still)
+        keys.resize(1);
+    out.nIdxParent = kept;
+    return SetMatrixKeys(out, keys);
+}
+
+// Mesh nodes become roots with an identity transform, so their world-space data is drawn where it
+// stood; every other node keeps its world placement.
+bool RebaseNodes(CQMXTModelTVO& src, CQMXTModelTVO& dst)
+{
+    const float frame = src.GetFrame();
+    bool ok = true;
+    for (uint32_t i = src.nNumMeshNode; ok && i < src.nNumNode; ++i)
+        if (IsMeshNode(src, src.pNode[i].nIdxParent))
+            ok = Rehang(src, i, dst.pNode[i]);
+    src.SetFrame(frame);
+    for (uint32_t i = 0; ok && i < src.nNumMeshNode; ++i)
+    {
+        ok = SetIdentity(dst.pNode[i]);
+        dst.pNode[i].nIdxParent = -1;
+    }
+    return ok;
+}
 } // namespace
 
 int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst)
@@ -298,7 +414,7 @@ int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst)
         return 1;
     }
     dst.Destroy();
-    if (!CopyScene(src, dst) || !FlattenMeshes(src, dst))
+    if (!CopyScene(src, dst) || !FlattenMeshes(src, dst) || !RebaseNodes(src, dst))
     {
         // The private part ties ownership to the scene: give dst one so that Destroy frees it all.
         if (dst.InitImpl() == 0)

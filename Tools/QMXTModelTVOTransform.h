@@ -19,9 +19,11 @@
 //   the first three. For the third, fifth, ... triangle of a strip this is the reverse winding of
 //   the hardware reading. A list made that way turns back into strips that hold exactly its
 //   triangles, and (barring repeated indices) those strips turn back into exactly that list.
-// - Flattening leaves the destination's nodes exactly as the source's (transforms and animation):
-//   lights, cameras, bones and children hang off them and must not move. The meshes hold world-space
-//   data at the source's frame; their nodes' transforms are not to be applied to them again.
+// - Flattening: a mesh drawn through its node lands exactly where it stood at the source's frame.
+//   The meshes hold world-space data, so every mesh node becomes a root with a static identity
+//   transform (its animation is dropped); every other node (lights, cameras, bones, plain nodes)
+//   keeps its world placement at every frame: one whose parent was a mesh node hangs under its
+//   nearest ancestor that is not, with matrix keys that give its old world transform.
 // - Quantising an axis of zero extent uses a scale of 1 on it: every position then stores the
 //   range minimum m on that axis and the unpack matrix maps it back to the exact coordinate.
 //   Positions are rounded to the nearest step of the target type (not truncated), so a stored
@@ -109,8 +111,8 @@ int QMXTModelTVOMergeMaterials(const STVOScene& src, STVOScene& dst);
 // bone batches has its positions transformed by its node's world matrix and its normals, tangents
 // and binormals by the inverse transpose, renormalised. A skinned mesh is transformed batch by
 // batch: each vertex met in the batch's triangles, once, by the batch's bone matrices
-// (GetBoneWorldMatrix) named by its bone indices, weighted by its bone weights. dst gets InitImpl at
-// the end. Positions are taken as stored, so they should not yet be quantised (identity unpack
+// (GetBoneWorldMatrix) named by its bone indices, weighted by its bone weights. Nodes are then
+// rebased as described at the top of this file. dst gets InitImpl at the end. Positions are taken as stored, so they should not yet be quantised (identity unpack
 // matrix). Fails (dst left empty) on a mesh node naming no mesh, a bone outside the nodes, an index
 // outside the vertices, or allocation failure. Cost O(total vertices + indices of the mesh nodes).
 int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst);

@@ -1,5 +1,8 @@
 #include "QMXTTVOBlocks.h"
 
+#include <cstring>
+
+
 namespace
 {
 struct SBlockName
@@ -146,4 +149,17 @@ bool QMXTTVOIsContainer(uint32_t parentTag, uint32_t tag)
     default:
         return false;
     }
+}
+
+bool QMXTTVOStartsWithVersion(const void* data, size_t size)
+{
+    const size_t header = 8; // identifier and length
+    if (!data || size < header || size - header < kTVOVersionSize)
+        return false;
+    const unsigned char* b = static_cast<const unsigned char*>(data);
+    auto u32 = [b](size_t at) {
+        return uint32_t(b[at]) | uint32_t(b[at + 1]) << 8 | uint32_t(b[at + 2]) << 16 | uint32_t(b[at + 3]) << 24;
+    };
+    return u32(0) == eTVOVersion && u32(4) == kTVOVersionSize &&
+           std::memcmp(b + header, kTVOVersion, kTVOVersionSize) == 0;
 }

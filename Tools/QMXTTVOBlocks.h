@@ -5,6 +5,7 @@
 // the tvoinfo inspector share this one list.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 enum ETVOBlock : uint32_t
@@ -132,3 +133,8 @@ const char* QMXTTVOBlockName(uint32_t tag);
 // Whether a block holds nested blocks when met inside a parent of the given identifier (0 for the top
 // level): the scene at the top, record containers in the scene, vertex data blocks in a mesh.
 bool QMXTTVOIsContainer(uint32_t parentTag, uint32_t tag);
+
+// Whether data starts as every written .tvo file does: the version block (identifier, length and
+// version text, little-endian). A reader that fails on data without it can say the data is no .tvo
+// file at all rather than a damaged one.
+bool QMXTTVOStartsWithVersion(const void* data, size_t size);

@@ -140,35 +140,63 @@ double LastTick(const aiAnimation& anim)
 }
 } // namespace
 
-aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback)
+namespace
+{
+// The pair of keys around t: both the same key before the first, after the last, and where t is
+// the key's own time up to tolerance (key times stored in float precision then give the key's
+// value exactly, so equal poses give equal bytes). blend is the weight of the second key.
+template <class Key>
+void Around(const Key* keys, unsigned count, double t, double tolerance, const Key*& a, const Key*& b, double& blend)
+{
+    const unsigned after = KeyAfter(keys, count, t);
+    blend = 0.0;
+    if (after == 0 || after == count)
+    {
+        a = b = &keys[after == 0 ? 0 : count - 1];
+        return;
+    }
+    a = &keys[after - 1];
+    b = &keys[after];
+    if (t - a->mTime <= tolerance)
+        b = a;
+    else if (b->mTime - t <= tolerance)
+        a = b;
+    else
+        blend = Blend(*a, *b, t);
+}
+} // namespace
+
+aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback,
+                            double tolerance)
 {
     if (!keys || count == 0)
         return fallback;
-    const unsigned after = KeyAfter(keys, count, t);
-    if (after == 0)
-        return keys[0].mValue;
-    if (after == count)
-        return keys[count - 1].mValue;
-    const aiVectorKey& a = keys[after - 1];
-    const aiVectorKey& b = keys[after];
-    const ai_real f = static_cast<ai_real>(Blend(a, b, t));
-    return a.mValue + (b.mValue - a.mValue) * f;
+    const aiVectorKey *a, *b;
+    double f;
+    Around(keys, count, t, tolerance, a, b, f);
+    if (a == b)
+        return a->mValue;
+    auto lerp = [f](ai_real x, ai_real y) { return static_cast<ai_real>(x + (double(y) - double(x)) * f); };
+    return {lerp(a->mValue.x, b->mValue.x), lerp(a->mValue.y, b->mValue.y), lerp(a->mValue.z, b->mValue.z)};
 }
 
-aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback)
+aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback,
+                              double tolerance)
 {
     if (!keys || count == 0)
         return fallback;
-    const unsigned after = KeyAfter(keys, count, t);
-    if (after == 0)
-        return keys[0].mValue;
-    if (after == count)
-        return keys[count - 1].mValue;
-    const aiQuatKey& a = keys[after - 1];
-    const aiQuatKey& b = keys[after];
-    aiQuaternion out;
-    aiQuaternion::Interpolate(out, a.mValue, b.mValue, static_cast<ai_real>(Blend(a, b, t)));
-    return out.Normalize();
+    const aiQuatKey *a, *b;
+    double f;
+    Around(keys, count, t, tolerance, a, b, f);
+    if (a == b)
+        return a->mValue;
+    const aiQuaterniont<double> qa(a->mValue.w, a->mValue.x, a->mValue.y, a->mValue.z);
+    const aiQuaterniont<double> qb(b->mValue.w, b->mValue.x, b->mValue.y, b->mValue.z);
+    aiQuaterniont<double> out;
+    aiQuaterniont<double>::Interpolate(out, qa, qb, f);
+    out.Normalize();
+    return aiQuaternion(static_cast<ai_real>(out.w), static_cast<ai_real>(out.x), static_cast<ai_real>(out.y),
+                        static_cast<ai_real>(out.z));
 }
 
 namespace
@@ -252,9 +280,14 @@ aiMatrix4x4 CAssimpSampler::Local(int node, int frame) const
     aiQuaternion rotation;
     n.mTransformation.Decompose(scaling, rotation, position);
     const double t = TimeOfFrame(frame);
-    position = SampleAssimpKeys(ch.positions.data(), static_cast<unsigned>(ch.positions.size()), t, position);
-    rotation = SampleAssimpKeys(ch.rotations.data(), static_cast<unsigned>(ch.rotations.size()), t, rotation);
-    scaling = SampleAssimpKeys(ch.scalings.data(), static_cast<unsigned>(ch.scalings.size()), t, scaling);
+    // Far below a frame and far above the float rounding of a stored key time.
+    const double tolerance = std::min(1e-6 * std::max(std::fabs(t), m_dTicksPerFrame), 0.25 * m_dTicksPerFrame);
+    position = SampleAssimpKeys(ch.positions.data(), static_cast<unsigned>(ch.positions.size()), t, position,
+                                tolerance);
+    rotation = SampleAssimpKeys(ch.rotations.data(), static_cast<unsigned>(ch.rotations.size()), t, rotation,
+                                tolerance);
+    scaling = SampleAssimpKeys(ch.scalings.data(), static_cast<unsigned>(ch.scalings.size()), t, scaling,
+                               tolerance);
     return AssimpCompose(scaling, rotation, position);
 }
 

@@ -300,7 +300,7 @@ void CFiller::AddNode(int g)
     SampleNode(node, g, isView ? &view : nullptr);
     if (hasMeshes)
     {
-        FillAssimpGeometry(node, g, m_scene, m_graph, m_globals0, m_materials);
+        FillAssimpGeometry(node, g, m_scene, m_graph, m_globals0, m_materials, m_settings.streams);
         if (node.geom.faces.empty())
         {
             node.type = eNodePlain;

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "Content.h"
+#include "OptionsRules.h"
 
 struct aiNode;
 struct aiScene;
@@ -29,6 +30,8 @@ struct SAssimpFillSettings
     int fps = 0;                        // 0: the animation's own rate when it has one, else 30
     std::string sceneName;              // copied into the content's scene info
     std::string texturePrefix;          // names of embedded textures start with this text
+    // What is extracted, as the export options decide (ExtractedStreams); everything by default.
+    SExtractedStreams streams = {true, true, true, true, true};
 };
 
 // A texture held inside the input file, to be written next to the output under fileName.

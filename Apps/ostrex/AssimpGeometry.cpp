@@ -185,11 +185,14 @@ aiMatrix3x3 NormalMatrix(const aiMatrix4x4& m)
 // Positions and normals of a mesh in the node's space; a skinned mesh deformed at frame 0. A vertex
 // without influences follows the node itself (graph index nodeIndex).
 void MeshVertices(const aiMesh& mesh, int nodeIndex, const CAssimpGraph& graph,
-                  const std::vector<aiMatrix4x4>& globals0, CInfluenceLimiter& limiter, SMeshVertices& out)
+                  const std::vector<aiMatrix4x4>& globals0, bool normals, CInfluenceLimiter& limiter,
+                  SMeshVertices& out)
 {
     out.positions.assign(mesh.mVertices, mesh.mVertices + mesh.mNumVertices);
-    out.normals = mesh.mNormals ? std::vector<aiVector3D>(mesh.mNormals, mesh.mNormals + mesh.mNumVertices)
-                                : SmoothNormals(mesh);
+    out.normals.clear();
+    if (normals)
+        out.normals = mesh.mNormals ? std::vector<aiVector3D>(mesh.mNormals, mesh.mNormals + mesh.mNumVertices)
+                                    : SmoothNormals(mesh);
     out.influences.clear();
     if (mesh.mNumBones == 0 || !mesh.mBones || !GatherInfluences(mesh, graph, limiter, out.influences))
         return;
@@ -224,7 +227,8 @@ void MeshVertices(const aiMesh& mesh, int nodeIndex, const CAssimpGraph& graph,
                     blend[r][c] += m[r][c] * w.weight;
         }
         out.positions[v] = toNode * (blend * out.positions[v]);
-        out.normals[v] = Normalised(normalToNode * (NormalMatrix(blend) * out.normals[v]));
+        if (normals)
+            out.normals[v] = Normalised(normalToNode * (NormalMatrix(blend) * out.normals[v]));
     }
 }
 
@@ -244,10 +248,11 @@ struct SFillCounts
 
 // Appends the triangles of one mesh to the geometry (and skin, when given).
 void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMeshVertices& verts,
-                int material, int nodeIndex, size_t channelCount, SFillCounts& counts)
+                int material, int nodeIndex, size_t channelCount, bool colours, SFillCounts& counts)
 {
     const std::vector<unsigned> used = UsedChannels(mesh);
-    const bool colours = mesh.mColors[0] != nullptr;
+    colours = colours && mesh.mColors[0] != nullptr;
+    const bool normals = !verts.normals.empty();
     std::vector<unsigned> tri;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f)
     {
@@ -272,9 +277,13 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
             {
                 face.pos[c] = static_cast<int>(geom.positions.size());
                 geom.positions.push_back(ToVec(verts.positions[v[c]]));
-                const aiVector3D& n = verts.normals[v[c]];
-                face.normal[c] = static_cast<int>(geom.normals.size());
-                geom.normals.push_back(ToVec(IsUsableNormal(n) ? Normalised(n) : FaceNormal(verts.positions, v)));
+                if (normals)
+                {
+                    const aiVector3D& n = verts.normals[v[c]];
+                    face.normal[c] = static_cast<int>(geom.normals.size());
+                    geom.normals.push_back(
+                        ToVec(IsUsableNormal(n) ? Normalised(n) : FaceNormal(verts.positions, v)));
+                }
                 if (colours)
                 {
                     const aiColor4D& col = mesh.mColors[0][v[c]];
@@ -312,7 +321,8 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
     }
 }
 // Room for every corner the meshes can give, so the lists grow once.
-void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t channelCount)
+void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t channelCount,
+             const SExtractedStreams& streams)
 {
     size_t faces = 0, coloured = 0;
     for (const aiMesh* mesh : meshes)
@@ -321,11 +331,11 @@ void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t c
         for (unsigned f = 0; f < mesh->mNumFaces; ++f)
             meshFaces += mesh->mFaces[f].mNumIndices >= 3 ? mesh->mFaces[f].mNumIndices - 2 : 0;
         faces += meshFaces;
-        coloured += mesh->mColors[0] ? meshFaces : 0;
+        coloured += mesh->mColors[0] && streams.colours ? meshFaces : 0;
     }
     geom.faces.reserve(faces);
     geom.positions.reserve(3 * faces);
-    geom.normals.reserve(3 * faces);
+    geom.normals.reserve(streams.normals ? 3 * faces : 0);
     geom.colours.reserve(3 * coloured);
     geom.channels.resize(channelCount);
     for (SMappingChannel& channel : geom.channels)
@@ -337,7 +347,8 @@ void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t c
 } // namespace
 
 void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const CAssimpGraph& graph,
-                        const std::vector<aiMatrix4x4>& globals0, CAssimpMaterials& materials)
+                        const std::vector<aiMatrix4x4>& globals0, CAssimpMaterials& materials,
+                        const SExtractedStreams& streams)
 {
     const aiNode& source = graph.Node(graphIndex);
     std::vector<const aiMesh*> meshes;
@@ -350,10 +361,12 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
             !scene.mMeshes[m]->mFaces)
             continue;
         meshes.push_back(scene.mMeshes[m]);
-        channelCount = std::max(channelCount, UsedChannels(*meshes.back()).size());
+        if (streams.mappingChannels)
+            channelCount = std::max(channelCount, UsedChannels(*meshes.back()).size());
         skinned = skinned || meshes.back()->mNumBones > 0;
     }
-    Reserve(node.geom, meshes, channelCount);
+    Reserve(node.geom, meshes, channelCount, streams);
+    const bool keepSkin = skinned && streams.skins;
     SModifier skin;
     skin.name = "Skin";
     skin.kind = eModifierSkin;
@@ -362,11 +375,12 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
     SMeshVertices verts;
     for (const aiMesh* mesh : meshes)
     {
-        if (skinned && skin.vertices.empty())
+        if (keepSkin && skin.vertices.empty())
             skin.vertices.reserve(node.geom.positions.capacity());
-        MeshVertices(*mesh, graphIndex, graph, globals0, limiter, verts);
-        AppendMesh(node.geom, skinned ? &skin : nullptr, *mesh, verts, materials.Use(mesh->mMaterialIndex),
-                   graphIndex, channelCount, counts);
+        MeshVertices(*mesh, graphIndex, graph, globals0, streams.normals, limiter, verts);
+        const int material = streams.materials ? materials.Use(mesh->mMaterialIndex) : -1;
+        AppendMesh(node.geom, keepSkin ? &skin : nullptr, *mesh, verts, material, graphIndex, channelCount,
+                   streams.colours, counts);
     }
     if (counts.skippedPrimitives)
         Log(eLogWarning,
@@ -375,7 +389,7 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
     if (counts.nonFinite)
         Log(eLogWarning, "Warning: '%s': %u triangles with non-finite positions are not exported.",
             node.name.c_str(), counts.nonFinite);
-    if (skinned && !node.geom.faces.empty())
+    if (keepSkin && !node.geom.faces.empty())
     {
         if (limiter.Dropped())
             Log(eLogWarning,

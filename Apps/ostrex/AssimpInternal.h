@@ -49,9 +49,12 @@ int ChooseAssimpAnimation(const aiScene& scene, const std::string& request, std:
 int AssimpAnimationRate(const aiAnimation& anim);
 
 // Key sampling at time t in ticks: clamped to the first and last key, linear between keys (spherical
-// for rotations). fallback is returned when there are no keys.
-aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback);
-aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback);
+// for rotations), interpolated in double. A t within tolerance of a key's time gives that key's value
+// exactly. fallback is returned when there are no keys.
+aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback,
+                            double tolerance = 0.0);
+aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback,
+                              double tolerance = 0.0);
 
 // Local and global transforms of the graph's nodes at every frame of one animation (or of the still
 // scene, which has one frame).
@@ -114,8 +117,11 @@ class CAssimpMaterials
 // A skinned mesh is deformed at frame 0 and gets a skin whose bone values are GRAPH node indices
 // (the caller maps them to content indices); corners without influences are bound to the node
 // itself. Messages name the content node.
+// Only the streams asked for are extracted: without materials faces keep -1 and no material is
+// added; without skins the mesh stays deformed at frame 0 but carries no skin.
 void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const CAssimpGraph& graph,
-                        const std::vector<aiMatrix4x4>& globals0, CAssimpMaterials& materials);
+                        const std::vector<aiMatrix4x4>& globals0, CAssimpMaterials& materials,
+                        const SExtractedStreams& streams);
 
 // The matrix (row vectors) that places a light's or camera's view in its node's space: row 1 is the
 // negated view direction and row 2 the negated up (the scene model's light looks along -row 1, its

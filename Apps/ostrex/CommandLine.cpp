@@ -20,7 +20,9 @@ enum EOptionId
     eOptQuiet,
     eOptVerbose,
     eOptHelp,
-    eOptListOptions
+    eOptListOptions,
+    eOptAllowPostExport,
+    eOptView
 };
 
 struct SOptionDef
@@ -37,6 +39,8 @@ const SOptionDef kOptions[] = {
     {"--fps", nullptr, eOptFps, true},         {"--animation", nullptr, eOptAnimation, true},
     {"--quiet", "-q", eOptQuiet, false},       {"--verbose", "-v", eOptVerbose, false},
     {"--help", "-h", eOptHelp, false},         {"--list-options", nullptr, eOptListOptions, false},
+    {"--allow-post-export", nullptr, eOptAllowPostExport, false},
+    {"--view", nullptr, eOptView, false},
 };
 
 const SOptionDef* FindOption(const std::string& name)
@@ -134,6 +138,12 @@ bool ApplyOption(SCommandLine& result, const SOptionDef& def, const std::string&
     case eOptListOptions:
         listOptions = true;
         return true;
+    case eOptAllowPostExport:
+        result.allowPostExport = true;
+        return true;
+    case eOptView:
+        result.view = true;
+        return true;
     }
     return true;
 }
@@ -207,7 +217,7 @@ SCommandLine ParseCommandLine(int argc, const char* const* argv)
     {
         if (!positional.empty())
             return UsageError("--list-options takes no INPUT or OUTPUT");
-        if (!result.selection.empty() || result.fps || !result.animation.empty())
+        if (!result.selection.empty() || result.fps || !result.animation.empty() || result.view)
             return UsageError("--list-options only combines with --config, --set and --profile");
         result.action = eCommandListOptions;
         return result;
@@ -255,7 +265,9 @@ std::string CommandLineHelp()
            "source and \".h\" a header that embed the scene, anything else the binary scene file\n"
            "(\".tvo\"). The output is written to a temporary file beside OUTPUT and renamed when complete,\n"
            "so a failed export leaves an existing OUTPUT untouched. Textures embedded in the input are\n"
-           "written next to OUTPUT and referenced by their new names.\n"
+           "written next to OUTPUT and referenced by their new names. The same input and options always\n"
+           "give the same bytes: the history stored in the file names the input by its file name and\n"
+           "carries a date only when SOURCE_DATE_EPOCH is set.\n"
            "\n"
            "Export options (applied in this order):\n"
            "  --profile NAME        start from the saved profile NAME of the preferences file\n"
@@ -264,6 +276,15 @@ std::string CommandLineHelp()
            "  --set KEY=VALUE       set one option; may be repeated, applied last, in order\n"
            "                        (example: --set bExportAnimations=1)\n"
            "  --list-options        print every option key with its current value and caption\n"
+           "  --allow-post-export   run the post-export command and viewer launch that options read\n"
+           "                        from --config FILE carry; without it a file never starts a\n"
+           "                        program (--set and profiles are yours and always count)\n"
+           "\n"
+           "Options that cannot produce a file are refused before any work, naming the option:\n"
+           "  positions switched off (sVcOptPos.bExport=0) while bExportGeometry=1; an exported\n"
+           "  vertex format whose nEnable selects no component (bits 0-3); eExpFormat, cS, eTriSort or\n"
+           "  ePrimType outside their values; with bAlignData=1 and bInterleaved=1, a uiPadDataTo that\n"
+           "  is not a power of two from 1 to 256; with bTangentSpace=1, a uiTSUseUVW above 7.\n"
            "\n"
            "Scene:\n"
            "  --select NODE         export only the node named NODE with its descendants; its\n"
@@ -272,6 +293,7 @@ std::string CommandLineHelp()
            "                        default: the first animation of the file\n"
            "  --fps N               sample the animation at N frames per second (1 to 1000);\n"
            "                        default: the animation's own rate when it has one, else 30\n"
+           "  --view                open the written .tvo in tvoview when the export is done\n"
            "\n"
            "The scene as it stands at the first frame of the animation is the rest pose: skinned\n"
            "meshes are written deformed at that frame. Every frame of the animation's range is\n"
@@ -279,8 +301,11 @@ std::string CommandLineHelp()
            "\n"
            "Messages:\n"
            "  -q, --quiet           show errors only\n"
-           "  -v, --verbose         also show details\n"
+           "  -v, --verbose         show every stage, mesh and detail\n"
            "  -h, --help            show this text\n"
+           "By default an export shows a progress bar on a terminal, warnings, errors and one summary\n"
+           "line: the output, its size, and its counts of nodes, meshes, triangles, vertices,\n"
+           "materials and frames.\n"
            "Messages are coloured by level (success green, warning yellow, error bold red) and a\n"
            "progress bar is shown when the output goes to a terminal; plain lines otherwise.\n"
            "\n"

@@ -2,7 +2,7 @@
 // the output file's extension.
 //
 //   ostrex INPUT OUTPUT [--config FILE] [--set KEY=VALUE]... [--profile NAME] [--select NODE]...
-//          [--fps N] [--animation NAME|INDEX] [--quiet|--verbose]
+//          [--fps N] [--animation NAME|INDEX] [--allow-post-export] [--view] [--quiet|--verbose]
 //   ostrex --list-options [--config FILE] [--set KEY=VALUE]... [--profile NAME]
 //   ostrex --help
 //
@@ -24,8 +24,8 @@ enum ECommandAction : int
 enum EVerbosity : int
 {
     eVerbosityQuiet = 0,  // errors only
-    eVerbosityNormal = 1, // levels 0 to 3 and the progress bar
-    eVerbosityVerbose = 2 // also level-4 details
+    eVerbosityNormal = 1, // levels 0, 2 and 3 and the progress bar
+    eVerbosityVerbose = 2 // also level-1 information and level-4 details
 };
 
 // Exit codes of the program.
@@ -48,6 +48,8 @@ struct SCommandLine
     int fps = 0;                        // --fps; 0 means the animation's own rate
     std::string animation;              // --animation name or index; empty means the first
     EVerbosity verbosity = eVerbosityNormal;
+    bool allowPostExport = false; // run the post-export actions that a --config file carries
+    bool view = false;            // open the written file in the viewer
     std::string error; // the usage error, for eCommandUsageError
 };
 

@@ -32,7 +32,9 @@ bool Shows(EVerbosity verbosity, int level)
         return false;
     if (verbosity == eVerbosityQuiet)
         return level == eLogError;
-    if (level == eLogDetail)
+    // Stage and per-mesh information is for verbose runs; a normal run shows successes (the
+    // summary), warnings and errors.
+    if (level == eLogDetail || level == eLogInfo)
         return verbosity == eVerbosityVerbose;
     return true;
 }

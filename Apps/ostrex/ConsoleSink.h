@@ -3,7 +3,8 @@
 // On a terminal, messages are coloured by level as in the output window (0 dark green, 1 default,
 // 2 chocolate, shown as yellow, 3 bold red) and progress is a bar redrawn in place on one line; on
 // any other stream every message is a plain line and progress steps are printed only in verbose
-// mode. Quiet shows errors only, normal shows levels 0 to 3, verbose adds level-4 details. Other
+// mode. Quiet shows errors only, normal shows levels 0, 2 and 3 (successes such as the summary,
+// warnings, errors), verbose adds level-1 information and level-4 details. Other
 // levels print nothing. Trailing newlines of a message are dropped; every message ends one line.
 #pragma once
 

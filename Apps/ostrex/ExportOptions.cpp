@@ -5,7 +5,9 @@
 #include <cstring>
 #include <map>
 
+#include "Log.h"
 #include "OptionsProfiles.h"
+#include "OptionsRules.h"
 #include "QMXPreferences.h"
 
 const char* const kOstrexPreferencesName = "Ostrex";
@@ -46,14 +48,22 @@ SOptionsOutcome ApplyProfile(const std::string& name, COptions& options)
     return SOptionsOutcome();
 }
 
-SOptionsOutcome ApplyConfig(const std::string& path, COptions& options)
+// The file's options are data: unless the user allows it, the programs it would start after the
+// export are dropped, with one warning.
+SOptionsOutcome ApplyConfig(const std::string& path, bool allowLaunches, COptions& options)
 {
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (!file)
         return Failed(eExitFailure, path, std::string("cannot open: ") + std::strerror(errno));
     std::fclose(file);
+    const COptions before = options;
     if (options.ReadConfig(path.c_str()) == 0)
         return Failed(eExitFailure, path, "holds no export options");
+    if (!allowLaunches && KeepProgramLaunchesOf(before, options))
+        Log(eLogWarning,
+            "Warning: '%s' carries a post-export command or viewer launch, which was not run; "
+            "pass --allow-post-export to run it.",
+            path.c_str());
     return SOptionsOutcome();
 }
 
@@ -160,7 +170,7 @@ SOptionsOutcome PrepareExportOptions(const SCommandLine& cl, COptions& options)
     SOptionsOutcome outcome;
     if (!cl.profile.empty() && !(outcome = ApplyProfile(cl.profile, options)).ok)
         return outcome;
-    if (!cl.configFile.empty() && !(outcome = ApplyConfig(cl.configFile, options)).ok)
+    if (!cl.configFile.empty() && !(outcome = ApplyConfig(cl.configFile, cl.allowPostExport, options)).ok)
         return outcome;
     if (!(outcome = ApplySettings(cl.settings, options)).ok)
         return outcome;

@@ -2,7 +2,9 @@
 //
 // PrepareExportOptions starts from the defaults, then takes the profile named by --profile from the
 // preferences store (its profiles under "Profiles"), then the file named by --config
-// (COptions::ReadConfig: an options text, a previous .tvo or a generated .h), then every --set as
+// (COptions::ReadConfig: an options text, a previous .tvo or a generated .h; the post-export
+// command and viewer launch it carries are dropped with a warning unless --allow-post-export is
+// given, since a file from elsewhere must never start a program), then every --set as
 // one options text, in order. Last, the output's extension chooses the output kind (".cpp" source,
 // ".h" header, any other binary; no extension keeps what the options say), and the output path is
 // stored for merging materials from an earlier export.

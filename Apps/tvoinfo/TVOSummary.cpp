@@ -1,5 +1,6 @@
 #include "TVOSummary.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <vector>
@@ -214,8 +215,12 @@ std::string TVOSummaryText(const CQMXTModelTVO& s, const STVOFileFacts& f)
     MeshesText(t, s);
     MaterialsText(t, s);
     LightsCamerasText(t, s);
-    t.Line("options:%s", f.bHasOptions ? "" : " none");
-    t.Block(f.sOptions);
+    // The options text runs to some 80 lines: counted here, printed by --options.
+    if (f.bHasOptions)
+        t.Line("options: %u lines (tvoinfo --options %s prints them)",
+               static_cast<unsigned>(std::count(f.sOptions.begin(), f.sOptions.end(), '\n')), f.sPath.c_str());
+    else
+        t.Line("options: none");
     t.Line("history:%s", f.bHasHistory ? "" : " none");
     t.Block(f.sHistory);
     return t.m_text;

@@ -15,7 +15,7 @@ struct STVOFileFacts
 };
 
 // Scene counts, frames, then per node, mesh (with its streams), material, texture, light and camera
-// one line each (streams indented under their mesh), then the options and history texts.
+// one line each (streams indented under their mesh), then the count of option lines and the history text.
 std::string TVOSummaryText(const CQMXTModelTVO& scene, const STVOFileFacts& facts);
 // The same facts as one JSON object.
 std::string TVOSummaryJson(const CQMXTModelTVO& scene, const STVOFileFacts& facts);

@@ -3,6 +3,7 @@
 //   tvoinfo FILE            readable summary of the scene and its texts
 //   tvoinfo --json FILE     the same summary as JSON
 //   tvoinfo --blocks FILE   the raw block tree (offset, tag, name, length)
+//   tvoinfo --options FILE  the export options stored in the file, one KEY=VALUE a line
 //
 // Exit status 0 for a valid file; 1 for an invalid or unreadable one, with one line on stderr naming
 // the file, the byte offset and the block where reading failed; 2 for a usage error.
@@ -15,6 +16,7 @@
 #include "QMXTModelTVO.h"
 #include "QMXTResourceFile.h"
 #include "QMXTSource.h"
+#include "QMXTTVOBlocks.h"
 #include "TVOBlockTree.h"
 #include "TVOSummary.h"
 
@@ -24,12 +26,13 @@ enum EMode
 {
     eSummary,
     eJson,
-    eBlocks
+    eBlocks,
+    eOptions
 };
 
 int Usage()
 {
-    std::fprintf(stderr, "usage: tvoinfo [--json | --blocks] FILE\n");
+    std::fprintf(stderr, "usage: tvoinfo [--json | --blocks | --options] FILE\n");
     return 2;
 }
 
@@ -64,6 +67,8 @@ int main(int argc, char** argv)
             mode = eJson;
         else if (std::strcmp(argv[i], "--blocks") == 0)
             mode = eBlocks;
+        else if (std::strcmp(argv[i], "--options") == 0)
+            mode = eOptions;
         else if (argv[i][0] == '-' && argv[i][1] != 0)
             return Usage();
         else if (path)
@@ -92,12 +97,21 @@ int main(int argc, char** argv)
 
     CQMXTModelTVO scene;
     if (scene.ReadFromSource(source) != 0)
-        return Invalid(path, source.DescribeError());
+        return Invalid(path, QMXTTVOStartsWithVersion(file.DataPtr(), file.Size()) ? source.DescribeError()
+                                                 : "not a .tvo file (bad magic: it does not start with the "
+                                                   "version block \"" + std::string(kTVOVersion) + "\")");
     STVOFileFacts facts;
     facts.sPath = path;
     facts.nSize = file.Size();
     facts.bHasOptions = ReadText(file, false, facts.sOptions);
     facts.bHasHistory = ReadText(file, true, facts.sHistory);
+    if (mode == eOptions)
+    {
+        if (!facts.bHasOptions)
+            return Invalid(path, "holds no export options");
+        std::fputs(facts.sOptions.c_str(), stdout);
+        return 0;
+    }
     const std::string text = mode == eJson ? TVOSummaryJson(scene, facts) : TVOSummaryText(scene, facts);
     std::fputs(text.c_str(), stdout);
     return 0;

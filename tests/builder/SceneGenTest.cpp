@@ -34,6 +34,7 @@ TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
 {
     CRecordingLogSink sink;
     SContent content;
+    content.materials.resize(6);
     CNode box = MeshNode("Box", CubeGeometry(5, 2));
     box.tm.pos[0] = 10.0f;
     const int boxIndex = content.AddNode(box);
@@ -43,6 +44,7 @@ TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
     content.AddNode(child);
     CTVOSceneEx scene;
     ASSERT_TRUE(Build(scene, content));
+    ASSERT_EQ(scene.nNumMaterial, 6u);
 
     EXPECT_TRUE(sink.Has(eLogWarning,
                          "Warning: 'Box' has been split up into 2 meshes as it uses multiple materials."));
@@ -65,6 +67,21 @@ TEST(SceneGen, NodeSplitByMaterialHangsUnderAPlainNodeOfItsName)
     ASSERT_EQ(scene.nNumMesh, 2u);
     EXPECT_EQ(scene.pMesh[scene.pNode[0].nIdx].nNumFaces, 6u);
     EXPECT_EQ(scene.pMesh[scene.pNode[1].nIdx].nNumFaces, 6u);
+
+    // A node never names a material that is not written: an id past the list, or materials off.
+    for (bool materials : {true, false})
+    {
+        SContent one;
+        one.materials.resize(1);
+        const int id = materials ? 3 : 0; // past the list; or valid, but nothing is written
+        one.AddNode(MeshNode("Odd", CubeGeometry(id, id)));
+        SBuilderSettings settings;
+        settings.bExportMaterials = materials;
+        CTVOSceneEx built;
+        ASSERT_TRUE(Build(built, one, settings));
+        EXPECT_EQ(built.nNumMaterial, materials ? 1u : 0u);
+        EXPECT_EQ(built.pNode[0].nIdxMaterial, -1);
+    }
 }
 
 TEST(SceneGen, IdenticalNodesShareOneMeshAndTexturesAreShared)

@@ -65,7 +65,6 @@ TEST(ConsoleSink, EachVerbosityShowsItsLevelsOneLineAMessage)
         const char* output;
     } rows[] = {
         {false, eVerbosityNormal,
-         "Complete\n"
          "Warning (Tube): Ignoring some bone influences. \nThe maximum is 4.\n"
          "Failed to write output file\n"
          "Exported\n"},

@@ -6,11 +6,13 @@
 #include <assimp/texture.h>
 
 #include <cmath>
+#include <set>
 #include <cstring>
 
 #include "AssimpContent.h"
 #include "AssimpInternal.h"
 #include "Log.h"
+#include "TVO.h"
 #include "TestSupport.h"
 
 namespace
@@ -589,6 +591,45 @@ TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
     EXPECT_EQ(FillError(kit, settings), "no animation 'Run' (the file has 2 animations: 0 'Idle', 1 'Move')");
     settings.animation = "2";
     EXPECT_NE(FillError(kit, settings).find("no animation '2'"), std::string::npos);
+}
+
+// Frame times computed in double meet key times stored in float precision (seconds, as glTF keeps
+// them): each sample lands on its key exactly, so two alternating poses index to two keys.
+TEST(AssimpFill, AlternatingPosesSampleToIdenticalKeysAndIndexToTwo)
+{
+    CSceneKit kit;
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Mover"), Triangle(kit));
+    kit.AddMaterial(new aiMaterial);
+    const unsigned frames = 20;
+    aiNodeAnim& ch = kit.AddChannel(kit.AddAnimation("Flip", double(19.0f / 30.0f), 1.0), "Mover");
+    ch.mNumPositionKeys = ch.mNumRotationKeys = frames;
+    ch.mPositionKeys = new aiVectorKey[frames];
+    ch.mRotationKeys = new aiQuatKey[frames];
+    for (unsigned k = 0; k < frames; ++k)
+    {
+        const double time = double(float(k) / 30.0f);
+        ch.mPositionKeys[k] = {time, k % 2 ? aiVector3D(1.3f, 0.7f, -2.1f) : aiVector3D(0.1f, 0.2f, 0.3f)};
+        ch.mRotationKeys[k] = {time, k % 2 ? Turn({0.3f, 1, 0.2f}, 0.9f) : Turn({1, 0, 0}, 0.4f)};
+    }
+    SAssimpFillSettings settings;
+    settings.fps = 30;
+    SContent content;
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    ASSERT_TRUE(r.ok) << r.error;
+
+    COptions options;
+    options.SetFromString("bExportAnimations=1\nbIndexAnimations=1\n");
+    CTVO builder;
+    ASSERT_TRUE(builder.Process(content, options));
+    const CTVOSceneEx& scene = *builder.Scene();
+    ASSERT_EQ(scene.nNumFrame, frames);
+    const STVONode& node = scene.pNode[0];
+    ASSERT_STREQ(node.pszName, "Mover");
+    for (const uint32_t* index : {node.pnAnimPositionIdx, node.pnAnimRotationIdx})
+    {
+        ASSERT_NE(index, nullptr);
+        EXPECT_EQ(std::set<uint32_t>(index, index + frames).size(), 2u);
+    }
 }
 
 TEST(AssimpFill, AnimationRateFromTicksAndRefusalOfHugeAnimations)

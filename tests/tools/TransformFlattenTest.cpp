@@ -36,8 +36,9 @@ float* MatrixKeys(const std::vector<QMXTMATRIXf>& keys)
 }
 
 // Mesh nodes: 0 a tilted triangle (interleaved) under node 6 under node 5; 1 a skinned mesh with
-// two batches over bones 7 and 8; 2 a second instance of mesh 0. Then a light (3), a camera (4),
-// the hierarchy nodes and the bones, several of them animated through their matrix channel.
+// two batches over bones 7 and 8; 2 a second instance of mesh 0. Then a light (3) hanging off the
+// triangle, a camera (4), the hierarchy nodes and the bones, several of them animated through their
+// matrix channel.
 struct SScene
 {
     SMeshHolder h{2};
@@ -70,7 +71,7 @@ struct SScene
         tri.pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 0, 1, 0, 0, 2, 0, 0});
         Node(1, "skin", -1, 1).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 1});
         Node(2, "instance", -1, 0).pfAnimPosition = HeapCopy(std::vector<float>{10, 0, 0});
-        Node(3, "lamp", -1, 0);
+        Node(3, "lamp", 0, 0).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 7});
         Node(4, "eye", -1, 0);
         Node(5, "root", -1).nAnimationFlags = eTVOHasMatrixAnimation;
         s.pNode[5].pfAnimMatrix = MatrixKeys(rootKeys);
@@ -128,6 +129,9 @@ struct SScene
         case 0: return T(float(f), 0, 0) * (S(2, 1, 1) * T(0, 5, 0)) * rootKeys[f];
         case 1: return T(0, 0, 1);
         case 2: return T(10, 0, 0);
+        case 3: return T(0, 0, 7) * World(0, f);
+        case 5: return rootKeys[f];
+        case 6: return S(2, 1, 1) * T(0, 5, 0) * rootKeys[f];
         case 7: return bone0Keys[f];
         case 8: return bone1Keys[f] * bone0Keys[f];
         default: return T(0, 0, 0);
@@ -175,6 +179,21 @@ TEST(TransformFlatten, StaticMeshesGoToWorldSpaceAtTheCurrentFrame)
         EXPECT_EQ(d.pCamera[0].pfAnimFOV[2], 0.7f);
         EXPECT_STREQ(d.pTexture[0].pszName, "wood.png");
         EXPECT_EQ(d.nNumLight, 1u);
+
+        // Drawn through their nodes the meshes land where they stood: mesh nodes are identity roots.
+        // Every other node keeps its world placement at every frame, the lamp under the triangle too.
+        for (uint32_t f = 0; f < kFrames; ++f)
+        {
+            d.SetFrame(float(f));
+            for (uint32_t node = 0; node < d.nNumNode; ++node)
+            {
+                const QMXTMATRIXf want = node < 3 ? T(0, 0, 0) : scene.World(node, f);
+                const QMXTMATRIXf got = d.GetWorldMatrixNoCache(d.pNode[node]);
+                for (int e = 0; e < 16; ++e)
+                    ASSERT_NEAR(got.f[e], want.f[e], 1e-4f) << "node " << node << " frame " << f;
+            }
+        }
+        EXPECT_EQ(d.pNode[3].nIdxParent, 6); // the triangle's nearest ancestor that is no mesh
         d.Destroy();
     }
 }

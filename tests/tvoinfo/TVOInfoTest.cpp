@@ -116,7 +116,8 @@ TEST(TVOInfo, SummaryNamesCountsNodesStreamsMaterialsLightsCamerasAndTexts)
     EXPECT_TRUE(HasLine(
         o, "  [2] spot, colour 1 0.7 0.25, target 7, attenuation 1 0.5 0.25, falloff 0.7 exponent 2"));
     EXPECT_TRUE(HasLine(o, "  [0] field of view 0.8 (animated), near 0.5, far 1000, target 7"));
-    EXPECT_TRUE(HasLine(o, "  fScale=2"));
+    EXPECT_EQ(RunTvoinfo("--options " + path).out, "bOpt=1\nfScale=2\n");
+    EXPECT_NE(o.find("\noptions: 2 lines (tvoinfo --options " + path + " prints them)\n"), std::string::npos) << o;
     EXPECT_TRUE(HasLine(o, "  exported by a test"));
     std::remove(path.c_str());
 }
@@ -209,6 +210,16 @@ TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
     const SRun missing = RunTvoinfo(testing::TempDir() + "info-missing.tvo");
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(Lines(missing.err).size(), 1u);
+    // Something that is no .tvo at all says so rather than naming a damaged block.
+    for (const std::string& foreign : {std::string("\x89PNG\r\n\x1a\n0123456789abcdefghij", 28),
+                                       std::string("bExportGeometry=1\nbIndexed=1\n")})
+    {
+        std::ofstream(path, std::ios::binary) << foreign;
+        const SRun r = RunTvoinfo(path);
+        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.err, "tvoinfo: " + path +
+                             ": not a .tvo file (bad magic: it does not start with the version block \"AB.TVO.2.0\")\n");
+    }
     EXPECT_EQ(RunTvoinfo("").status, 2);
     EXPECT_EQ(RunTvoinfo("--bogus " + path).status, 2);
     EXPECT_EQ(RunTvoinfo(path + " " + path).status, 2);
