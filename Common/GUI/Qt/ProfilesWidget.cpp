@@ -16,7 +16,7 @@
 #include "CommonGUIStrings.h"
 #include "Log.h"
 #include "Options.h"
-#include "OptionsTables.h"
+#include "OptionsRules.h"
 #include "OstrexStrings.h"
 #include "ProfileStore.h"
 #include "StudioProfiles.h"
@@ -292,12 +292,13 @@ void CProfilesWidget::deleteCurrentItem()
 CProfileItem* CProfilesWidget::importFile(const QString& path)
 {
     COptions options;
+    const COptions defaults;
     if (options.ReadConfig(Utf8(path).constData()) == 0)
     {
         Log(eLogError, "%s", Utf8(CCommonGUIStrings::QtText(CCommonGUIStrings::eStrReadOptionsFailed).arg(path)).constData());
         return nullptr;
     }
-    if (DisarmPostExportActions(options))
+    if (KeepProgramLaunchesOf(defaults, options))
         Log(eLogWarning, "%s", Utf8(CCommonGUIStrings::QtText(CCommonGUIStrings::eStrDisarmedActions).arg(path)).constData());
     m_sLastImportPath = QFileInfo(path).absolutePath();
     return addItem(QFileInfo(path).completeBaseName(), options);
