@@ -144,8 +144,9 @@ void CProfilesTest::exportedProfileImportsAlike()
     QVERIFY(imported);
     QCOMPARE(imported->caption(), QString("console"));
     QCOMPARE(list.m_sLastImportPath, dir.path());
-    // Everything but the switch that would run the command comes back.
+    // Everything but the settings that would run the command comes back.
     options.SetOption(O::eUsePostExportCL, false);
+    options.SetOption(O::eClPostTarget, CQMXTString());
     QVERIFY(imported->getOptions() == options);
     QVERIFY(!list.importFile(dir.filePath("absent.cfg")));
 }

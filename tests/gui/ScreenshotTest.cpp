@@ -10,6 +10,7 @@
 #include "GuiTests.h"
 #include "OptionsWidget.h"
 #include "OptionsWindow.h"
+#include "ProfilesWidget.h"
 #include "Output.h"
 
 namespace
@@ -33,6 +34,9 @@ void CScreenshotTest::optionsTabsAndOutputLog()
     COptions options;
     options.SetOption(COptionsData::eExportSkin, true);
     COptionsWindow window(options, GuiPreferences());
+    window.profilesWidget()->addItem("Mobile: skinned", options);
+    window.profilesWidget()->addItem("Studio console", COptionsData(), CProfileItem::eKindStudio);
+    window.profilesWidget()->setCurrentOptions(options);
     window.show();
     QTabWidget* tabs = window.optionsWidget()->tabs();
     for (int i = 0; i < tabs->count(); ++i)

@@ -25,7 +25,7 @@ const char g_szBlock[] =
     "read-only\0"
     "A studio profile from %1: it can be used and exported, not renamed or deleted.\0"
     "No export options could be read from '%1'.\0"
-    "Options read from '%1' asked to run a program after export; that was switched off. Tick it again in the User Options tab to allow it.\0"
+    "Options read from '%1' asked to run a program after export; that part was not taken. Set it in the User Options tab to allow it.\0"
     "Open a scene\0"
     "Export the scene\0"
     "Open a scene first (File > Open...).\0"

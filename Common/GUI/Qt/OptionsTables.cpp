@@ -108,15 +108,6 @@ bool IsSmallIntegerType(EQMXTDataType type)
     }
 }
 
-bool DisarmPostExportActions(COptionsData& options)
-{
-    const bool armed = options.GetOption(COptionsData::eUsePostExportCL) ||
-                       options.GetOption(COptionsData::eDisplayInDravik);
-    options.SetOption(COptionsData::eUsePostExportCL, false);
-    options.SetOption(COptionsData::eDisplayInDravik, false);
-    return armed;
-}
-
 QString RangeCaption(int minimum, int maximum)
 {
     return QString::asprintf(" (%i .. %i)", minimum, maximum);

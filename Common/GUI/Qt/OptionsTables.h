@@ -46,10 +46,5 @@ int AlignmentText(unsigned alignment);
 // True for data types of 8 or 16 bits per component, where a position unpack matrix helps.
 bool IsSmallIntegerType(EQMXTDataType type);
 
-// Switches off the actions that run a program after export (the command line and the viewer) in
-// options read from a file, which are data and must not start programs by themselves. Returns true
-// when something was switched off.
-bool DisarmPostExportActions(COptionsData& options);
-
 // The range caption appended to numeric controls: " (min .. max)".
 QString RangeCaption(int minimum, int maximum);

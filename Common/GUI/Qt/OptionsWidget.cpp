@@ -19,6 +19,7 @@
 
 #include "CommonGUIStrings.h"
 #include "Log.h"
+#include "OptionsRules.h"
 #include "OptionsTables.h"
 #include "OstrexStrings.h"
 #include "VectorFormatWidget.h"
@@ -334,7 +335,7 @@ bool COptionsWidget::readOptionsFile(const QString& path)
             CCommonGUIStrings::QtText(CCommonGUIStrings::eStrReadOptionsFailed).arg(path).toUtf8().constData());
         return false;
     }
-    if (DisarmPostExportActions(read))
+    if (KeepProgramLaunchesOf(*m_pOptions, read))
         Log(eLogWarning, "%s",
             CCommonGUIStrings::QtText(CCommonGUIStrings::eStrDisarmedActions).arg(path).toUtf8().constData());
     static_cast<COptionsData&>(*m_pOptions) = read;

@@ -19,7 +19,7 @@
 // with animations, the static frame with world space, the viewer path with the viewer.
 //
 // Dropping a file whose extension is tvo, cpp, txt or cfg reads it as options (COptions::ReadConfig);
-// actions that would run a program after export are switched off in what was read.
+// the settings that start a program after export stay as they were (a file never sets them).
 #pragma once
 
 #include <QList>

@@ -41,7 +41,6 @@ COptionsWindow::COptionsWindow(COptions& options, CQMXPreferences& prefs, QWidge
     profiles->setToolTip(S::QtText(S::eStrProfilesTip));
     auto* profilesLayout = new QVBoxLayout(profiles);
     profilesLayout->addWidget(m_pProfilesWidget);
-    m_pProfilesWidget->setMinimumWidth(m_pProfilesWidget->fontMetrics().horizontalAdvance(S::QtText(S::eStrDefaultSettings)) * 3 / 2);
 
     auto* splitter = new QSplitter(Qt::Horizontal);
     splitter->addWidget(profiles);

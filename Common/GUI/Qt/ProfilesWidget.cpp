@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QUrl>
 
 #include <vector>
@@ -15,7 +16,7 @@
 #include "CommonGUIStrings.h"
 #include "Log.h"
 #include "Options.h"
-#include "OptionsTables.h"
+#include "OptionsRules.h"
 #include "OstrexStrings.h"
 #include "ProfileStore.h"
 #include "StudioProfiles.h"
@@ -75,6 +76,8 @@ void CProfileItem::setCaption(const QString& caption)
 void CProfileItem::setState(const QString& state)
 {
     setText(state.isEmpty() ? m_sCaption : m_sCaption + " - " + state);
+    if (m_eKind == eKindUser)
+        setToolTip(text());
 }
 
 CProfilesWidget::CProfilesWidget(QWidget* parent) : QListWidget(parent)
@@ -92,6 +95,9 @@ CProfilesWidget::CProfilesWidget(QWidget* parent) : QListWidget(parent)
     setContextMenuPolicy(Qt::CustomContextMenu);
     setDragDropMode(QAbstractItemView::InternalMove);
     setAcceptDrops(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTextElideMode(Qt::ElideRight);
+    fitWidth();
     connect(this, &QListWidget::customContextMenuRequested, this, &CProfilesWidget::showContextMenu);
     connect(this, &QListWidget::itemDoubleClicked, this, &CProfilesWidget::useProfile);
 }
@@ -145,6 +151,19 @@ void CProfilesWidget::setCurrentProfileState(bool matching)
 {
     const CProfileItem* match = matching ? findMatchingProfile(m_pCurrent) : nullptr;
     m_pCurrent->setState(match ? match->caption() : QString());
+    fitWidth();
+}
+
+void CProfilesWidget::fitWidth()
+{
+    int widest = 0;
+    for (int i = 0; i < count(); ++i)
+    {
+        QFont itemFont = item(i)->font();
+        widest = std::max(widest, QFontMetrics(itemFont).horizontalAdvance(item(i)->text()));
+    }
+    const int chrome = 2 * frameWidth() + verticalScrollBar()->sizeHint().width() + 16;
+    setMinimumWidth(std::min(widest + chrome, kMaxWidth));
 }
 
 void CProfilesWidget::updateCurrentOptions(const COptionsData& options)
@@ -273,12 +292,13 @@ void CProfilesWidget::deleteCurrentItem()
 CProfileItem* CProfilesWidget::importFile(const QString& path)
 {
     COptions options;
+    const COptions defaults;
     if (options.ReadConfig(Utf8(path).constData()) == 0)
     {
         Log(eLogError, "%s", Utf8(CCommonGUIStrings::QtText(CCommonGUIStrings::eStrReadOptionsFailed).arg(path)).constData());
         return nullptr;
     }
-    if (DisarmPostExportActions(options))
+    if (KeepProgramLaunchesOf(defaults, options))
         Log(eLogWarning, "%s", Utf8(CCommonGUIStrings::QtText(CCommonGUIStrings::eStrDisarmedActions).arg(path)).constData());
     m_sLastImportPath = QFileInfo(path).absolutePath();
     return addItem(QFileInfo(path).completeBaseName(), options);

@@ -6,7 +6,8 @@
 // the current ones: useOptions), renames, deletes (after a confirmation), imports an options file
 // as a profile and exports a profile as one. Built-in entries are never stored, renamed or deleted;
 // studio profiles can be used and exported only. Dropping tvo/cpp/txt/cfg files imports them;
-// profiles can be reordered by dragging. When the current options equal a profile's, the current
+// profiles can be reordered by dragging. Imported and studio profiles keep the default settings for
+// starting programs after export, whatever their files say. When the current options equal a profile's, the current
 // entry's caption names it: "[Current] - <caption>".
 #pragma once
 
@@ -101,6 +102,9 @@ class CProfilesWidget : public QListWidget
 
   private:
     CProfileItem* selectedProfile() const;
+    // Widens the list to show every caption whole, up to kMaxWidth; longer ones are elided.
+    void fitWidth();
+    static constexpr int kMaxWidth = 360;
     void removeProfiles(CProfileItem::EKind kind);
 
     CProfileItem* m_pCurrent;

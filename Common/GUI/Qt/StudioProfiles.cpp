@@ -6,7 +6,7 @@
 #include "CommonGUIStrings.h"
 #include "Log.h"
 #include "Options.h"
-#include "OptionsTables.h"
+#include "OptionsRules.h"
 
 namespace
 {
@@ -32,6 +32,7 @@ std::vector<SStudioProfile> ReadStudioProfiles(const QString& folder)
         if (static_cast<int>(profiles.size()) >= kMaxStudioProfiles)
             break;
         COptions options;
+        const COptions defaults;
         if (options.ReadConfig(file.filePath().toUtf8().constData()) == 0)
         {
             Log(eLogWarning, "%s",
@@ -41,7 +42,7 @@ std::vector<SStudioProfile> ReadStudioProfiles(const QString& folder)
                     .constData());
             continue;
         }
-        DisarmPostExportActions(options);
+        KeepProgramLaunchesOf(defaults, options);
         profiles.push_back({file.completeBaseName(), file.filePath(), options});
     }
     return profiles;
