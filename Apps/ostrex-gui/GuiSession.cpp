@@ -17,6 +17,7 @@
 #include "OptionsWindow.h"
 #include "OstrexStrings.h"
 #include "Output.h"
+#include "PostExport.h"
 #include "RecentFiles.h"
 
 using C = CCommonGUIStrings;
@@ -45,6 +46,8 @@ CGuiSession::CGuiSession()
 {
     m_options.ConfigDefault();
     LoadLastUsedOptions(GuiPreferences(), m_options);
+    // "Open in QMXDravik" with no viewer path opens the export in tvoview, as the command line does.
+    SetDefaultViewer(ViewerPath().toStdString());
     m_pWindow = std::make_unique<COptionsWindow>(m_options, GuiPreferences());
     m_pWindow->setExportHandler([this] { exportScene(); });
     m_pWindow->setOpenHandler([this](const QString& path) {
