@@ -6,7 +6,7 @@
 
 #include "SceneFixtures.h"
 #include "TVOMeshEx.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 
 namespace
 {
