@@ -8,7 +8,7 @@
 #include "QMXTSink.h"
 #include "QMXTModelTVOTransform.h"
 #include "TVOBuilderStrings.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 
 namespace
 {
