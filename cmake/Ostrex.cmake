@@ -56,7 +56,7 @@ function(ostrex_export)
     set(output "${output_dir}/${stem}.tvo")
     add_custom_command(
       OUTPUT "${output}"
-      COMMAND "${OSTREX_EXECUTABLE}" "${scene_path}" "${output}" --depfile "${output}.d" --quiet ${options_args}
+      COMMAND "${OSTREX_EXECUTABLE}" "${scene_path}" "${output}" --depfile "${output}.d" ${options_args}
       DEPENDS "${scene_path}" "${OSTREX_EXECUTABLE}"
       DEPFILE "${output}.d"
       COMMENT "Exporting scene ${stem}"
