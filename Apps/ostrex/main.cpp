@@ -98,11 +98,22 @@ int Export(const SCommandLine& cl)
     SExportJob job;
     CWarningTee preparing; // --strict and the report count the options' warnings too
     const SOptionsOutcome prepared = PrepareExportOptions(cl, job.options);
-    if (!prepared.ok)
-        return OptionsFailure(prepared);
     job.warnings = preparing.warnings;
     job.input = cl.input;
     job.output = cl.output;
+    std::string error;
+    if (!prepared.ok)
+    {
+        if (!cl.reportJson.empty()) // the report says why, as far as it can be written
+        {
+            SExportOutcome refused;
+            refused.subject = prepared.subject.empty() ? "options" : prepared.subject;
+            refused.error = prepared.error;
+            refused.summary.warnings = job.warnings;
+            WriteExportReport(cl.reportJson, ExportReportJson(job, refused), error);
+        }
+        return OptionsFailure(prepared);
+    }
     job.selection = cl.selection;
     job.animation = cl.animation;
     job.fps = cl.fps;
@@ -111,7 +122,6 @@ int Export(const SCommandLine& cl)
     job.optionFiles = OptionFiles(cl);
     job.strict = cl.strict;
     job.measureQuantisation = !cl.reportJson.empty();
-    std::string error;
     if (!cl.reportJson.empty() && cl.reportJson != "-")
     {
         CSafeOutput probe(cl.reportJson); // a report that cannot be written fails before any work
