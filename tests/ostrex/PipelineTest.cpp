@@ -171,8 +171,9 @@ TEST_F(Pipeline, ReportMatchesTheManualAndTheFile)
     }
 }
 
-// --strict fails on a warning before anything is written; the report says why.
-TEST_F(Pipeline, StrictTurnsWarningsIntoFailures)
+// --strict fails on a warning before anything is written; the report says why, as it does for
+// refused options.
+TEST_F(Pipeline, StrictAndRefusedOptionsFailWithAReport)
 {
     std::ofstream(m_dir + "/launch.txt") << "sClPostTarget=true\n";
     ASSERT_EQ(Run({kSample, "lenient.tvo", "--config", "launch.txt"}).code, 0);
@@ -186,6 +187,9 @@ TEST_F(Pipeline, StrictTurnsWarningsIntoFailures)
     EXPECT_EQ(report["error"].toObject()["subject"].toString(), "strict.tvo");
     ASSERT_EQ(report["warnings"].toArray().size(), 1);
     EXPECT_TRUE(report["warnings"][0].toString().startsWith("Warning: 'launch.txt' carries a post-export command"));
+
+    EXPECT_EQ(Run({kSample, "refused.tvo", "--set", "nope=1", "--report-json", "r.json"}).code, 2);
+    EXPECT_EQ(Json(ReadAll(m_dir + "/r.json"))["error"].toObject()["subject"].toString(), "options");
 }
 
 // A batch writes every good scene whatever the others do, one line each and a count; the bytes
