@@ -240,17 +240,17 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
 
     if (!job.depfile.empty())
     {
-        CSafeOutput probe(job.depfile); // a dependency file that cannot be written fails before any work
-        if (!probe.Begin(error))
+        CSafeOutput depfileCheck(job.depfile); // a dependency file that cannot be written fails before any work
+        if (!depfileCheck.Begin(error))
             return Failed(job.depfile, error);
     }
 
     ProgressUpdate(0, "Loading %s", FileName(job.input).c_str());
     SContent content;
     SAssimpFillResult filled;
-    std::vector<std::string> dependencies;
+    std::set<std::string> dependencies; // sorted, each once
     for (const std::string& file : job.optionFiles)
-        dependencies.push_back(AbsolutePath(file));
+        dependencies.insert(AbsolutePath(file));
     {
         Assimp::Importer importer;
         std::set<std::string> opened;
@@ -260,9 +260,9 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
         if (!scene)
             return Failed(job.input, ImporterError(importer.GetErrorString()));
         importerLog.Report();
-        dependencies.insert(dependencies.end(), opened.begin(), opened.end());
+        dependencies.insert(opened.begin(), opened.end());
         for (const std::string& texture : ExistingTextureFiles(*scene, job.input))
-            dependencies.push_back(texture);
+            dependencies.insert(texture);
 
         SAssimpFillSettings settings;
         settings.selection = job.selection;
@@ -309,10 +309,10 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
         Log(eLogDetail, "Wrote embedded texture '%s'.", path.c_str());
         outcome.summary.extraFiles.push_back(path);
     }
-    if (!job.depfile.empty() && !WriteDependencyFile(job, dependencies, error))
+    outcome.summary.dependencies.assign(dependencies.begin(), dependencies.end());
+    if (!job.depfile.empty() && !WriteDependencyFile(job, outcome.summary.dependencies, error))
         return Failed(job.depfile, error);
     Summarise(builder, job.output, outcome.summary);
-    outcome.summary.dependencies = dependencies;
     outcome.ok = true;
     return outcome;
 }
