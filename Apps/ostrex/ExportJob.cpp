@@ -233,6 +233,10 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
     if (!CheckExportOptions(job.options, error))
         return Failed("options", error);
 
+    // Only regular files: opening a pipe or device could wait forever for data.
+    struct stat input{};
+    if (stat(job.input.c_str(), &input) == 0 && !S_ISREG(input.st_mode))
+        return Failed(job.input, "not a regular file");
     std::FILE* probe = std::fopen(job.input.c_str(), "rb");
     if (!probe)
         return Failed(job.input, std::string("cannot open: ") + std::strerror(errno));
