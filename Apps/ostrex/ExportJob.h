@@ -5,6 +5,10 @@
 //
 // Messages go through Log and ProgressUpdate: progress steps and stage lines at levels 1 and 4,
 // the importer's recovered errors as warnings. Nothing is printed directly and nothing throws.
+// Every warning is also kept in the summary; with strict, any warning fails the job before the
+// output is committed. The files the importer opened, the textures the materials name and the
+// job's options files are the summary's dependencies, written as a Make-format file when depfile
+// is set (after the output, and only when the export succeeded).
 // Cost: dominated by the builder (see CTVO::Process); the importer's scene is freed as soon as the
 // content is filled.
 #pragma once
