@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <set>
 
+#include "CommandLine.h"
 #include "DependencyFile.h"
 #include "QMXTMath.h"
 #include "QMXTMeshStreams.h"
@@ -235,4 +236,34 @@ TEST_F(Pipeline, BatchIsolatesScenesAndKeepsBytesExact)
 
     EXPECT_EQ(Run({"--out-dir", "twice", kSample, kSample}).code, 2);
     EXPECT_FALSE(fs::exists(m_dir + "/twice"));
+}
+
+// Batch options parse into the scene list; combinations that name one export, or batch options
+// without a batch, are usage errors with the reason.
+TEST(PipelineCommandLine, BatchOptionsAndTheirConflicts)
+{
+    const char* batch[] = {"ostrex", "--out-dir", "out", "-j", "3", "--format=h", "a.gltf", "b c.obj"};
+    const SCommandLine cl = ParseCommandLine(8, batch);
+    ASSERT_EQ(cl.action, eCommandBatch) << cl.error;
+    EXPECT_EQ(cl.inputs, (std::vector<std::string>{"a.gltf", "b c.obj"}));
+    EXPECT_EQ(cl.jobs, 3);
+    EXPECT_EQ(cl.format, "h");
+
+    const std::pair<std::vector<const char*>, std::string> rows[] = {
+        {{"--out-dir", "o"}, "--out-dir needs at least one SCENE"},
+        {{"--out-dir", "o", "-j", "0", "a"}, "-j needs a whole number from 1 to 256, not '0'"},
+        {{"--out-dir", "o", "--format", "obj", "a"}, "--format needs tvo, h or cpp, not 'obj'"},
+        {{"--out-dir", "o", "--depfile", "d", "a"},
+         "--depfile, --report-json and --view name one export; they do not combine with --out-dir"},
+        {{"a", "b", "-j", "2"}, "-j and --format only apply with --out-dir"},
+        {{"a", "b", "--depfile", "x", "--depfile", "y"}, "--depfile given more than once"},
+    };
+    for (const auto& [args, reason] : rows)
+    {
+        std::vector<const char*> argv = {"ostrex"};
+        argv.insert(argv.end(), args.begin(), args.end());
+        const SCommandLine bad = ParseCommandLine(static_cast<int>(argv.size()), argv.data());
+        EXPECT_EQ(bad.action, eCommandUsageError) << reason;
+        EXPECT_EQ(bad.error, reason);
+    }
 }
