@@ -61,21 +61,6 @@ const SOptionDef* FindOption(const std::string& name)
     return nullptr;
 }
 
-// A whole number from 1 to kMaxFps, digits only.
-bool ParseFps(const std::string& text, int& fps)
-{
-    if (text.empty() || text.size() > 4)
-        return false;
-    for (char c : text)
-        if (!std::isdigit(static_cast<unsigned char>(c)))
-            return false;
-    const int value = std::atoi(text.c_str());
-    if (value < 1 || value > kMaxFps)
-        return false;
-    fps = value;
-    return true;
-}
-
 // A whole number from 1 to limit, digits only.
 bool ParseCount(const std::string& text, int limit, int& count)
 {
@@ -89,6 +74,12 @@ bool ParseCount(const std::string& text, int limit, int& count)
         return false;
     count = value;
     return true;
+}
+
+// A frame rate: a whole number from 1 to kMaxFps.
+bool ParseFps(const std::string& text, int& fps)
+{
+    return ParseCount(text, kMaxFps, fps);
 }
 
 // Options given once at most, each a string field.
