@@ -1,6 +1,7 @@
 // The geometry pass and GenD.
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "Log.h"
 #include "QMXTBoneBatches.h"
@@ -35,16 +36,21 @@ bool AddEmptyFloatStream(CTVOData& d, uint32_t vertexCount)
     return d.pData != nullptr;
 }
 
-// Reorders the triangles of one range of the index list as eTriSort asks.
+// Reorders the triangles of one range of the index list as eTriSort asks. The indices are valid
+// here, so a failure can only be for want of memory: it fails the export (std::bad_alloc) rather
+// than silently writing the triangles unordered.
 void OrderTriangles(uint8_t* vertices, uint32_t* indices, uint32_t stride, uint32_t vertexCount,
                     uint32_t triangleCount, const SBuilderSettings& s)
 {
+    int result = 0;
     if (triangleCount == 0)
         return;
     if (s.eTriSort == 1)
-        QMXTGeometrySort(vertices, indices, stride, vertexCount, triangleCount, 32, 64, 3);
+        result = QMXTGeometrySort(vertices, indices, stride, vertexCount, triangleCount, 32, 64, 3);
     else if (s.eTriSort == 3)
-        QMXTTriStripList(indices, triangleCount);
+        result = QMXTTriStripList(indices, triangleCount);
+    if (result != 0)
+        throw std::bad_alloc();
 }
 
 bool BatchBones(STVOMesh& m, const SBuilderSettings& s)

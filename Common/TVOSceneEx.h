@@ -39,6 +39,7 @@ class CTVOSceneEx : public CQMXTModelTVO
     void DestroyAll();
 
     bool GenA(const SContent* content, const SBuilderSettings& settings);
+    // False when out of memory, with the counts matching the arrays made so far.
     bool GenB();
     void GenC(const SBuilderSettings& settings);
     bool GenD(const SBuilderSettings& settings);

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 
 #include "QMXTModelTVO.h"
@@ -360,12 +361,28 @@ int CQMXTModelTVO::SaveTVO(const char* path, const char* options, const char* hi
         return 1;
     // Written under a temporary name and renamed when complete, so a failed write leaves no partial
     // file behind (and an older file of that name untouched).
-    const std::string temporary = std::string(path) + ".tmp";
+    std::string temporary;
+    try
+    {
+        temporary = std::string(path) + ".tmp";
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
     FILE* file = std::fopen(temporary.c_str(), "wb+");
     if (!file)
         return 1;
-    CSinkFile sink(file);
-    int result = SaveTVO(sink, options, history);
+    int result = 1;
+    try
+    {
+        CSinkFile sink(file);
+        result = SaveTVO(sink, options, history);
+    }
+    catch (const std::bad_alloc&)
+    {
+        result = 1; // the file is still closed and removed below
+    }
     if (std::fclose(file) != 0)
         result = 1;
     if (result == 0 && std::rename(temporary.c_str(), path) != 0)
