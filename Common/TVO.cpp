@@ -129,8 +129,8 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
         STVOMesh& mesh = m_pScene->pMesh[i];
         if (!VertexFormatPass(mesh, s))
             return false;
-        if (s.bInterleaved && QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) != 0)
-            return false;
+        if (s.bInterleaved)
+            RequireMemory(QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) == 0);
     }
 
     if (s.bMerge && !s.sMergeSource.empty())
