@@ -26,7 +26,8 @@ CNode Joint(const char* name, int parent, float y)
     return n;
 }
 
-// A cube split over two materials and a tube skinned to two joints, the second of them animated.
+// A cube split over two materials, a tube skinned to two joints (the second animated), and a
+// camera with animated field of view and a light, both aimed at that joint.
 SContent SmallScene()
 {
     SContent content;
@@ -43,6 +44,13 @@ SContent SmallScene()
     CNode tube = MeshNode("Tube", TubeGeometry(2, 4));
     tube.modifiers = {TubeSkin(tube.geom, 2, 4, {root, tipIndex})};
     content.AddNode(tube);
+    CNode camera = Joint("camera", -1, 5.0f), light = Joint("light", -1, 6.0f);
+    camera.type = eNodeCamera;
+    camera.camera.target = light.light.target = tipIndex;
+    camera.camera.fovFrames = {0.5f, 0.6f, 0.7f};
+    light.type = eNodeLight;
+    content.AddNode(camera);
+    content.AddNode(light);
     content.materials.resize(2);
     content.materials[0].name = "red";
     content.materials[1].name = "blue";
