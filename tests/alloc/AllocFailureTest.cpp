@@ -129,8 +129,12 @@ TEST_P(AllocFailure, EveryFailedAllocationFailsCleanlyOrChangesNothing)
                 changedFiles.push_back(n);
             std::remove(Output().c_str());
         }
-        else if (++failures, sink.errors == 0)
-            silentFailures.push_back(n);
+        else
+        {
+            ++failures;
+            if (sink.errors == 0)
+                silentFailures.push_back(n);
+        }
         if (!dir.Entries().empty())
         {
             leftFiles.push_back(n);
