@@ -9,7 +9,7 @@
 #include "QMXTSink.h"
 #include "QMXTModelTVOTransform.h"
 #include "TVOBuilderStrings.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 
 namespace
 {

@@ -10,7 +10,7 @@
 #include "QMXTTriStrip.h"
 #include "QMXTTangentSpace.h"
 #include "TVOBuilderStrings.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 #include "TVOSceneEx.h"
 #include "QMXTLargeArray.h"
 

@@ -3,7 +3,7 @@
 
 #include "Log.h"
 #include "QMXTModelTVOTransform.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 
 namespace
 {

@@ -6,7 +6,7 @@
 
 #include "SceneFixtures.h"
 #include "TVOMeshEx.h"
-#include "TVOMeshOpt.h"
+#include "TVOMeshPasses.h"
 
 namespace
 {
@@ -105,4 +105,24 @@ TEST(VertexFormat, LargeMeshesKeep32BitIndicesAndUnwrittenStreamsGo)
     EXPECT_EQ(m.mesh.sFaces.eType, EQMXTDataUnsignedInt);
     EXPECT_EQ(m.mesh.sNormals.n, 0u);
     EXPECT_EQ(m.mesh.sNormals.pData, nullptr);
+}
+
+// 16-bit indices reach exactly 65536 vertices (0 to 65535); one vertex more needs 32 bits.
+TEST(VertexFormat, SixteenBitIndicesUpToExactly65536Vertices)
+{
+    const SBuilderSettings s;
+    for (bool oneMore : {false, true})
+    {
+        SGeomData g = GridGeometry(255); // 256 x 256 = 65536 welded vertices
+        if (oneMore)
+            g.faces.back().group = 1; // its three corners become vertices of their own
+        CTVOMeshEx m;
+        m.Init(static_cast<uint32_t>(g.faces.size()), 1);
+        for (uint32_t f = 0; f < g.faces.size(); ++f)
+            m.AddFace(f, &g, nullptr, s);
+        ASSERT_TRUE(m.Finalise(s));
+        ASSERT_EQ(m.mesh.nNumVertex, oneMore ? 65539u : 65536u);
+        ASSERT_TRUE(VertexFormatPass(m.mesh, s));
+        EXPECT_EQ(m.mesh.sFaces.eType, oneMore ? EQMXTDataUnsignedInt : EQMXTDataUnsignedShort);
+    }
 }

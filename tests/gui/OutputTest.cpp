@@ -1,0 +1,91 @@
+#include <QProgressBar>
+#include <QTextEdit>
+#include <QtTest>
+
+#include "GuiTests.h"
+#include "OstrexStrings.h"
+#include "Output.h"
+
+void COutputTest::stringTable()
+{
+    using S = COstrexStrings;
+    QCOMPARE(QString(S::CStrText(0)), QString("A0"));
+    QCOMPARE(S::QtText(S::eStrExportMatrices), S::QtText(S::eStrExportMatricesTip));
+    QCOMPARE(S::QtText(40), QString("Export mapping channels"));
+    QCOMPARE(S::QtText(41), S::QtText(40));
+    QCOMPARE(S::QtText(43), QString("Export materials"));
+    QCOMPARE(S::QtText(81), QString("Index the node animation arrays to potentially reduce the amount data"));
+    QCOMPARE(S::QtText(154), QString("UVW 7"));
+    QCOMPARE(QString(S::CStrText(168)), QString("Yes"));
+    QCOMPARE(QString(S::CStrText(169)), QString());
+    QCOMPARE(S::LangNameAsQtText(S::eLangBritishEnglish), QString("British English"));
+}
+
+void COutputTest::levelColours_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QString>("html");
+    QTest::newRow("success") << 0 << "<font color=\"Dark Green\">m</font>";
+    QTest::newRow("information") << 1 << "<font color=\"Black\">m</font>";
+    QTest::newRow("warning") << 2 << "<font color=\"Chocolate\">m</font>";
+    QTest::newRow("error") << 3 << "<font color=\"red\"><b>m</b></font>";
+    QTest::newRow("detail") << 4 << QString();
+}
+
+void COutputTest::levelColours()
+{
+    QFETCH(int, level);
+    QFETCH(QString, html);
+    EOutputType type;
+    const bool shown = OutputTypeForLevel(level, type);
+    QCOMPARE(shown, !html.isEmpty());
+    if (shown)
+        QCOMPARE(OutputHtml("m", type), html);
+}
+
+void COutputTest::messagesReachTheWindow()
+{
+    CDlgOutput& out = CDlgOutput::Instance();
+    QVERIFY(out.Show("log"));
+    out.ClearText();
+    QTextEdit* view = out.Window()->outputWidget()->textView();
+    Log(eLogError, "before AddRef");
+    QCOMPARE(view->toPlainText(), QString());
+
+    out.AddRef();
+    Log(eLogError, "failed");
+    Log(eLogDetail, "detail");
+    QCOMPARE(view->toPlainText(), QString("failed"));
+    QVERIFY(view->toHtml().contains("font-weight:700"));
+    out.ClearText();
+    Log(eLogInfo, "%s", QByteArray(1100, 'x').constData());
+    QCOMPARE(view->toPlainText().size(), 1023);
+    out.DelRef();
+    QCOMPARE(out.RefCount(), 0);
+    out.Close();
+}
+
+void COutputTest::progressBar_data()
+{
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<bool>("visible");
+    QTest::newRow("start") << 0 << true;
+    QTest::newRow("half") << 50 << true;
+    QTest::newRow("done") << 100 << false;
+}
+
+void COutputTest::progressBar()
+{
+    QFETCH(int, percent);
+    QFETCH(bool, visible);
+    CDlgOutput& out = CDlgOutput::Instance();
+    out.AddRef();
+    out.Show("log");
+    ProgressUpdate(percent, "step %i", percent);
+    QProgressBar* bar = out.Window()->outputWidget()->progressBar();
+    QCOMPARE(bar->value(), percent);
+    QCOMPARE(bar->isVisible(), visible);
+    QVERIFY(out.Window()->outputWidget()->textView()->toPlainText().endsWith(QString("step %1").arg(percent)));
+    out.DelRef();
+    out.Close();
+}
