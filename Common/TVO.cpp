@@ -127,8 +127,7 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
     for (uint32_t i = 0; i < m_pScene->nNumMesh; ++i)
     {
         STVOMesh& mesh = m_pScene->pMesh[i];
-        if (!VertexFormatPass(mesh, s))
-            return false;
+        VertexFormatPass(mesh, s);
         if (s.bInterleaved)
             RequireMemory(QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) == 0);
     }

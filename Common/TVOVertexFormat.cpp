@@ -64,7 +64,7 @@ void FormatStream(CTVOData& d, uint32_t vertexCount, const CVectorOpt& fmt, bool
 }
 } // namespace
 
-bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
+void VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
 {
     if (mesh.pInterleaved)
         RequireMemory(QMXTModelTVOToggleInterleaved(mesh, 0) == 0);
@@ -98,5 +98,4 @@ bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
         mesh.nNumUVW = 8;
     while (mesh.nNumUVW && mesh.psUVW[mesh.nNumUVW - 1].n == 0)
         --mesh.nNumUVW;
-    return true;
 }
