@@ -1,7 +1,7 @@
 // A small export with a skin, animation and two materials, run once for every allocation it makes
 // with exactly that allocation failing: it must never crash, leak or let an exception out, and it
-// either succeeds with the same file as an undisturbed run or fails with an error logged and no file
-// left behind.
+// either succeeds with the same file as an undisturbed run (or with an error logged by a step that
+// goes on without its result) or fails with an error logged and no file left behind.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -125,7 +125,8 @@ TEST_P(AllocFailure, EveryFailedAllocationFailsCleanlyOrChangesNothing)
         sink.errors = 0;
         if (Export(n))
         {
-            if (ReadAll(Output()) != reference)
+            // Only a step that logs its failure and goes on (tangent space) may change the file.
+            if (ReadAll(Output()) != reference && sink.errors == 0)
                 changedFiles.push_back(n);
             std::remove(Output().c_str());
         }
@@ -156,4 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         SOptionSet{"bExportSkin=1\nbExportAnimations=1\nbExportMaterials=1\nbIndexAnimations=1\n", "scene.tvo"},
         SOptionSet{"bExportSkin=1\nbExportAnimations=1\nbExportMaterials=1\nbExportModelSpace=0\neExpFormat=1\n",
-                   "scene.h"}));
+                   "scene.h"},
+        SOptionSet{"bExportSkin=1\nbExportAnimations=1\nbExportMatrices=1\nbTangentSpace=1\ncS=1\neTriSort=3\n"
+                   "ePrimType=1\nbIndexed=0\n",
+                   "strips.tvo"}));
