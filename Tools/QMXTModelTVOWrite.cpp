@@ -352,7 +352,15 @@ int QMXTTVOWriteScene(const STVOScene& scene, CSink& sink, const char* options, 
 
 int CQMXTModelTVO::SaveTVO(CSink& sink, const char* options, const char* history) const
 {
-    return QMXTTVOWriteScene(*this, sink, options, history);
+    // The writer lists interleaved streams in a std::vector; running out of memory fails the save.
+    try
+    {
+        return QMXTTVOWriteScene(*this, sink, options, history);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
 }
 
 int CQMXTModelTVO::SaveTVO(const char* path, const char* options, const char* history) const
@@ -373,16 +381,8 @@ int CQMXTModelTVO::SaveTVO(const char* path, const char* options, const char* hi
     FILE* file = std::fopen(temporary.c_str(), "wb+");
     if (!file)
         return 1;
-    int result = 1;
-    try
-    {
-        CSinkFile sink(file);
-        result = SaveTVO(sink, options, history);
-    }
-    catch (const std::bad_alloc&)
-    {
-        result = 1; // the file is still closed and removed below
-    }
+    CSinkFile sink(file);
+    int result = SaveTVO(sink, options, history);
     if (std::fclose(file) != 0)
         result = 1;
     if (result == 0 && std::rename(temporary.c_str(), path) != 0)
