@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <vector>
 
 #include "Log.h"
@@ -186,19 +187,33 @@ void WrapData(std::ostream& out, const uint8_t* data, size_t size, const std::st
 
 bool FileOut(const char* outputPath, const std::ostringstream& text, std::ios_base::openmode openMode)
 {
-    const std::string name = outputPath ? outputPath : "";
-    std::ofstream file;
-    if (outputPath)
-        file.open(outputPath, std::ios_base::out | std::ios_base::binary | openMode);
-    if (!file.is_open())
-    {
-        Log(eLogError, "Could not open output file %s", name.c_str());
+    // A stream that could not grow while the text was built only sets its badbit: such a text is
+    // incomplete and never written. The copy is made before the file is opened, so running out of
+    // memory here leaves no file either.
+    if (!text)
         return false;
-    }
+    const std::string name = outputPath ? outputPath : "";
     const std::string s = text.str();
-    file.write(s.data(), static_cast<std::streamsize>(s.size()));
-    file.close();
-    if (file.fail())
+    std::ofstream file;
+    bool written = false;
+    try
+    {
+        if (outputPath)
+            file.open(outputPath, std::ios_base::out | std::ios_base::binary | openMode);
+        if (!file.is_open())
+        {
+            Log(eLogError, "Could not open output file %s", name.c_str());
+            return false;
+        }
+        file.write(s.data(), static_cast<std::streamsize>(s.size()));
+        file.close();
+        written = !file.fail();
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The stream allocates its buffer after creating the file: treated as a failed write.
+    }
+    if (!written)
     {
         Log(eLogError, "Could not open output file %s", name.c_str());
         if (!(openMode & std::ios_base::app))

@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <new>
 
 namespace
 {
@@ -18,15 +19,23 @@ std::string FormatMessage(const char* format, va_list args)
 }
 } // namespace
 
+// Logging never throws: an out-of-memory error must still be reportable from the handler that
+// caught std::bad_alloc, and a message that cannot be copied or kept for want of memory is dropped.
 void Log(int level, const char* format, ...)
 {
     if (!g_pSink || !format)
         return;
     va_list args;
     va_start(args, format);
-    const std::string text = FormatMessage(format, args);
+    try
+    {
+        const std::string text = FormatMessage(format, args);
+        g_pSink->OnLog(level, text);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
     va_end(args);
-    g_pSink->OnLog(level, text);
 }
 
 void ProgressUpdate(int percent, const char* format, ...)
@@ -35,9 +44,15 @@ void ProgressUpdate(int percent, const char* format, ...)
         return;
     va_list args;
     va_start(args, format);
-    const std::string text = FormatMessage(format, args);
+    try
+    {
+        const std::string text = FormatMessage(format, args);
+        g_pSink->OnProgress(percent, text);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
     va_end(args);
-    g_pSink->OnProgress(percent, text);
 }
 
 ILogSink* SetLogSink(ILogSink* sink)

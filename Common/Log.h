@@ -3,6 +3,8 @@
 // Log and ProgressUpdate format into a 1024-byte buffer (longer text is cut) and hand the text to
 // the installed sink. Levels: 0 success (dark green), 1 information, 2 warning, 3 error; other
 // levels, such as 4 (detail), are passed on for sinks that show details and ignored by the rest.
+// Neither throws: a message that cannot be made or kept for want of memory is dropped, so an
+// out-of-memory error can be logged from the handler that caught std::bad_alloc.
 #pragma once
 
 #include <string>

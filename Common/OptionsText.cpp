@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "OptionsData.h"
@@ -91,7 +92,10 @@ CQMXTString COptionsData::ToString() const
         AppendInt(out, (key + ".eType").c_str(), vector.GetOption(CVectorOpt::eDataType));
         AppendInt(out, (key + ".nEnable").c_str(), vector.GetOption(CVectorOpt::eEnable));
     }
-    return CQMXTString(out.c_str(), out.size());
+    CQMXTString text(out.c_str(), out.size());
+    if (text.length() != out.size())
+        throw std::bad_alloc(); // a CQMXTString that could not allocate stays short
+    return text;
 }
 
 int COptionsData::SetFromString(const char* text)

@@ -1,5 +1,6 @@
 #include "TVO.h"
 
+#include <memory>
 #include <new>
 #include <sstream>
 
@@ -15,6 +16,12 @@ namespace
 const char* Text(int n)
 {
     return CTVOBuilderStrings::CStrText(n);
+}
+
+bool OutOfMemory()
+{
+    Log(eLogError, "Error: out of memory while building the scene.");
+    return false;
 }
 
 void FlipKeys(float* keys, uint32_t count, uint32_t keySize, const int* elements, int elementCount)
@@ -72,8 +79,7 @@ bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
     }
     catch (const std::bad_alloc&)
     {
-        Log(eLogError, "Error: out of memory while building the scene.");
-        return false;
+        return OutOfMemory();
     }
 }
 
@@ -87,7 +93,9 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
         return false;
     Log(eLogInfo, "%s", Text(CTVOBuilderStrings::eComplete));
     ProgressUpdate(40, "%s", Text(CTVOBuilderStrings::eExportStage2));
-    m_pScene->GenB();
+    // GenB fails only for want of memory; the stages after it need its arrays.
+    if (!m_pScene->GenB())
+        return OutOfMemory();
     Log(eLogInfo, "%s", Text(CTVOBuilderStrings::eComplete));
     ProgressUpdate(50, "%s", Text(CTVOBuilderStrings::eExportStage3));
     m_pScene->GenC(s);
@@ -99,13 +107,13 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
     if (!s.bExportModelSpace)
     {
         if (m_pScene->InitImpl() != 0)
-            return false;
+            return OutOfMemory();
         const uint32_t frame = m_pScene->nNumFrame > s.uiStaticFrame ? s.uiStaticFrame : 0u;
         m_pScene->SetFrame(static_cast<float>(frame));
-        CTVOSceneEx* world = new CTVOSceneEx();
+        std::unique_ptr<CTVOSceneEx> world(new CTVOSceneEx());
         const int flattened = QMXTModelTVOFlattenToWorldSpace(*m_pScene, *world);
         DestroyScene();
-        m_pScene = world;
+        m_pScene = world.release();
         if (flattened != 0)
         {
             Log(eLogError, "Error: the scene could not be flattened to world space.");
@@ -123,12 +131,11 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
         CQuantisationProbe probe;
         if (m_bMeasureQuantisation)
             probe.Take(mesh);
-        if (!VertexFormatPass(mesh, s))
-            return false;
+        VertexFormatPass(mesh, s);
         if (m_bMeasureQuantisation)
             m_quantisationErrors.push_back(probe.Compare(mesh, s));
-        if (s.bInterleaved && QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) != 0)
-            return false;
+        if (s.bInterleaved)
+            RequireMemory(QMXTModelTVOToggleInterleaved(mesh, s.bAlignData ? s.uiPadDataTo : 1) == 0);
     }
 
     if (s.bMerge && !s.sMergeSource.empty())
@@ -139,7 +146,7 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
         source.Destroy();
     }
     Log(eLogInfo, "%s", Text(CTVOBuilderStrings::eComplete));
-    return m_pScene->InitImpl() == 0;
+    return m_pScene->InitImpl() == 0 || OutOfMemory();
 }
 
 std::string EmbeddedFileName(const char* path)
@@ -183,21 +190,7 @@ bool CTVO::Write(const char* path, COptions& options, const char* history, bool 
     ProgressUpdate(95, "%s", Text(CTVOBuilderStrings::eSaving));
     bool ok = false;
     if (m_pScene && path)
-    {
-        options.m_sPath = path;
-        switch (options.GetOption(COptionsData::eExpFormat))
-        {
-        case eExportFormatBinary:
-            ok = m_pScene->SaveTVO(path, options.ToString().c_str(), history) == 0;
-            break;
-        case eExportFormatHeader:
-        case eExportFormatSource:
-            ok = WriteWithBintuck(path, options, history, m_pScene) == 0;
-            break;
-        default:
-            ok = false;
-        }
-    }
+        ok = Save(path, options, history);
     if (!ok)
     {
         Log(eLogError, "%s", Text(CTVOBuilderStrings::eFailedToWriteOutput));
@@ -207,6 +200,29 @@ bool CTVO::Write(const char* path, COptions& options, const char* history, bool 
     if (runPostExport)
         RunPostExport(options);
     return true;
+}
+
+bool CTVO::Save(const char* path, COptions& options, const char* history)
+{
+    // Running out of memory while saving fails the write like any other write error.
+    try
+    {
+        options.m_sPath = path;
+        switch (options.GetOption(COptionsData::eExpFormat))
+        {
+        case eExportFormatBinary:
+            return m_pScene->SaveTVO(path, options.ToString().c_str(), history) == 0;
+        case eExportFormatHeader:
+        case eExportFormatSource:
+            return WriteWithBintuck(path, options, history, m_pScene) == 0;
+        default:
+            return false;
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        return false;
+    }
 }
 
 void CTVO::RunPostExport(const COptions& options)

@@ -47,6 +47,8 @@ class CTVO
 
   private:
     bool RunStages(const SContent& content, const SBuilderSettings& settings);
+    // Writes the scene in the options' format; false when nothing complete was written.
+    bool Save(const char* path, COptions& options, const char* history);
     void DestroyScene();
     CTVOSceneEx* m_pScene = nullptr;
     bool m_bMeasureQuantisation = false;

@@ -1,6 +1,7 @@
 // The geometry pass and GenD.
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "Log.h"
 #include "QMXTBoneBatches.h"
@@ -35,16 +36,19 @@ bool AddEmptyFloatStream(CTVOData& d, uint32_t vertexCount)
     return d.pData != nullptr;
 }
 
-// Reorders the triangles of one range of the index list as eTriSort asks.
+// Reorders the triangles of one range of the index list as eTriSort asks. A failure fails the
+// export rather than writing the triangles unordered.
 void OrderTriangles(uint8_t* vertices, uint32_t* indices, uint32_t stride, uint32_t vertexCount,
                     uint32_t triangleCount, const SBuilderSettings& s)
 {
+    int result = 0;
     if (triangleCount == 0)
         return;
     if (s.eTriSort == 1)
-        QMXTGeometrySort(vertices, indices, stride, vertexCount, triangleCount, 32, 64, 3);
+        result = QMXTGeometrySort(vertices, indices, stride, vertexCount, triangleCount, 32, 64, 3);
     else if (s.eTriSort == 3)
-        QMXTTriStripList(indices, triangleCount);
+        result = QMXTTriStripList(indices, triangleCount);
+    RequireMemory(result == 0);
 }
 
 bool BatchBones(STVOMesh& m, const SBuilderSettings& s)
@@ -73,12 +77,12 @@ bool BatchBones(STVOMesh& m, const SBuilderSettings& s)
 // Takes the empty tangent and binormal streams out again, when no tangent space could be made.
 bool DropTangentStreams(STVOMesh& m)
 {
-    if (QMXTModelTVOToggleInterleaved(m, 1) != 0)
-        return false;
+    RequireMemory(QMXTModelTVOToggleInterleaved(m, 1) == 0);
     m.sTangents.Reset();
     m.sBinormals.Reset();
     m.sTangents.eType = m.sBinormals.eType = EQMXTDataFloat;
-    return QMXTModelTVOToggleInterleaved(m, 1) == 0;
+    RequireMemory(QMXTModelTVOToggleInterleaved(m, 1) == 0);
+    return true;
 }
 
 bool GenerateTangentSpace(STVOMesh& m, const SBuilderSettings& s)
@@ -106,6 +110,12 @@ bool GenerateTangentSpace(STVOMesh& m, const SBuilderSettings& s)
 }
 } // namespace
 
+void RequireMemory(bool done)
+{
+    if (!done)
+        throw std::bad_alloc();
+}
+
 bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
 {
     bool tangents =
@@ -116,15 +126,15 @@ bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
             static_cast<int>(s.uiTSUseUVW));
         tangents = false;
     }
-    if (tangents &&
-        (!AddEmptyFloatStream(m.sTangents, m.nNumVertex) || !AddEmptyFloatStream(m.sBinormals, m.nNumVertex)))
-        return false;
+    if (tangents)
+        RequireMemory(AddEmptyFloatStream(m.sTangents, m.nNumVertex) &&
+                      AddEmptyFloatStream(m.sBinormals, m.nNumVertex));
     // Mirroring z for DirectX turns every triangle over; reversing the corners keeps it facing out.
-    if (s.IsDirectX() && m.nNumFaces && QMXTModelTVOReorderFaces(m, 0, 2, 1) != 0)
-        return false;
+    if (s.IsDirectX() && m.nNumFaces)
+        RequireMemory(QMXTModelTVOReorderFaces(m, 0, 2, 1) == 0);
     // Batching, tangent space and de-indexing work on one interleaved block.
-    if (!m.pInterleaved && QMXTModelTVOToggleInterleaved(m, 1) != 0)
-        return false;
+    if (!m.pInterleaved)
+        RequireMemory(QMXTModelTVOToggleInterleaved(m, 1) == 0);
 
     if (m.sBoneWeight.n > 4)
     {
@@ -161,14 +171,13 @@ bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
     m.ePrimitiveType = eTVOIndexedTriangleList;
     if (s.ePrimType == 1 && m.nNumFaces)
     {
-        if (QMXTModelTVOToggleStrips(m) != 0)
-            return false;
+        RequireMemory(QMXTModelTVOToggleStrips(m) == 0);
         m.ePrimitiveType = eTVOIndexedTriangleStrip;
     }
-    if (!s.bIndexed && QMXTModelTVODeIndex(m) != 0)
-        return false;
-    if (!m.pInterleaved && QMXTModelTVOToggleInterleaved(m, 1) != 0)
-        return false;
+    if (!s.bIndexed)
+        RequireMemory(QMXTModelTVODeIndex(m) == 0);
+    if (!m.pInterleaved)
+        RequireMemory(QMXTModelTVOToggleInterleaved(m, 1) == 0);
     return true;
 }
 

@@ -8,6 +8,9 @@
 // format is not exported (or selects no component) is removed, as are trailing unwritten uv sets;
 // with bUnpackMatrix, positions of a non-float type are quantised with an unpack matrix.
 // A tangent-space failure is logged and leaves the mesh without tangent and binormal streams.
+// The mesh transforms they call fail on the builder's own, consistent meshes only for want of memory:
+// such a failure throws std::bad_alloc (RequireMemory), which CTVO::ProcessWith reports as the
+// out-of-memory error. GeometryPass logs its other failures and returns false.
 //
 // Coordinate system: with eCoordSystemDirectX the z component of positions, normals, tangents and
 // binormals is negated (a mirror through the xy plane, matching the z negation of node animation),
@@ -20,4 +23,6 @@
 #include "QMXTModelTVO.h"
 
 bool GeometryPass(STVOMesh& mesh, const SBuilderSettings& settings);
-bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& settings);
+// Throws std::bad_alloc unless done.
+void RequireMemory(bool done);
+void VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& settings);

@@ -1,29 +1,33 @@
 #include "TVONodeEx.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "Log.h"
+
+void* AllocOrThrow(size_t bytes)
+{
+    void* p = std::malloc(bytes ? bytes : 1);
+    if (!p)
+        throw std::bad_alloc();
+    return p;
+}
 
 char* DuplicateString(const char* s)
 {
     if (!s)
         s = "";
     const size_t n = std::strlen(s) + 1;
-    char* out = static_cast<char*>(std::malloc(n));
-    if (out)
-        std::memcpy(out, s, n);
-    return out;
+    return static_cast<char*>(std::memcpy(AllocOrThrow(n), s, n));
 }
 
 uint8_t* DuplicateBytes(const std::vector<uint8_t>& bytes)
 {
     if (bytes.empty())
         return nullptr;
-    uint8_t* out = static_cast<uint8_t*>(std::malloc(bytes.size()));
-    if (out)
-        std::memcpy(out, bytes.data(), bytes.size());
-    return out;
+    return static_cast<uint8_t*>(std::memcpy(AllocOrThrow(bytes.size()), bytes.data(), bytes.size()));
 }
 
 namespace
@@ -40,7 +44,7 @@ STVONode EmptyNode()
 
 float* AllocFloats(size_t count)
 {
-    return static_cast<float*>(std::malloc(count * sizeof(float)));
+    return static_cast<float*>(AllocOrThrow(count * sizeof(float)));
 }
 
 // One key of frameCount keys, taken from the frames (the last one repeated should the list be short).
@@ -191,11 +195,9 @@ STVOLight CTVOLightEx::Gen(const SLightData* light)
 
 bool CreateIndexedAnimation(uint32_t** ppIdx, float** ppData, uint32_t frameCount, uint32_t n)
 {
-    uint32_t* idx = static_cast<uint32_t*>(std::malloc(sizeof(uint32_t) * (frameCount ? frameCount : 1)));
-    *ppIdx = idx;
-    if (!idx)
-        return false;
+    *ppIdx = nullptr;
     const float* data = *ppData;
+    std::vector<uint32_t> idx(frameCount);
     std::vector<float> unique;
     const size_t limit = static_cast<size_t>(frameCount) * n;
     for (uint32_t f = 0; f < frameCount; ++f)
@@ -218,23 +220,21 @@ bool CreateIndexedAnimation(uint32_t** ppIdx, float** ppData, uint32_t frameCoun
             continue;
         idx[f] = static_cast<uint32_t>(unique.size());
         if (static_cast<size_t>(idx[f]) + frameCount + n >= limit)
-        {
-            std::free(idx);
-            *ppIdx = nullptr;
             return false;
-        }
         unique.insert(unique.end(), key, key + n);
     }
-    float* packed = AllocFloats(unique.empty() ? 1 : unique.size());
-    if (!packed)
+    float* packed = AllocFloats(unique.size());
+    uint32_t* offsets = static_cast<uint32_t*>(std::malloc(sizeof(uint32_t) * (frameCount ? frameCount : 1)));
+    if (!offsets)
     {
-        std::free(idx);
-        *ppIdx = nullptr;
-        return false;
+        std::free(packed);
+        throw std::bad_alloc();
     }
-    std::memcpy(packed, unique.data(), unique.size() * sizeof(float));
+    std::copy(unique.begin(), unique.end(), packed);
+    std::copy(idx.begin(), idx.end(), offsets);
     std::free(*ppData);
     *ppData = packed;
+    *ppIdx = offsets;
     return true;
 }
 

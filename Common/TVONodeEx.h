@@ -59,9 +59,14 @@ void GenNodeAnimation(STVONode& node, const CTVONodeEx& statics, uint32_t frameC
 
 // Stores an animation channel of frameCount keys of n floats as unique keys plus one float offset a
 // frame. Gives up (returns false, *ppIdx null, data untouched) as soon as indexing would not save
-// space; otherwise replaces *ppData with the unique keys and returns true.
+// space; otherwise replaces *ppData with the unique keys and returns true. Throws std::bad_alloc,
+// leaving the arrays as they were, when out of memory.
 bool CreateIndexedAnimation(uint32_t** ppIdx, float** ppData, uint32_t frameCount, uint32_t n);
 
+// The builder's C allocations for records that are freed with free(). Like new, they throw
+// std::bad_alloc when out of memory, so a failed allocation unwinds to CTVO::ProcessWith, which fails
+// the export, instead of leaving a null array behind a non-zero count.
+void* AllocOrThrow(size_t bytes);
 // malloc'ed copy of a string (an empty string for null).
 char* DuplicateString(const char* s);
 // malloc'ed copy of a byte list, or null when empty.

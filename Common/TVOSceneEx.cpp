@@ -21,14 +21,19 @@ void FreeMaterialRecord(STVOMaterial& m)
     std::memset(&m, 0, sizeof m);
 }
 
-template <typename T> T* CopyToArray(const std::vector<T>& list)
+// Moves a builder list of plain records into a new model array and sets its count; the records'
+// arrays go with them. On a failed allocation the list keeps them and the array stays empty.
+template <typename T> bool MoveToArray(std::vector<T>& list, T*& array, uint32_t& count)
 {
     if (list.empty())
-        return nullptr;
-    T* out = static_cast<T*>(QMXTLargeAlloc(sizeof(T) * list.size()));
-    if (out)
-        std::memcpy(static_cast<void*>(out), list.data(), sizeof(T) * list.size());
-    return out;
+        return true;
+    array = static_cast<T*>(QMXTLargeAlloc(sizeof(T) * list.size()));
+    if (!array)
+        return false;
+    std::memcpy(static_cast<void*>(array), list.data(), sizeof(T) * list.size());
+    count = static_cast<uint32_t>(list.size());
+    list.clear();
+    return true;
 }
 
 // A copy of a content node without its geometry, for the node of one sub-mesh: the sub-mesh hangs
@@ -70,9 +75,10 @@ void CTVOSceneEx::Reset()
 void CTVOSceneEx::DestroyAll()
 {
     Reset();
-    // Destroy frees the arrays only once the private part exists.
-    if (!IsLoaded())
-        InitImpl();
+    // Destroy frees the arrays only once the private part exists, which a failed stage may not
+    // have made.
+    if (!IsCallerOwned())
+        QMXTModelTVOFreeArrays(*this);
     Destroy();
 }
 
@@ -211,7 +217,9 @@ void CTVOSceneEx::GenMaterials(const SContent& content)
 {
     for (const SMaterial& src : content.materials)
     {
-        STVOMaterial m;
+        // The list owns the record before its strings are copied: Reset frees them if one fails.
+        materials.emplace_back();
+        STVOMaterial& m = materials.back();
         std::memset(&m, 0, sizeof m);
         m.pszName = DuplicateString(src.name.c_str());
         for (int slot = 0; slot < SMaterial::eTextureSlots; ++slot)
@@ -240,7 +248,6 @@ void CTVOSceneEx::GenMaterials(const SContent& content)
             m.eBlendSrcRGB = m.eBlendSrcA = eTVOBlendSrcAlpha;
             m.eBlendDstRGB = m.eBlendDstA = eTVOBlendOneMinusSrcAlpha;
         }
-        materials.push_back(m);
     }
 }
 
@@ -305,7 +312,8 @@ bool CTVOSceneEx::GenA(const SContent* content, const SBuilderSettings& settings
         if (n.type != eNodeCamera)
             continue;
         ReportProgress(total, n.name);
-        cameras.push_back(CTVOCameraEx::Gen(&n.camera, nNumFrame));
+        cameras.emplace_back(); // listed first, so Reset frees its animation should a later step fail
+        cameras.back() = CTVOCameraEx::Gen(&n.camera, nNumFrame);
         CTVONodeEx node;
         node.Gen(n, nNumFrame, settings);
         node.node.nIdx = static_cast<int32_t>(cameras.size() - 1);
@@ -350,44 +358,39 @@ int32_t CTVOSceneEx::ResolveSourceIndex(int32_t sourceIndex) const
 
 bool CTVOSceneEx::GenB()
 {
-    nNumCamera = static_cast<uint32_t>(cameras.size());
-    nNumLight = static_cast<uint32_t>(lights.size());
-    nNumMesh = static_cast<uint32_t>(meshes.size());
-    nNumNode = static_cast<uint32_t>(nodes.size());
-    nNumMaterial = static_cast<uint32_t>(materials.size());
-    nNumTexture = static_cast<uint32_t>(textures.size());
-
-    pCamera = CopyToArray(cameras);
-    pLight = CopyToArray(lights);
-    pMaterial = CopyToArray(materials);
-    bool ok = (pCamera || cameras.empty()) && (pLight || lights.empty()) && (pMaterial || materials.empty());
-    cameras.clear(); // the arrays now own what the records point to
-    materials.clear();
-    lights.clear();
-
-    if (nNumMesh)
+    // Every count is set together with its array, so a failed allocation leaves a model whose counts
+    // match its arrays and whose records are each owned once, by an array or by a builder list.
+    if (!MoveToArray(cameras, pCamera, nNumCamera) || !MoveToArray(lights, pLight, nNumLight) ||
+        !MoveToArray(materials, pMaterial, nNumMaterial))
+        return false;
+    if (!meshes.empty())
     {
-        pMesh = static_cast<STVOMesh*>(QMXTLargeAlloc(sizeof(STVOMesh) * nNumMesh));
-        ok = ok && pMesh;
-        for (uint32_t i = 0; pMesh && i < nNumMesh; ++i)
+        pMesh = static_cast<STVOMesh*>(QMXTLargeAlloc(sizeof(STVOMesh) * meshes.size()));
+        if (!pMesh)
+            return false;
+        nNumMesh = static_cast<uint32_t>(meshes.size());
+        for (uint32_t i = 0; i < nNumMesh; ++i)
             pMesh[i] = meshes[i]->Release();
     }
-    if (nNumNode)
+    // The builder nodes stay: GenC reads their static transforms.
+    if (!nodes.empty())
     {
-        pNode = static_cast<STVONode*>(QMXTLargeAlloc(sizeof(STVONode) * nNumNode));
-        ok = ok && pNode;
-        for (uint32_t i = 0; pNode && i < nNumNode; ++i)
+        pNode = static_cast<STVONode*>(QMXTLargeAlloc(sizeof(STVONode) * nodes.size()));
+        if (!pNode)
+            return false;
+        nNumNode = static_cast<uint32_t>(nodes.size());
+        for (uint32_t i = 0; i < nNumNode; ++i)
             pNode[i] = nodes[i].Release();
     }
-    if (nNumTexture)
+    if (!textures.empty())
     {
-        pTexture = static_cast<STVOTexture*>(std::calloc(nNumTexture, sizeof(STVOTexture)));
-        ok = ok && pTexture;
-        for (uint32_t i = 0; pTexture && i < nNumTexture; ++i)
+        pTexture = static_cast<STVOTexture*>(std::calloc(textures.size(), sizeof(STVOTexture)));
+        if (!pTexture)
+            return false;
+        nNumTexture = static_cast<uint32_t>(textures.size());
+        for (uint32_t i = 0; i < nNumTexture; ++i)
             pTexture[i].pszName = DuplicateString(textures[i].c_str());
     }
-    if (!ok)
-        return false;
 
     for (uint32_t i = 0; i < nNumCamera; ++i)
         if (pCamera[i].nIdxTarget != -1)

@@ -39,6 +39,8 @@ class CTVOSceneEx : public CQMXTModelTVO
     void DestroyAll();
 
     bool GenA(const SContent* content, const SBuilderSettings& settings);
+    // False when an array cannot be allocated, with every count matching its array and each record
+    // owned once, by an array or a builder list (DestroyAll frees both).
     bool GenB();
     void GenC(const SBuilderSettings& settings);
     bool GenD(const SBuilderSettings& settings);

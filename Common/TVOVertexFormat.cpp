@@ -33,51 +33,44 @@ bool MaskChannels(uint32_t mask, uint32_t n, int32_t channels[5])
 
 // One stream to its vertex format. Scalar streams are shredded before conversion (so any type can
 // be reduced), packed ones (colours) after conversion to a scalar type.
-bool FormatStream(CTVOData& d, uint32_t vertexCount, const CVectorOpt& fmt, bool mirrorZ, bool quantise,
+void FormatStream(CTVOData& d, uint32_t vertexCount, const CVectorOpt& fmt, bool mirrorZ, bool quantise,
                   STVOMesh& mesh, bool isPosition)
 {
     if (d.n == 0 || !d.pData)
-        return true;
+        return;
     const uint32_t mask = fmt.GetOption(CVectorOpt::eEnable);
     if (!fmt.GetOption(CVectorOpt::eExport) || (mask & 0xF) == 0)
     {
         d.Reset();
-        return true;
+        return;
     }
     if (mirrorZ && !IsPacked(d.eType) && d.n >= 3)
     {
         const int32_t flip[4] = {'x', 'y', -'z', d.n > 3 ? 'w' : 0};
         const int32_t list[5] = {flip[0], flip[1], flip[2], flip[3], 0};
-        if (QMXTModelTVODataShred(d, vertexCount, list) != 0)
-            return false;
+        RequireMemory(QMXTModelTVODataShred(d, vertexCount, list) == 0);
     }
     int32_t channels[5];
     const bool wasPacked = IsPacked(d.eType);
-    if (!wasPacked && MaskChannels(mask, d.n, channels) &&
-        QMXTModelTVODataShred(d, vertexCount, channels) != 0)
-        return false;
+    if (!wasPacked && MaskChannels(mask, d.n, channels))
+        RequireMemory(QMXTModelTVODataShred(d, vertexCount, channels) == 0);
     const EQMXTDataType target = fmt.GetOption(CVectorOpt::eDataType);
     if (isPosition && quantise && target != EQMXTDataFloat)
-    {
-        if (QMXTModelTVOScaleAndConvertVtxData(mesh, target) != 0)
-            return false;
-    }
-    else if (QMXTModelTVODataConvert(d, vertexCount, target) != 0)
-        return false;
-    if (wasPacked && !IsPacked(d.eType) && MaskChannels(mask, d.n, channels) &&
-        QMXTModelTVODataShred(d, vertexCount, channels) != 0)
-        return false;
-    return true;
+        RequireMemory(QMXTModelTVOScaleAndConvertVtxData(mesh, target) == 0);
+    else
+        RequireMemory(QMXTModelTVODataConvert(d, vertexCount, target) == 0);
+    if (wasPacked && !IsPacked(d.eType) && MaskChannels(mask, d.n, channels))
+        RequireMemory(QMXTModelTVODataShred(d, vertexCount, channels) == 0);
 }
 } // namespace
 
-bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
+void VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
 {
-    if (mesh.pInterleaved && QMXTModelTVOToggleInterleaved(mesh, 0) != 0)
-        return false;
-    if (mesh.nNumFaces && mesh.nNumVertex <= 65536 && mesh.sFaces.pData &&
-        QMXTModelTVODataConvert(mesh.sFaces, QMXTModelTVOCountIndices(mesh), EQMXTDataUnsignedShort) != 0)
-        return false;
+    if (mesh.pInterleaved)
+        RequireMemory(QMXTModelTVOToggleInterleaved(mesh, 0) == 0);
+    if (mesh.nNumFaces && mesh.nNumVertex <= 65536 && mesh.sFaces.pData)
+        RequireMemory(QMXTModelTVODataConvert(mesh.sFaces, QMXTModelTVOCountIndices(mesh),
+                                              EQMXTDataUnsignedShort) == 0);
 
     const uint32_t n = mesh.nNumVertex;
     const bool mirror = s.IsDirectX();
@@ -97,9 +90,7 @@ bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
     for (uint32_t i = 0; i < mesh.nNumUVW && i < 8; ++i)
         streams.push_back({&mesh.psUVW[i], COptionsData::eVcOptUVW0 + i, false});
     for (const SStream& st : streams)
-        if (!FormatStream(*st.data, n, s.formats[st.format], st.mirror, s.bUnpackMatrix, mesh,
-                          st.data == &mesh.sVertex))
-            return false;
+        FormatStream(*st.data, n, s.formats[st.format], st.mirror, s.bUnpackMatrix, mesh, st.data == &mesh.sVertex);
     // Sets beyond the eighth have no format and are not written; nor are trailing unwritten sets.
     for (uint32_t i = 8; i < mesh.nNumUVW; ++i)
         mesh.psUVW[i].Reset();
@@ -107,5 +98,4 @@ bool VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
         mesh.nNumUVW = 8;
     while (mesh.nNumUVW && mesh.psUVW[mesh.nNumUVW - 1].n == 0)
         --mesh.nNumUVW;
-    return true;
 }

@@ -1,6 +1,7 @@
 // Interleaving and de-interleaving of a mesh's vertex streams.
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "QMXTError.h"
@@ -66,17 +67,26 @@ int Interleave(STVOMesh& mesh, uint32_t alignment)
 
 int DeInterleave(STVOMesh& mesh)
 {
-    // Allocate every array first so that a failure leaves the mesh interleaved and intact.
+    // Allocate every array first so that a failure leaves the mesh interleaved and intact. The list
+    // of arrays gets its size before any array exists, so growing it cannot strand one.
     std::vector<uint8_t*> arrays;
+    try
+    {
+        QMXTForEachStream(mesh, [&](const CTVOData&) { arrays.push_back(nullptr); });
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
     bool failed = false;
+    size_t made = 0;
     QMXTForEachStream(mesh, [&](const CTVOData& s) {
-        uint8_t* array = nullptr;
+        uint8_t*& array = arrays[made++];
         if (s.n != 0 && !failed)
         {
             array = static_cast<uint8_t*>(QMXTLargeAlloc(static_cast<size_t>(mesh.nNumVertex) * QMXTModelTVODataStride(s)));
             failed = array == nullptr;
         }
-        arrays.push_back(array);
     });
     if (failed)
     {

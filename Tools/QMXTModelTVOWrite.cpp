@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 
 #include "QMXTModelTVO.h"
@@ -351,7 +352,15 @@ int QMXTTVOWriteScene(const STVOScene& scene, CSink& sink, const char* options, 
 
 int CQMXTModelTVO::SaveTVO(CSink& sink, const char* options, const char* history) const
 {
-    return QMXTTVOWriteScene(*this, sink, options, history);
+    // The writer lists interleaved streams in a std::vector; running out of memory fails the save.
+    try
+    {
+        return QMXTTVOWriteScene(*this, sink, options, history);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
 }
 
 int CQMXTModelTVO::SaveTVO(const char* path, const char* options, const char* history) const
@@ -360,7 +369,15 @@ int CQMXTModelTVO::SaveTVO(const char* path, const char* options, const char* hi
         return 1;
     // Written under a temporary name and renamed when complete, so a failed write leaves no partial
     // file behind (and an older file of that name untouched).
-    const std::string temporary = std::string(path) + ".tmp";
+    std::string temporary;
+    try
+    {
+        temporary = std::string(path) + ".tmp";
+    }
+    catch (const std::bad_alloc&)
+    {
+        return 1;
+    }
     FILE* file = std::fopen(temporary.c_str(), "wb+");
     if (!file)
         return 1;

@@ -14,9 +14,8 @@ namespace
 {
 bool Build(CTVOSceneEx& scene, const SContent& content, const SBuilderSettings& s = SBuilderSettings())
 {
-    if (!scene.GenA(&content, s))
+    if (!scene.GenA(&content, s) || !scene.GenB())
         return false;
-    scene.GenB();
     scene.GenC(s);
     return true;
 }
