@@ -4,6 +4,9 @@
 // goes on without its result) or fails with an error logged and no file left behind.
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <ostream>
+
 #include <chrono>
 #include <cstdio>
 #include <string>
@@ -72,6 +75,11 @@ struct SOptionSet
     const char* text;
     const char* file;
 };
+
+void PrintTo(const SOptionSet& set, std::ostream* out)
+{
+    *out << set.file;
+}
 
 class AllocFailure : public ::testing::TestWithParam<SOptionSet>
 {
@@ -160,4 +168,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "scene.h"},
         SOptionSet{"bExportSkin=1\nbExportAnimations=1\nbExportMatrices=1\nbTangentSpace=1\ncS=1\neTriSort=3\n"
                    "ePrimType=1\nbIndexed=0\n",
-                   "strips.tvo"}));
+                   "strips.tvo"}),
+    // Named by the output file, so test names stay the same from run to run.
+    [](const ::testing::TestParamInfo<SOptionSet>& info) {
+        std::string name = info.param.file;
+        for (char& c : name)
+            if (!std::isalnum(static_cast<unsigned char>(c)))
+                c = '_';
+        return name;
+    });
