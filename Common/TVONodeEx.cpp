@@ -90,16 +90,7 @@ CTVONodeEx& CTVONodeEx::operator=(CTVONodeEx&& o) noexcept
 
 void CTVONodeEx::Free()
 {
-    std::free(node.pszName);
-    std::free(node.pnAnimPositionIdx);
-    std::free(node.pfAnimPosition);
-    std::free(node.pnAnimRotationIdx);
-    std::free(node.pfAnimRotation);
-    std::free(node.pnAnimScaleIdx);
-    std::free(node.pfAnimScale);
-    std::free(node.pnAnimMatrixIdx);
-    std::free(node.pfAnimMatrix);
-    std::free(node.pUserData);
+    QMXTModelTVOFreeNode(node);
     node = EmptyNode();
 }
 

@@ -12,15 +12,6 @@
 
 namespace
 {
-void FreeMaterialRecord(STVOMaterial& m)
-{
-    std::free(m.pszName);
-    std::free(m.pszEffectFile);
-    std::free(m.pszEffectName);
-    std::free(m.pUserData);
-    std::memset(&m, 0, sizeof m);
-}
-
 // Moves a builder list of plain records into a new model array and sets its count; the records'
 // arrays go with them. On a failed allocation the list keeps them and the array stays empty.
 template <typename T> bool MoveToArray(std::vector<T>& list, T*& array, uint32_t& count)
@@ -67,7 +58,7 @@ void CTVOSceneEx::Reset()
     nodes.clear();
     pendingNodes.clear();
     for (STVOMaterial& m : materials)
-        FreeMaterialRecord(m);
+        QMXTModelTVOFreeMaterial(m);
     materials.clear();
     textures.clear();
 }

@@ -288,17 +288,6 @@ bool FlattenMeshes(CQMXTModelTVO& src, CQMXTModelTVO& dst)
     }
     return true;
 }
-void FreeChannels(STVONode& node)
-{
-    for (uint32_t* idx : {node.pnAnimPositionIdx, node.pnAnimRotationIdx, node.pnAnimScaleIdx, node.pnAnimMatrixIdx})
-        std::free(idx);
-    for (float* keys : {node.pfAnimPosition, node.pfAnimRotation, node.pfAnimScale, node.pfAnimMatrix})
-        std::free(keys);
-    node.pnAnimPositionIdx = node.pnAnimRotationIdx = node.pnAnimScaleIdx = node.pnAnimMatrixIdx = nullptr;
-    node.pfAnimPosition = node.pfAnimRotation = node.pfAnimScale = node.pfAnimMatrix = nullptr;
-    node.nAnimationFlags = 0;
-}
-
 float* CopyOfFloats(const float* values, size_t count)
 {
     float* copy = static_cast<float*>(std::malloc(count * sizeof(float)));
@@ -315,7 +304,7 @@ bool SetMatrixKeys(STVONode& node, const std::vector<QMXTMATRIXf>& keys)
         return false;
     for (size_t k = 0; k < keys.size(); ++k)
         std::memcpy(values + 16 * k, keys[k].f, sizeof(QMXTMATRIXf));
-    FreeChannels(node);
+    QMXTModelTVOFreeNodeChannels(node);
     node.pfAnimMatrix = values;
     node.nAnimationFlags = keys.size() > 1 ? eTVOHasMatrixAnimation : 0u;
     return true;
@@ -341,7 +330,7 @@ bool SetIdentity(STVONode& node)
         std::free(sc);
         return false;
     }
-    FreeChannels(node);
+    QMXTModelTVOFreeNodeChannels(node);
     node.pfAnimPosition = p;
     node.pfAnimRotation = r;
     node.pfAnimScale = sc;

@@ -41,28 +41,35 @@ void ChannelKeys(const float* values, const uint32_t* indices, bool animated, ui
     b = Key(values, indices, frame < last ? frame + 1 : last, keySize);
 }
 
-void FreeNode(STVONode& n)
+} // namespace
+
+void QMXTModelTVOFreeNodeChannels(STVONode& n)
 {
-    std::free(n.pszName);
-    std::free(n.pnAnimPositionIdx);
-    std::free(n.pfAnimPosition);
-    std::free(n.pnAnimRotationIdx);
-    std::free(n.pfAnimRotation);
-    std::free(n.pnAnimScaleIdx);
-    std::free(n.pfAnimScale);
-    std::free(n.pnAnimMatrixIdx);
-    std::free(n.pfAnimMatrix);
-    std::free(n.pUserData);
+    for (uint32_t* idx : {n.pnAnimPositionIdx, n.pnAnimRotationIdx, n.pnAnimScaleIdx, n.pnAnimMatrixIdx})
+        std::free(idx);
+    for (float* keys : {n.pfAnimPosition, n.pfAnimRotation, n.pfAnimScale, n.pfAnimMatrix})
+        std::free(keys);
+    n.pnAnimPositionIdx = n.pnAnimRotationIdx = n.pnAnimScaleIdx = n.pnAnimMatrixIdx = nullptr;
+    n.pfAnimPosition = n.pfAnimRotation = n.pfAnimScale = n.pfAnimMatrix = nullptr;
+    n.nAnimationFlags = 0;
 }
 
-void FreeMaterial(STVOMaterial& m)
+void QMXTModelTVOFreeNode(STVONode& n)
+{
+    QMXTModelTVOFreeNodeChannels(n);
+    std::free(n.pszName);
+    std::free(n.pUserData);
+    n = STVONode();
+}
+
+void QMXTModelTVOFreeMaterial(STVOMaterial& m)
 {
     std::free(m.pszName);
     std::free(m.pszEffectFile);
     std::free(m.pszEffectName);
     std::free(m.pUserData);
+    m = STVOMaterial();
 }
-} // namespace
 
 void QMXTModelTVOFreeMesh(STVOMesh& m)
 {
@@ -454,11 +461,11 @@ void QMXTModelTVOFreeArrays(STVOScene& scene)
     for (uint32_t i = 0; scene.pCamera && i < scene.nNumCamera; ++i)
         std::free(scene.pCamera[i].pfAnimFOV);
     for (uint32_t i = 0; scene.pNode && i < scene.nNumNode; ++i)
-        FreeNode(scene.pNode[i]);
+        QMXTModelTVOFreeNode(scene.pNode[i]);
     for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
         QMXTModelTVOFreeMesh(scene.pMesh[i]);
     for (uint32_t i = 0; scene.pMaterial && i < scene.nNumMaterial; ++i)
-        FreeMaterial(scene.pMaterial[i]);
+        QMXTModelTVOFreeMaterial(scene.pMaterial[i]);
     for (uint32_t i = 0; scene.pTexture && i < scene.nNumTexture; ++i)
         std::free(scene.pTexture[i].pszName);
     std::free(scene.pCamera);

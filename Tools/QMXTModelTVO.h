@@ -301,6 +301,12 @@ class CQMXTModelTVO : public STVOScene
     SQMXTModelTVOImpl* m_pImpl;
 };
 
+// Frees a node's transform channels (keys and their indices), clearing them and its animation flags.
+void QMXTModelTVOFreeNodeChannels(STVONode& node);
+// Frees every array of a node (name, channels, user data) and leaves the record zeroed.
+void QMXTModelTVOFreeNode(STVONode& node);
+// Frees every array of a material (name, effect file and name, user data) and leaves it zeroed.
+void QMXTModelTVOFreeMaterial(STVOMaterial& material);
 // Frees every array a mesh owns (streams or interleaved block, strips, bone batches); the record
 // itself is left with dangling pointers for the caller to clear or drop.
 void QMXTModelTVOFreeMesh(STVOMesh& mesh);

@@ -37,21 +37,6 @@ bool DupChannel(uint32_t*& dstIdx, float*& dstVal, const uint32_t* idx, const fl
     return DupArray(dstIdx, usedIdx, frameCount) && DupArray(dstVal, val, floats);
 }
 
-void FreeNodeArrays(STVONode& n)
-{
-    std::free(n.pszName);
-    std::free(n.pnAnimPositionIdx);
-    std::free(n.pfAnimPosition);
-    std::free(n.pnAnimRotationIdx);
-    std::free(n.pfAnimRotation);
-    std::free(n.pnAnimScaleIdx);
-    std::free(n.pfAnimScale);
-    std::free(n.pnAnimMatrixIdx);
-    std::free(n.pfAnimMatrix);
-    std::free(n.pUserData);
-    n = STVONode();
-}
-
 void ClearNodeArrays(STVONode& n)
 {
     n.pszName = nullptr;
@@ -84,15 +69,6 @@ void FreeMeshArrays(STVOMesh& m, bool interleaved)
     std::free(m.pInterleaved);
     m.sBoneBatch.Release();
     m = STVOMesh();
-}
-
-void FreeMaterialArrays(STVOMaterial& m)
-{
-    std::free(m.pszName);
-    std::free(m.pszEffectFile);
-    std::free(m.pszEffectName);
-    std::free(m.pUserData);
-    m = STVOMaterial();
 }
 
 bool CopyMeshArrays(const STVOMesh& src, STVOMesh& m)
@@ -153,7 +129,7 @@ int QMXTModelTVOCopyNode(const STVONode& src, STVONode& dst, uint32_t frameCount
                    f & eTVOHasMatrixAnimation, frameCount, 16) &&
         DupArray(n.pUserData, src.pUserData, src.nUserDataSize);
     if (!ok)
-        FreeNodeArrays(n);
+        QMXTModelTVOFreeNode(n);
     dst = n;
     return ok ? 0 : 1;
 }
@@ -178,7 +154,7 @@ int QMXTModelTVOCopyMaterial(const STVOMaterial& src, STVOMaterial& dst)
                     DupString(m.pszEffectName, src.pszEffectName) &&
                     DupArray(m.pUserData, src.pUserData, src.nUserDataSize);
     if (!ok)
-        FreeMaterialArrays(m);
+        QMXTModelTVOFreeMaterial(m);
     dst = m;
     return ok ? 0 : 1;
 }
