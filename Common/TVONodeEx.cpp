@@ -6,6 +6,7 @@
 #include <new>
 
 #include "Log.h"
+#include "QMXTString.h"
 
 void* AllocOrThrow(size_t bytes)
 {
@@ -17,10 +18,10 @@ void* AllocOrThrow(size_t bytes)
 
 char* DuplicateString(const char* s)
 {
-    if (!s)
-        s = "";
-    const size_t n = std::strlen(s) + 1;
-    return static_cast<char*>(std::memcpy(AllocOrThrow(n), s, n));
+    char* copy = QMXTStringDuplicate(s);
+    if (!copy)
+        throw std::bad_alloc();
+    return copy;
 }
 
 uint8_t* DuplicateBytes(const std::vector<uint8_t>& bytes)

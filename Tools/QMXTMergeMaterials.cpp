@@ -10,21 +10,13 @@
 #include "QMXTError.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
+#include "QMXTString.h"
 
 namespace
 {
 std::string_view ViewOf(const char* s)
 {
     return s ? std::string_view(s) : std::string_view();
-}
-
-char* CopyOf(const char* s)
-{
-    const size_t bytes = std::strlen(s) + 1;
-    char* copy = static_cast<char*>(std::malloc(bytes));
-    if (copy)
-        std::memcpy(copy, s, bytes);
-    return copy;
 }
 
 // Two different names, both with an extension, that agree on everything before it.
@@ -37,7 +29,7 @@ bool SameBaseOtherExtension(std::string_view a, std::string_view b)
 // Replaces an owned string; false (and the old string kept) when the copy fails.
 bool Replace(char*& field, const char* value)
 {
-    char* copy = CopyOf(value);
+    char* copy = QMXTStringDuplicate(value);
     if (!copy)
         return false;
     std::free(field);
@@ -47,7 +39,7 @@ bool Replace(char*& field, const char* value)
 
 bool AppendTexture(STVOScene& scene, const char* name)
 {
-    char* copy = CopyOf(name);
+    char* copy = QMXTStringDuplicate(name);
     void* grown = copy ? std::realloc(scene.pTexture, (static_cast<size_t>(scene.nNumTexture) + 1) * sizeof(STVOTexture))
                        : nullptr;
     if (!grown)

@@ -444,3 +444,14 @@ CQMXTString QMXTStringFromFormattedStr(const char* pszFormat, ...)
     va_end(args);
     return s;
 }
+
+char* QMXTStringDuplicate(const char* s)
+{
+    if (!s)
+        s = "";
+    const size_t bytes = std::strlen(s) + 1;
+    char* copy = static_cast<char*>(std::malloc(bytes));
+    if (copy)
+        std::memcpy(copy, s, bytes);
+    return copy;
+}

@@ -222,5 +222,9 @@ CQMXTString QMXTStringGetContainingDirectoryPath(const CQMXTString& sPath);
 CQMXTString& QMXTStringStripWhiteSpaceFromStartOf(CQMXTString& s);
 CQMXTString& QMXTStringStripWhiteSpaceFromEndOf(CQMXTString& s);
 
+// A copy of a C string on the C heap (released with free), as the scene model's names are; a null
+// string copies as "". Null when memory runs out.
+char* QMXTStringDuplicate(const char* s);
+
 // printf-style formatting into a new string of any length; empty on a format or memory failure.
 CQMXTString QMXTStringFromFormattedStr(const char* pszFormat, ...) __attribute__((format(printf, 1, 2)));
