@@ -76,9 +76,7 @@ void QMXTModelTVOFreeMesh(STVOMesh& m)
     const bool interleaved = m.pInterleaved != nullptr;
     m.sFaces.Reset();
     std::free(m.pnStripLength);
-    CTVOData* streams[] = {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals,
-                           &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
-    for (CTVOData* s : streams)
+    for (CTVOData* s : QMXTModelTVOFixedStreams(m))
         s->Reset(interleaved);
     for (uint32_t i = 0; m.psUVW && i < m.nNumUVW; ++i)
         m.psUVW[i].Reset(interleaved);

@@ -10,6 +10,7 @@
 // array of one entry a frame) keys starting at the float offsets the index array names.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "QMXTBoneBatches.h"
@@ -310,6 +311,17 @@ void QMXTModelTVOFreeMaterial(STVOMaterial& material);
 // Frees every array a mesh owns (streams or interleaved block, strips, bone batches); the record
 // itself is left with dangling pointers for the caller to clear or drop.
 void QMXTModelTVOFreeMesh(STVOMesh& mesh);
+
+// The seven fixed vertex streams of a mesh in file order: positions, normals, tangents, binormals,
+// colours, bone indices, bone weights (files keep the UVW streams after them).
+inline std::array<CTVOData*, 7> QMXTModelTVOFixedStreams(STVOMesh& m)
+{
+    return {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+}
+inline std::array<const CTVOData*, 7> QMXTModelTVOFixedStreams(const STVOMesh& m)
+{
+    return {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+}
 
 // Frees every array of every record of a scene (the record arrays too) and zeroes the record.
 void QMXTModelTVOFreeArrays(STVOScene& scene);

@@ -84,9 +84,8 @@ bool CopyMeshArrays(const STVOMesh& src, STVOMesh& m)
     // The UVW records still carry the source's arrays: clear them before anything can fail.
     for (uint32_t i = 0; m.psUVW && i < src.nNumUVW; ++i)
         m.psUVW[i] = CTVOData();
-    const CTVOData* from[] = {&src.sVertex, &src.sNormals, &src.sTangents, &src.sBinormals,
-                              &src.sVtxColours, &src.sBoneIdx, &src.sBoneWeight};
-    CTVOData* to[] = {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+    const auto from = QMXTModelTVOFixedStreams(src);
+    const auto to = QMXTModelTVOFixedStreams(m);
     for (int i = 0; i < 7 && ok; ++i)
         ok = QMXTModelTVOCopyCTVOData(*from[i], *to[i], src.nNumVertex, interleaved) == 0;
     for (uint32_t i = 0; ok && src.psUVW && i < src.nNumUVW; ++i)

@@ -19,9 +19,7 @@ uint64_t QMXTTVOChannelFloats(const uint32_t* pIdx, bool animated, uint32_t fram
 std::vector<const CTVOData*> QMXTTVOInterleavedStreams(const STVOMesh& mesh)
 {
     std::vector<const CTVOData*> streams;
-    const CTVOData* fixed[] = {&mesh.sVertex,     &mesh.sNormals, &mesh.sTangents,  &mesh.sBinormals,
-                               &mesh.sVtxColours, &mesh.sBoneIdx, &mesh.sBoneWeight};
-    for (const CTVOData* s : fixed)
+    for (const CTVOData* s : QMXTModelTVOFixedStreams(mesh))
         if (s->n)
             streams.push_back(s);
     for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)

@@ -9,6 +9,7 @@
 // array. The reader never recurses deeper than scene > mesh > vertex data.
 // Cost: one pass over the file; memory is the scene plus a few counters a record.
 #include <cstring>
+#include <utility>
 #include <new>
 #include <vector>
 
@@ -634,8 +635,7 @@ bool CTVOReader::Mesh(STVOMesh& m)
     QMXTMatrixIdentityF(identity);
     std::memcpy(m.mUnpackMatrix, identity.f, sizeof m.mUnpackMatrix);
     SMeshRead r;
-    CTVOData* streams[7] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
-                            &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+    const std::array<CTVOData*, 7> streams = QMXTModelTVOFixedStreams(m);
     const bool ok = Children(
         eTVOSceneMesh,
         [&](uint32_t tag, uint32_t length) -> int
@@ -781,8 +781,7 @@ bool CTVOReader::MeshEnd(STVOMesh& m, SMeshRead& r)
     if (m.pInterleaved)
     {
         // A stream without components has no place in the vertex: forget any offset it was given.
-        for (CTVOData* d : {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.sVtxColours, &m.sBoneIdx,
-                            &m.sBoneWeight})
+        for (CTVOData* d : QMXTModelTVOFixedStreams(m))
             if (!d->n)
                 QMXTModelTVODataSetOffset(*d, 0);
         for (uint32_t i = 0; i < m.nNumUVW; ++i)
@@ -794,8 +793,7 @@ bool CTVOReader::MeshEnd(STVOMesh& m, SMeshRead& r)
             QMXTTVOSwapInterleaved(m);
         return true;
     }
-    const CTVOData* streams[7] = {&m.sVertex,     &m.sNormals, &m.sTangents,  &m.sBinormals,
-                                  &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+    const std::array<const CTVOData*, 7> streams = QMXTModelTVOFixedStreams(std::as_const(m));
     for (int i = 0; i < 7; ++i)
         if (!StreamChecks(m, *streams[i], r.pnStreamBytes[i],
                           QMXTTVOBlockName(i < 4 ? eTVOMeshVertex + i : eTVOMeshVtxColours + i - 4)))
