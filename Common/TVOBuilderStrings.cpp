@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "QMXTString.h"
+
 namespace
 {
 // Every text of every language, one after the other; the offsets below index into it.
@@ -39,14 +41,7 @@ CTVOBuilderStrings::ELanguages g_eLanguage = CTVOBuilderStrings::eLangBritishEng
 // Offsets of the consecutive strings of the block, computed once.
 void BuildOffsets()
 {
-    uint32_t offset = 0;
-    for (int i = 0; i < kTableSize; ++i)
-    {
-        g_offsets[i] = offset;
-        while (offset < sizeof g_szBlock && g_szBlock[offset] != '\0')
-            ++offset;
-        ++offset;
-    }
+    QMXTStringBlockOffsets(g_szBlock, sizeof g_szBlock, g_offsets, kTableSize);
 }
 } // namespace
 

@@ -455,3 +455,17 @@ char* QMXTStringDuplicate(const char* s)
         std::memcpy(copy, s, bytes);
     return copy;
 }
+
+void QMXTStringBlockOffsets(const char* block, size_t size, uint32_t* offsets, size_t count)
+{
+    if (size == 0)
+        return;
+    size_t offset = 0;
+    for (size_t i = 0; i < count; ++i)
+    {
+        offsets[i] = static_cast<uint32_t>(offset < size ? offset : size - 1);
+        while (offset < size && block[offset] != '\0')
+            ++offset;
+        ++offset;
+    }
+}

@@ -27,6 +27,7 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 class CQMXTString
@@ -221,6 +222,11 @@ CQMXTString QMXTStringGetContainingDirectoryPath(const CQMXTString& sPath);
 // Remove leading or trailing white space (space, \t, \n, \v, \f, \r) in place; return the string.
 CQMXTString& QMXTStringStripWhiteSpaceFromStartOf(CQMXTString& s);
 CQMXTString& QMXTStringStripWhiteSpaceFromEndOf(CQMXTString& s);
+
+// Offsets of the first count texts of a block of consecutive zero-terminated texts (a string table
+// stored as one block, ending in a zero); texts missing at the end of the block get the offset of
+// its last zero, an empty text.
+void QMXTStringBlockOffsets(const char* block, size_t size, uint32_t* offsets, size_t count);
 
 // A copy of a C string on the C heap (released with free), as the scene model's names are; a null
 // string copies as "". Null when memory runs out.

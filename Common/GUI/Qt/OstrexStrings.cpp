@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "QMXTString.h"
+
 namespace
 {
 // Every text of every language, one after the other; the offsets below index into it.
@@ -187,14 +189,7 @@ COstrexStrings::ELanguages g_eLanguage = COstrexStrings::eLangBritishEnglish;
 
 void BuildOffsets()
 {
-    uint32_t offset = 0;
-    for (int i = 0; i < kTableSize; ++i)
-    {
-        g_offsets[i] = offset;
-        while (offset < sizeof g_szBlock && g_szBlock[offset] != '\0')
-            ++offset;
-        ++offset;
-    }
+    QMXTStringBlockOffsets(g_szBlock, sizeof g_szBlock, g_offsets, kTableSize);
 }
 
 int TableIndex(int n)
