@@ -30,26 +30,12 @@ int DeIndexInterleaved(STVOMesh& mesh, const std::vector<uint32_t>& indices)
 
 int DeIndexArrays(STVOMesh& mesh, const std::vector<uint32_t>& indices)
 {
-    std::vector<uint8_t*> arrays;
-    bool failed = false;
-    QMXTForEachStream(mesh, [&](const CTVOData& s) {
-        uint8_t* array = nullptr;
-        if (s.n != 0 && !failed)
-        {
-            array = static_cast<uint8_t*>(QMXTMallocArray(indices.size(), s.nStride));
-            failed = array == nullptr;
-        }
-        arrays.push_back(array);
-    });
-    if (failed)
-    {
-        for (uint8_t* a : arrays)
-            std::free(a);
+    CQMXTStreamArrays arrays;
+    if (!arrays.Allocate(mesh, indices.size(), [](const CTVOData& s) { return s.nStride; }))
         return 1;
-    }
     size_t next = 0;
     QMXTForEachStream(mesh, [&](CTVOData& s) {
-        uint8_t* array = arrays[next++];
+        uint8_t* array = arrays.Take(next++);
         if (!array)
             return;
         Gather(array, s.pData, s.nStride, indices);

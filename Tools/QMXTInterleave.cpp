@@ -67,36 +67,13 @@ int Interleave(STVOMesh& mesh, uint32_t alignment)
 
 int DeInterleave(STVOMesh& mesh)
 {
-    // Allocate every array first so that a failure leaves the mesh interleaved and intact. The list
-    // of arrays gets its size before any array exists, so growing it cannot strand one.
-    std::vector<uint8_t*> arrays;
-    try
-    {
-        QMXTForEachStream(mesh, [&](const CTVOData&) { arrays.push_back(nullptr); });
-    }
-    catch (const std::bad_alloc&)
-    {
+    // Every array first, so that a failure leaves the mesh interleaved and intact.
+    CQMXTStreamArrays arrays;
+    if (!arrays.Allocate(mesh, mesh.nNumVertex, [](const CTVOData& s) { return QMXTModelTVODataStride(s); }))
         return 1;
-    }
-    bool failed = false;
-    size_t made = 0;
-    QMXTForEachStream(mesh, [&](const CTVOData& s) {
-        uint8_t*& array = arrays[made++];
-        if (s.n != 0 && !failed)
-        {
-            array = static_cast<uint8_t*>(QMXTLargeAlloc(static_cast<size_t>(mesh.nNumVertex) * QMXTModelTVODataStride(s)));
-            failed = array == nullptr;
-        }
-    });
-    if (failed)
-    {
-        for (uint8_t* a : arrays)
-            std::free(a);
-        return 1;
-    }
     size_t next = 0;
     QMXTForEachStream(mesh, [&](CTVOData& s) {
-        uint8_t* array = arrays[next++];
+        uint8_t* array = arrays.Take(next++);
         if (s.n == 0)
         {
             s.Reset(true);

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
+#include <vector>
 
 #include "QMXTModelTVO.h"
 #include "QMXTVertexData.h"
@@ -103,3 +105,54 @@ inline void* QMXTMallocArray(size_t count, size_t size)
     const size_t bytes = count * size;
     return QMXTLargeAlloc(bytes ? bytes : 1);
 }
+
+// New arrays for the present streams of a mesh, made all at once before anything changes: either
+// every array exists or none does, so a transformation that fails on memory leaves the mesh intact.
+// Arrays not taken are freed with the object. No exception leaves it.
+class CQMXTStreamArrays
+{
+  public:
+    CQMXTStreamArrays() = default;
+    ~CQMXTStreamArrays()
+    {
+        for (uint8_t* a : m_arrays)
+            std::free(a);
+    }
+    CQMXTStreamArrays(const CQMXTStreamArrays&) = delete;
+    CQMXTStreamArrays& operator=(const CQMXTStreamArrays&) = delete;
+
+    // One array of count elements of bytesOf(stream) bytes for every stream with components, in
+    // QMXTForEachStream order (absent streams get none). False when any allocation fails.
+    template <typename BytesOf> bool Allocate(const STVOMesh& mesh, size_t count, BytesOf bytesOf) noexcept
+    {
+        size_t streams = 0;
+        QMXTForEachStream(mesh, [&](const CTVOData&) { ++streams; });
+        try
+        {
+            m_arrays.assign(streams, nullptr);
+        }
+        catch (const std::bad_alloc&)
+        {
+            return false;
+        }
+        size_t i = 0;
+        bool ok = true;
+        QMXTForEachStream(mesh, [&](const CTVOData& s) {
+            uint8_t*& array = m_arrays[i++];
+            if (ok && s.n != 0)
+                ok = (array = static_cast<uint8_t*>(QMXTMallocArray(count, bytesOf(s)))) != nullptr;
+        });
+        return ok;
+    }
+
+    // The array of the i-th stream (null for an absent one); the caller owns it from now on.
+    uint8_t* Take(size_t i)
+    {
+        uint8_t* array = m_arrays[i];
+        m_arrays[i] = nullptr;
+        return array;
+    }
+
+  private:
+    std::vector<uint8_t*> m_arrays;
+};
