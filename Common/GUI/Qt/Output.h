@@ -1,6 +1,6 @@
 // The output log: a small window with coloured messages and a progress bar.
 //
-// Any part of the program writes to it through Log (Common/Log.h) or CDlgOutput::ProgressUpdate.
+// Any part of the program writes to it through Log (Common/content/Log.h) or CDlgOutput::ProgressUpdate.
 // CDlgOutput is the process-wide owner of the window (Output, whose central widget is a
 // COutputWidget). While its reference count is above 0 it is the installed message sink: Log's
 // levels 0..3 appear in the colours of OutputHtml.h (other levels print nothing), progress steps
