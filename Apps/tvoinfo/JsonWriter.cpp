@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+
+#include "QMXTString.h"
 
 void CJsonWriter::Key(const char* key)
 {
@@ -100,39 +103,12 @@ void CJsonWriter::Null(const char* key)
     m_text += "null";
 }
 
-namespace
-{
-// Length of the valid UTF-8 sequence starting at s, or 0 when it is not one.
-size_t Utf8Length(const unsigned char* s)
-{
-    const unsigned char c = s[0];
-    size_t n;
-    uint32_t min;
-    if (c >= 0xC2 && c <= 0xDF)
-        n = 2, min = 0x80;
-    else if (c >= 0xE0 && c <= 0xEF)
-        n = 3, min = 0x800;
-    else if (c >= 0xF0 && c <= 0xF4)
-        n = 4, min = 0x10000;
-    else
-        return 0;
-    uint32_t code = c & (0x3F >> (n - 1));
-    for (size_t i = 1; i < n; ++i)
-    {
-        if ((s[i] & 0xC0) != 0x80)
-            return 0;
-        code = (code << 6) | (s[i] & 0x3F);
-    }
-    if (code < min || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
-        return 0;
-    return n;
-}
-} // namespace
 
 void CJsonWriter::Quoted(const char* s)
 {
     m_text += '"';
     const unsigned char* p = reinterpret_cast<const unsigned char*>(s);
+    const unsigned char* end = p + std::strlen(s);
     while (*p)
     {
         const unsigned char c = *p;
@@ -155,7 +131,7 @@ void CJsonWriter::Quoted(const char* s)
         }
         else if (c >= 0x80)
         {
-            const size_t n = Utf8Length(p);
+            const size_t n = QMXTStringUtf8Length(p, end);
             if (n)
             {
                 m_text.append(reinterpret_cast<const char*>(p), n);

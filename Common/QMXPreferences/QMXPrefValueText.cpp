@@ -8,6 +8,8 @@ extern "C" {
 #include <b64/cencode.h>
 }
 
+#include "QMXTString.h"
+
 namespace
 {
 bool IsSpace(char c)
@@ -101,40 +103,6 @@ std::vector<uint8_t> QMXPrefBase64Decode(const char* text)
     return plain;
 }
 
-namespace
-{
-// Length of the well-formed UTF-8 sequence at p (end bounds it), or 0.
-size_t Utf8Length(const unsigned char* p, const unsigned char* end)
-{
-    const unsigned char c = p[0];
-    if (c < 0x80)
-        return 1;
-    size_t length;
-    unsigned char low = 0x80, high = 0xBF; // allowed range of the second byte
-    if (c >= 0xC2 && c <= 0xDF)
-        length = 2;
-    else if (c >= 0xE0 && c <= 0xEF)
-    {
-        length = 3;
-        low = c == 0xE0 ? 0xA0 : 0x80; // no overlong forms
-        high = c == 0xED ? 0x9F : 0xBF; // no surrogates
-    }
-    else if (c >= 0xF0 && c <= 0xF4)
-    {
-        length = 4;
-        low = c == 0xF0 ? 0x90 : 0x80;
-        high = c == 0xF4 ? 0x8F : 0xBF;
-    }
-    else
-        return 0;
-    if (static_cast<size_t>(end - p) < length || p[1] < low || p[1] > high)
-        return 0;
-    for (size_t i = 2; i < length; ++i)
-        if (p[i] < 0x80 || p[i] > 0xBF)
-            return 0;
-    return length;
-}
-} // namespace
 
 void QMXPrefRepairUtf8(std::string& text)
 {
@@ -142,14 +110,14 @@ void QMXPrefRepairUtf8(std::string& text)
     const auto* end = begin + text.size();
     const auto* p = begin;
     size_t length = 0;
-    while (p < end && (length = Utf8Length(p, end)) != 0)
+    while (p < end && (length = QMXTStringUtf8Length(p, end)) != 0)
         p += length;
     if (p == end)
         return; // already valid: the common case costs one scan
     std::string repaired(text, 0, static_cast<size_t>(p - begin));
     while (p < end)
     {
-        length = Utf8Length(p, end);
+        length = QMXTStringUtf8Length(p, end);
         if (length)
         {
             repaired.append(reinterpret_cast<const char*>(p), length);

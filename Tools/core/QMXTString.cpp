@@ -469,3 +469,34 @@ void QMXTStringBlockOffsets(const char* block, size_t size, uint32_t* offsets, s
         ++offset;
     }
 }
+
+size_t QMXTStringUtf8Length(const unsigned char* p, const unsigned char* end)
+{
+    const unsigned char c = p[0];
+    if (c < 0x80)
+        return 1;
+    size_t length;
+    unsigned char low = 0x80, high = 0xBF; // allowed range of the second byte
+    if (c >= 0xC2 && c <= 0xDF)
+        length = 2;
+    else if (c >= 0xE0 && c <= 0xEF)
+    {
+        length = 3;
+        low = c == 0xE0 ? 0xA0 : 0x80; // no overlong forms
+        high = c == 0xED ? 0x9F : 0xBF; // no surrogates
+    }
+    else if (c >= 0xF0 && c <= 0xF4)
+    {
+        length = 4;
+        low = c == 0xF0 ? 0x90 : 0x80;
+        high = c == 0xF4 ? 0x8F : 0xBF;
+    }
+    else
+        return 0;
+    if (static_cast<size_t>(end - p) < length || p[1] < low || p[1] > high)
+        return 0;
+    for (size_t i = 2; i < length; ++i)
+        if (p[i] < 0x80 || p[i] > 0xBF)
+            return 0;
+    return length;
+}

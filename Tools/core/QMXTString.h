@@ -228,6 +228,10 @@ CQMXTString& QMXTStringStripWhiteSpaceFromEndOf(CQMXTString& s);
 // its last zero, an empty text.
 void QMXTStringBlockOffsets(const char* block, size_t size, uint32_t* offsets, size_t count);
 
+// Length of the well-formed UTF-8 sequence at p (1 for ASCII; end bounds it, p < end), or 0 for a
+// byte that starts none (overlong forms, surrogates and code points past U+10FFFF are ill-formed).
+size_t QMXTStringUtf8Length(const unsigned char* p, const unsigned char* end);
+
 // A copy of a C string on the C heap (released with free), as the scene model's names are; a null
 // string copies as "". Null when memory runs out.
 char* QMXTStringDuplicate(const char* s);
