@@ -17,24 +17,29 @@ std::string FormatMessage(const char* format, va_list args)
         return std::string();
     return std::string(buffer);
 }
+
+// Hands the formatted text to deliver. Logging never throws: an out-of-memory error must still be
+// reportable from the handler that caught std::bad_alloc, and a message that cannot be copied or
+// kept for want of memory is dropped.
+template <typename Deliver> void Send(const char* format, va_list args, Deliver deliver) noexcept
+{
+    try
+    {
+        deliver(FormatMessage(format, args));
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+}
 } // namespace
 
-// Logging never throws: an out-of-memory error must still be reportable from the handler that
-// caught std::bad_alloc, and a message that cannot be copied or kept for want of memory is dropped.
 void Log(int level, const char* format, ...)
 {
     if (!g_pSink || !format)
         return;
     va_list args;
     va_start(args, format);
-    try
-    {
-        const std::string text = FormatMessage(format, args);
-        g_pSink->OnLog(level, text);
-    }
-    catch (const std::bad_alloc&)
-    {
-    }
+    Send(format, args, [level](const std::string& text) { g_pSink->OnLog(level, text); });
     va_end(args);
 }
 
@@ -44,14 +49,7 @@ void ProgressUpdate(int percent, const char* format, ...)
         return;
     va_list args;
     va_start(args, format);
-    try
-    {
-        const std::string text = FormatMessage(format, args);
-        g_pSink->OnProgress(percent, text);
-    }
-    catch (const std::bad_alloc&)
-    {
-    }
+    Send(format, args, [percent](const std::string& text) { g_pSink->OnProgress(percent, text); });
     va_end(args);
 }
 
