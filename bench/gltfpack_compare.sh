@@ -20,7 +20,7 @@ cmake -S "$ROOT" -B "$ROOT/build-rel" -G Ninja -DCMAKE_BUILD_TYPE=Release -DOSTR
 cmake --build "$ROOT/build-rel" -j2 --target ostrex >/dev/null
 OSTREX=$(find "$ROOT/build-rel" -type f -name ostrex -perm -u+x | head -n 1)
 
-[ -f "$WORK/grid.gltf" ] || python3 "$ROOT/bench/make_grid.py" "$WORK/grid" 1000
+[ -f "$WORK/grid.gltf" ] || python3 "$ROOT/bench/make_scenes.py" grid "$WORK/grid" 1000
 
 # Runs a command 3 times; prints "wall cpu peak_kb" of the fastest run.
 best_of_3() {
