@@ -2,9 +2,10 @@
 //
 // Every node becomes a CNode (parents before children) whose transform sample rebuilds the
 // importer's local transform, so the scene model's world matrices equal the importer's global
-// transforms. Meshes become unwelded triangle lists (one position, normal, colour and UVW entry per
-// corner; several meshes of one node become one geometry with per-face material ids); meshes
-// without normals get smooth ones. Bones become joint nodes with at most four influences a corner.
+// transforms. Meshes become indexed triangle lists (one position, normal, colour and UVW entry per
+// vertex, which the builder welds by value; several meshes of one node become one geometry with
+// per-face material ids); meshes without normals get smooth ones. Bones become joint nodes with at
+// most four influences a vertex.
 // Lights and cameras become nodes whose matrices give the importer's position, direction and up
 // through the scene model's light and camera queries. The chosen animation is sampled at every
 // frame; the scene as it stands at frame 0 is the rest pose, and skinned meshes are written

@@ -1,4 +1,4 @@
-// Meshes and skins of the Assimp scene filler: unwelded triangle lists, smooth normals where the
+// Meshes and skins of the Assimp scene filler: indexed triangle lists, smooth normals where the
 // file has none, and skinned meshes deformed at frame 0.
 #include <algorithm>
 #include <array>
@@ -246,13 +246,66 @@ struct SFillCounts
     unsigned nonFinite = 0;
 };
 
-// Appends the triangles of one mesh to the geometry (and skin, when given).
+// Where one mesh's vertices start in each list of the geometry.
+struct SMeshBase
+{
+    int position = 0;
+    int normal = 0;
+    int colour = 0;
+    int uvw = 0;
+};
+
+// The texture coordinates of vertex v in channel k of the node (zeros where the mesh has fewer).
+QMXTVECTOR3f VertexUVW(const aiMesh& mesh, const std::vector<unsigned>& used, size_t k, unsigned v)
+{
+    if (k >= used.size())
+        return {0.0f, 0.0f, 0.0f};
+    const aiVector3D& uv = mesh.mTextureCoords[used[k]][v];
+    const unsigned comps = mesh.mNumUVComponents[used[k]];
+    return {uv.x, comps >= 2 ? uv.y : 0.0f, comps >= 3 ? uv.z : 0.0f};
+}
+
+// Appends vertex v of the mesh to every list the node keeps (and to the skin, when given).
+void AppendVertex(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMeshVertices& verts,
+                  const std::vector<unsigned>& used, unsigned v, int nodeIndex, bool normals, bool colours)
+{
+    geom.positions.push_back(ToVec(verts.positions[v]));
+    // A vertex normal that is not usable is never referenced (its corners take their triangle's);
+    // its entry is a unit vector all the same, so every normal of the geometry is one.
+    if (normals)
+        geom.normals.push_back(IsUsableNormal(verts.normals[v]) ? ToVec(Normalised(verts.normals[v]))
+                                                                : QMXTVECTOR3f{0.0f, 0.0f, 1.0f});
+    if (colours)
+    {
+        const aiColor4D& col = mesh.mColors[0][v];
+        geom.colours.push_back({col.r, col.g, col.b, col.a});
+    }
+    for (size_t k = 0; k < geom.channels.size(); ++k)
+        geom.channels[k].uvw.push_back(VertexUVW(mesh, used, k, v));
+    if (skin)
+    {
+        if (verts.influences.empty())
+            skin->vertices.push_back(SBonedVtx{{{nodeIndex, 1.0f}}});
+        else
+            skin->vertices.push_back(verts.influences[v]);
+    }
+}
+
+// Appends the triangles of one mesh to the geometry (and skin, when given). The geometry is indexed:
+// each mesh vertex is stored once and the builder welds equal corners by value. A triangle that
+// names one vertex twice gets copies of its vertices, so that it stays a triangle of three corners
+// for the builder exactly as a triangle of distinct vertices does.
 void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMeshVertices& verts,
-                int material, int nodeIndex, size_t channelCount, bool colours, SFillCounts& counts)
+                int material, int nodeIndex, bool colours, SFillCounts& counts)
 {
     const std::vector<unsigned> used = UsedChannels(mesh);
     colours = colours && mesh.mColors[0] != nullptr;
     const bool normals = !verts.normals.empty();
+    const SMeshBase base{static_cast<int>(geom.positions.size()), static_cast<int>(geom.normals.size()),
+                         static_cast<int>(geom.colours.size()),
+                         geom.channels.empty() ? 0 : static_cast<int>(geom.channels[0].uvw.size())};
+    for (unsigned v = 0; v < mesh.mNumVertices; ++v)
+        AppendVertex(geom, skin, mesh, verts, used, v, nodeIndex, normals, colours);
     std::vector<unsigned> tri;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f)
     {
@@ -270,78 +323,64 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
                 ++counts.nonFinite;
                 continue;
             }
+            const bool repeats = v[0] == v[1] || v[1] == v[2] || v[0] == v[2];
             SFace face;
             face.group = -1;
             face.material = material;
+            CTriIdx uvwIdx;
             for (int c = 0; c < 3; ++c)
             {
-                face.pos[c] = static_cast<int>(geom.positions.size());
-                geom.positions.push_back(ToVec(verts.positions[v[c]]));
-                if (normals)
+                int position = base.position + static_cast<int>(v[c]);
+                int colour = base.colour + static_cast<int>(v[c]);
+                int uvw = base.uvw + static_cast<int>(v[c]);
+                if (repeats)
                 {
-                    const aiVector3D& n = verts.normals[v[c]];
-                    face.normal[c] = static_cast<int>(geom.normals.size());
-                    geom.normals.push_back(
-                        ToVec(IsUsableNormal(n) ? Normalised(n) : FaceNormal(verts.positions, v)));
+                    position = static_cast<int>(geom.positions.size());
+                    colour = static_cast<int>(geom.colours.size());
+                    uvw = geom.channels.empty() ? 0 : static_cast<int>(geom.channels[0].uvw.size());
+                    AppendVertex(geom, skin, mesh, verts, used, v[c], nodeIndex, false, colours);
                 }
+                face.pos[c] = position;
                 if (colours)
+                    face.colour[c] = colour;
+                uvwIdx.idx[c] = uvw;
+                if (normals && IsUsableNormal(verts.normals[v[c]]))
+                    face.normal[c] = base.normal + static_cast<int>(v[c]);
+                else if (normals)
                 {
-                    const aiColor4D& col = mesh.mColors[0][v[c]];
-                    face.colour[c] = static_cast<int>(geom.colours.size());
-                    geom.colours.push_back({col.r, col.g, col.b, col.a});
-                }
-                if (skin)
-                {
-                    if (verts.influences.empty())
-                        skin->vertices.push_back(SBonedVtx{{{nodeIndex, 1.0f}}});
-                    else
-                        skin->vertices.push_back(verts.influences[v[c]]);
+                    // A corner without a usable normal of its own takes its triangle's.
+                    face.normal[c] = static_cast<int>(geom.normals.size());
+                    geom.normals.push_back(ToVec(FaceNormal(verts.positions, v)));
                 }
             }
             geom.faces.push_back(face);
-            for (size_t k = 0; k < channelCount; ++k)
-            {
-                SMappingChannel& channel = geom.channels[k];
-                CTriIdx idx;
-                for (int c = 0; c < 3; ++c)
-                {
-                    idx.idx[c] = static_cast<int>(channel.uvw.size());
-                    QMXTVECTOR3f uvw = {0.0f, 0.0f, 0.0f};
-                    if (k < used.size())
-                    {
-                        const aiVector3D& uv = mesh.mTextureCoords[used[k]][v[c]];
-                        const unsigned comps = mesh.mNumUVComponents[used[k]];
-                        uvw = {uv.x, comps >= 2 ? uv.y : 0.0f, comps >= 3 ? uv.z : 0.0f};
-                    }
-                    channel.uvw.push_back(uvw);
-                }
-                channel.faces.push_back(idx);
-            }
+            for (SMappingChannel& channel : geom.channels)
+                channel.faces.push_back(uvwIdx);
         }
     }
 }
-// Room for every corner the meshes can give, so the lists grow once.
+// Room for every vertex and triangle the meshes can give, so the lists grow once (triangles that
+// name a vertex twice, or corners without a usable normal, add a few entries beyond).
 void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t channelCount,
              const SExtractedStreams& streams)
 {
-    size_t faces = 0, coloured = 0;
+    size_t faces = 0, vertices = 0, coloured = 0;
     for (const aiMesh* mesh : meshes)
     {
-        size_t meshFaces = 0;
         for (unsigned f = 0; f < mesh->mNumFaces; ++f)
-            meshFaces += mesh->mFaces[f].mNumIndices >= 3 ? mesh->mFaces[f].mNumIndices - 2 : 0;
-        faces += meshFaces;
-        coloured += mesh->mColors[0] && streams.colours ? meshFaces : 0;
+            faces += mesh->mFaces[f].mNumIndices >= 3 ? mesh->mFaces[f].mNumIndices - 2 : 0;
+        vertices += mesh->mNumVertices;
+        coloured += mesh->mColors[0] && streams.colours ? mesh->mNumVertices : 0;
     }
     geom.faces.reserve(faces);
-    geom.positions.reserve(3 * faces);
-    geom.normals.reserve(streams.normals ? 3 * faces : 0);
-    geom.colours.reserve(3 * coloured);
+    geom.positions.reserve(vertices);
+    geom.normals.reserve(streams.normals ? vertices : 0);
+    geom.colours.reserve(coloured);
     geom.channels.resize(channelCount);
     for (SMappingChannel& channel : geom.channels)
     {
         channel.faces.reserve(faces);
-        channel.uvw.reserve(3 * faces);
+        channel.uvw.reserve(vertices);
     }
 }
 } // namespace
@@ -379,8 +418,8 @@ void FillAssimpGeometry(CNode& node, int graphIndex, const aiScene& scene, const
             skin.vertices.reserve(node.geom.positions.capacity());
         MeshVertices(*mesh, graphIndex, graph, globals0, streams.normals, limiter, verts);
         const int material = streams.materials ? materials.Use(mesh->mMaterialIndex) : -1;
-        AppendMesh(node.geom, keepSkin ? &skin : nullptr, *mesh, verts, material, graphIndex, channelCount,
-                   streams.colours, counts);
+        AppendMesh(node.geom, keepSkin ? &skin : nullptr, *mesh, verts, material, graphIndex, streams.colours,
+                   counts);
     }
     if (counts.skippedPrimitives)
         Log(eLogWarning,

@@ -146,14 +146,14 @@ void CheckFrameZero(const aiScene& scene, const SContent& content, const SAssimp
         if (n.type == eNodeMesh && fill.sources[i])
         {
             const std::vector<aiVector3D> want = ImporterCorners(scene, *fill.sources[i], ref);
-            ASSERT_EQ(want.size(), n.geom.positions.size()) << where;
+            ASSERT_EQ(want.size(), 3 * n.geom.faces.size()) << where;
             const QMXTMATRIXf world = model.World(index);
             for (size_t c = 0; c < want.size(); ++c)
             {
                 if (std::isnan(want[c].x))
                     continue;
                 QMXTVECTOR3f p;
-                QMXTTransform(p, n.geom.positions[c], world);
+                QMXTTransform(p, n.geom.positions[n.geom.faces[c / 3].pos[c % 3]], world);
                 const double d = (aiVector3D(p.x, p.y, p.z) - want[c]).Length() / size;
                 stats.worstCorner = std::max(stats.worstCorner, d);
                 ASSERT_LT(d, 1e-4) << where << " corner " << c;

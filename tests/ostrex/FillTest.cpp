@@ -149,22 +149,24 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
     ASSERT_EQ(node.type, eNodeMesh);
     const SGeomData& g = node.geom;
     ASSERT_EQ(g.faces.size(), 3u);
-    ASSERT_EQ(g.positions.size(), 9u);
+    // Indexed: each vertex once; the two corners at the quad's vertex without a usable normal
+    // take their triangle's normal as entries of their own.
+    ASSERT_EQ(g.positions.size(), 7u);
     ASSERT_EQ(g.normals.size(), 9u);
-    // The quad is split into (0, 1, 2) and (0, 2, 3); every corner has its own entries.
+    // The quad is split into (0, 1, 2) and (0, 2, 3).
     const float quadX[] = {0, 1, 1, 0, 1, 0};
     const float quadY[] = {0, 0, 1, 0, 1, 1};
     for (int c = 0; c < 6; ++c)
     {
         const SFace& f = g.faces[c / 3];
-        EXPECT_EQ(f.pos[c % 3], c);
-        EXPECT_EQ(f.normal[c % 3], c);
-        EXPECT_EQ(g.positions[c].x, quadX[c]);
-        EXPECT_EQ(g.positions[c].y, quadY[c]);
-        ExpectVecNear(g.normals[c], {0, 0, 1}, 1e-6f,
+        EXPECT_EQ(g.positions[f.pos[c % 3]].x, quadX[c]);
+        EXPECT_EQ(g.positions[f.pos[c % 3]].y, quadY[c]);
+        ExpectVecNear(g.normals[f.normal[c % 3]], {0, 0, 1}, 1e-6f,
                       "quad normal " + std::to_string(c)); // normalised, or the face's
     }
-    ExpectVecNear(g.normals[6], {-1, 0, 0}, 1e-6f, "generated normal"); // (0,0,1)x(0,1,0) of the triangle
+    EXPECT_NE(g.faces[0].normal[2], g.faces[1].normal[1]); // vertex 2's corners: one normal each
+    ExpectVecNear(g.normals[g.faces[2].normal[0]], {-1, 0, 0}, 1e-6f,
+                  "generated normal"); // (0,0,1)x(0,1,0) of the triangle
     EXPECT_EQ(content.materials.size(), 2u);
     EXPECT_EQ(g.faces[0].material, 0);
     EXPECT_EQ(g.faces[1].material, 0);
@@ -173,31 +175,31 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
     for (const SFace& f : g.faces)
         EXPECT_EQ(f.group, -1);
     // Colours: the quad's corners point at their colours, the triangle has none.
-    ASSERT_EQ(g.colours.size(), 6u);
-    EXPECT_EQ(g.faces[1].colour[2], 5);
-    EXPECT_EQ(g.colours[5].w, 0.5f);
+    ASSERT_EQ(g.colours.size(), 4u);
+    EXPECT_EQ(g.colours[g.faces[1].colour[2]].w, 0.5f);
     EXPECT_EQ(g.faces[2].colour[0], -1);
     // Channels are compacted (sets 0 and 2), two or three components, zeros for the triangle.
     ASSERT_EQ(g.channels.size(), 2u);
     for (const SMappingChannel& ch : g.channels)
     {
         ASSERT_EQ(ch.faces.size(), 3u);
-        ASSERT_EQ(ch.uvw.size(), 9u);
-        EXPECT_EQ(ch.faces[2].idx[1], 7);
-        EXPECT_EQ(ch.uvw[7].x, 0.0f);
+        ASSERT_EQ(ch.uvw.size(), 7u);
+        EXPECT_EQ(ch.uvw[ch.faces[2].idx[1]].x, 0.0f);
     }
-    EXPECT_EQ(g.channels[0].uvw[4].y, 1.0f);
-    EXPECT_EQ(g.channels[0].uvw[4].z, 0.0f);       // two components: w is 0
-    EXPECT_FLOAT_EQ(g.channels[1].uvw[4].z, 0.9f); // corner 4 is vertex 2
+    const QMXTVECTOR3f& uv0 = g.channels[0].uvw[g.channels[0].faces[1].idx[1]]; // vertex 2
+    EXPECT_EQ(uv0.y, 1.0f);
+    EXPECT_EQ(uv0.z, 0.0f); // two components: w is 0
+    EXPECT_FLOAT_EQ(g.channels[1].uvw[g.channels[1].faces[1].idx[1]].z, 0.9f);
     EXPECT_TRUE(node.modifiers.empty());
 }
 
 TEST(AssimpFill, MissingNormalsAreSmoothedOverCornersAtTheSamePlace)
 {
     CSceneKit kit;
-    // Two triangles at a right angle sharing an edge, with separate vertices.
+    // Two triangles at a right angle sharing an edge, with separate vertices, and one that names a
+    // vertex twice.
     const unsigned mesh = kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {0, 0, 1}, {1, 0, 0}},
-                                      {{0, 1, 2}, {3, 4, 5}});
+                                      {{0, 1, 2}, {3, 4, 5}, {4, 4, 1}});
     kit.AttachMesh(kit.AddNode(kit.Root(), "Roof"), mesh);
     kit.AddMaterial(new aiMaterial);
     const SContent content = Fill(kit);
@@ -208,6 +210,12 @@ TEST(AssimpFill, MissingNormalsAreSmoothedOverCornersAtTheSamePlace)
     ExpectVecNear(g.normals[2], {0, 0, 1}, 1e-6f, "own corner");
     ExpectVecNear(g.normals[4], {0, 1, 0}, 1e-6f, "own corner");
     ExpectVecNear(g.normals[5], {0, h, h}, 1e-6f, "shared corner");
+    // The repeating triangle keeps three corners of their own, so the builder still takes it.
+    ASSERT_EQ(g.faces.size(), 3u);
+    EXPECT_FALSE(g.faces[2].IsDegenerate());
+    EXPECT_EQ(g.positions[g.faces[2].pos[0]].z, 1.0f);
+    EXPECT_EQ(g.positions[g.faces[2].pos[1]].z, 1.0f);
+    EXPECT_EQ(g.positions[g.faces[2].pos[2]].x, 1.0f);
 }
 
 TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
@@ -362,16 +370,16 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
     for (int c = 0; c < 6; ++c)
     {
         QMXTVECTOR3f p;
-        QMXTTransform(p, node.geom.positions[c], world);
+        QMXTTransform(p, node.geom.positions[node.geom.faces[c / 3].pos[c % 3]], world);
         ExpectVecNear(p, expected[corners[c]], 1e-4f, "corner " + std::to_string(c));
     }
     EXPECT_EQ(skin.vertices[0].weights.size(), 1u);
     EXPECT_EQ(skin.vertices[0].weights[0].bone, b[1]);
     EXPECT_EQ(skin.vertices[1].weights[0].bone, b[2]);
-    ASSERT_EQ(skin.vertices[4].weights.size(), 1u); // no influences: follows the mesh node itself
-    EXPECT_EQ(skin.vertices[4].weights[0].bone, armIndex);
-    EXPECT_EQ(skin.vertices[4].weights[0].weight, 1.0f);
-    const std::vector<CBoneWeight>& four = skin.vertices[5].weights;
+    ASSERT_EQ(skin.vertices[3].weights.size(), 1u); // no influences: follows the mesh node itself
+    EXPECT_EQ(skin.vertices[3].weights[0].bone, armIndex);
+    EXPECT_EQ(skin.vertices[3].weights[0].weight, 1.0f);
+    const std::vector<CBoneWeight>& four = skin.vertices[4].weights;
     ASSERT_EQ(four.size(), 4u);
     EXPECT_EQ(four[2].bone, b[5]); // B5 (0.35) took the place of B3 (0.05)
     EXPECT_NEAR(four[2].weight, 0.35f / t4, 1e-6f);
