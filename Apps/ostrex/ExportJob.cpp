@@ -286,7 +286,8 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
     CSafeOutput output(job.output);
     if (!output.Begin(error))
         return Failed(job.output, error);
-    if (!builder.Process(content, job.options))
+    // The content is not needed after the build: the builder frees its geometry as it goes.
+    if (!builder.Process(std::move(content), job.options))
         return Failed(job.output, "the scene could not be built (see the messages above)");
     if (!builder.Write(output.TempPath().c_str(), job.options, ExportHistory(job.input).c_str(), false))
         return Failed(job.output, "the output could not be written");

@@ -70,12 +70,11 @@ bool CTVO::Process(const SContent& content, const COptions& options)
     return ProcessWith(content, SBuilderSettings::FromOptions(options));
 }
 
-bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
+bool CTVO::Process(SContent&& content, const COptions& options)
 {
-    // Nothing may leave the builder as an exception: running out of memory fails the export.
     try
     {
-        return RunStages(content, s);
+        return RunStages(content, SBuilderSettings::FromOptions(options), &content);
     }
     catch (const std::bad_alloc&)
     {
@@ -83,10 +82,24 @@ bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
     }
 }
 
-bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s)
+bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
+{
+    // Nothing may leave the builder as an exception: running out of memory fails the export.
+    try
+    {
+        return RunStages(content, s, nullptr);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return OutOfMemory();
+    }
+}
+
+bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s, SContent* consumable)
 {
     DestroyScene();
     m_pScene = new CTVOSceneEx();
+    m_pScene->FreeGeometryOnceBuilt(consumable);
 
     ProgressUpdate(0, "%s", Text(CTVOBuilderStrings::eExportStage1));
     if (!m_pScene->GenA(&content, s))

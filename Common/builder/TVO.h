@@ -26,6 +26,10 @@ class CTVO
 
     // Builds the scene with the options read once into SBuilderSettings.
     bool Process(const SContent& content, const COptions& options);
+    // The same scene from content the caller gives up: each node's geometry is freed as soon as its
+    // meshes are built, which lowers the peak memory of large exports. The content keeps its nodes,
+    // materials and animation; its geometry is empty afterwards.
+    bool Process(SContent&& content, const COptions& options);
     // Saves the scene in the format eExpFormat names (recording path as the options' export
     // target), then runs the post-export actions when asked. False, logged as "Failed to write
     // output file", when nothing complete was written.
@@ -46,7 +50,7 @@ class CTVO
     const std::vector<SQuantisationError>& QuantisationErrors() const { return m_quantisationErrors; }
 
   private:
-    bool RunStages(const SContent& content, const SBuilderSettings& settings);
+    bool RunStages(const SContent& content, const SBuilderSettings& settings, SContent* consumable);
     // Writes the scene in the options' format; false when nothing complete was written.
     bool Save(const char* path, COptions& options, const char* history);
     void DestroyScene();

@@ -280,6 +280,11 @@ bool CTVOSceneEx::GenA(const SContent* content, const SBuilderSettings& settings
                 if (!AddMesh(n, settings))
                     return false;
                 taken[i] = true;
+                if (m_pFreeGeometryOf)
+                {
+                    m_pFreeGeometryOf->nodes[i].geom = SGeomData();
+                    std::vector<SModifier>().swap(m_pFreeGeometryOf->nodes[i].modifiers);
+                }
             }
         }
     nNumMeshNode = static_cast<uint32_t>(nodes.size());

@@ -303,6 +303,15 @@ TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
     options.SetOption(COptionsData::eBoneLimit, 9u);
     CQMXTModelTVO model;
     ASSERT_TRUE(Export(content, options, Path("tube.tvo"), model));
+    // Content given up to the builder builds the same scene and loses its geometry on the way.
+    CTVO kept, given;
+    SContent spare = content;
+    ASSERT_TRUE(kept.Process(content, options));
+    ASSERT_TRUE(given.Process(std::move(spare), options));
+    EXPECT_EQ(DescribeModelDifference(*kept.Scene(), *given.Scene()), "");
+    ASSERT_EQ(spare.nodes.size(), content.nodes.size());
+    EXPECT_TRUE(spare.nodes.back().geom.faces.empty());
+    EXPECT_TRUE(spare.nodes.back().modifiers.empty());
     ASSERT_EQ(model.nNumMesh, 1u);
     const STVOMesh& m = model.pMesh[0];
     const CQMXTBoneBatches& bb = m.sBoneBatch;
