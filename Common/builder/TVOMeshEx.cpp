@@ -236,6 +236,55 @@ uint32_t CVertex::KeyWords() const
     return m_nKeyWords;
 }
 
+// ---- CCornerMemo ----
+
+namespace
+{
+const size_t kMemoChannelsMax = 8; // geometry with more sets is keyed corner by corner
+}
+
+CCornerMemo::CCornerMemo(size_t positionCount, size_t channelCount)
+    : m_nStride(channelCount <= kMemoChannelsMax ? 5 + channelCount : 0), m_words(positionCount * m_nStride, 0u)
+{
+}
+
+void CCornerMemo::Record(uint32_t owner, const SFace& face, int corner, const SGeomData& geom, uint32_t faceIndex,
+                         uint32_t* out) const
+{
+    out[0] = owner;
+    out[2] = static_cast<uint32_t>(face.normal[corner]);
+    out[3] = static_cast<uint32_t>(face.colour[corner]);
+    out[4] = static_cast<uint32_t>(face.group);
+    for (size_t s = 0; s + 5 < m_nStride; ++s)
+        out[5 + s] = static_cast<uint32_t>(geom.channels[s].faces[faceIndex].idx[corner]);
+}
+
+uint32_t CCornerMemo::Find(uint32_t owner, const SFace& face, int corner, const SGeomData& geom,
+                           uint32_t faceIndex) const
+{
+    if (m_nStride == 0)
+        return UINT32_MAX;
+    const uint32_t* known = &m_words[static_cast<size_t>(face.pos[corner]) * m_nStride];
+    if (known[0] != owner)
+        return UINT32_MAX;
+    uint32_t record[5 + kMemoChannelsMax];
+    Record(owner, face, corner, geom, faceIndex, record);
+    for (size_t i = 2; i < m_nStride; ++i)
+        if (record[i] != known[i])
+            return UINT32_MAX;
+    return known[1];
+}
+
+void CCornerMemo::Remember(uint32_t owner, const SFace& face, int corner, const SGeomData& geom,
+                           uint32_t faceIndex, uint32_t vertex)
+{
+    if (m_nStride == 0)
+        return;
+    uint32_t* known = &m_words[static_cast<size_t>(face.pos[corner]) * m_nStride];
+    Record(owner, face, corner, geom, faceIndex, known);
+    known[1] = vertex;
+}
+
 // ---- CTris ----
 
 void CTris::Init(uint32_t n)
@@ -332,8 +381,15 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
     if (m_keys.size() != 3 * static_cast<size_t>(words))
         m_keys.assign(3 * static_cast<size_t>(words), 0);
     uint32_t hash[3];
+    uint32_t tri[3] = {UINT32_MAX, UINT32_MAX, UINT32_MAX};
     for (int c = 0; c < 3; ++c)
     {
+        if (m_pMemo)
+        {
+            tri[c] = m_pMemo->Find(m_nMemoOwner, face, c, *geom, faceIndex);
+            if (tri[c] != UINT32_MAX)
+                continue;
+        }
         SOneVertex& v = m_corner[c];
         v.uvw.resize(channels);
         const QMXTVECTOR3f& p = geom->positions[face.pos[c]];
@@ -368,10 +424,15 @@ void CTVOMeshEx::AddFace(uint32_t faceIndex, const SGeomData* geom, const SBoned
             }
         hash[c] = vertices.Prepare(v, &m_keys[c * words]);
     }
-    // The three lookups run after all three keys are known, so their memory accesses overlap.
-    uint32_t tri[3];
+    // The lookups run after all the keys are known, so their memory accesses overlap.
     for (int c = 0; c < 3; ++c)
+    {
+        if (tri[c] != UINT32_MAX)
+            continue;
         tri[c] = vertices.FindOrCreate(m_corner[c], &m_keys[c * words], hash[c], true);
+        if (m_pMemo)
+            m_pMemo->Remember(m_nMemoOwner, face, c, *geom, faceIndex, tri[c]);
+    }
     tris.FindOrCreate(tri);
 }
 
@@ -393,6 +454,7 @@ bool MakeStream(CTVOData& d, EQMXTDataType type, uint32_t count, uint32_t nv)
 
 bool CTVOMeshEx::Finalise(const SBuilderSettings& settings)
 {
+    UseCornerMemo(nullptr, 0); // the memo lives only while the faces are added
     FreeTVOMesh(mesh);
     const uint32_t nv = vertices.Count();
     const uint32_t nt = tris.Count();

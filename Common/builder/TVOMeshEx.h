@@ -110,6 +110,27 @@ class CTris
     CPodBuffer<uint32_t> m_next;  // per triangle: the previous one with the same first vertex + 1
 };
 
+// Remembers, for each position of a content geometry, the vertex its latest corner became in which
+// mesh, with the indices of that corner. A later corner with the same indices (equal indices give
+// equal values) takes that vertex without being keyed and looked up again: indexed content meets
+// each vertex about six times. One memo serves every mesh built from the geometry.
+class CCornerMemo
+{
+  public:
+    // For positionCount positions and channelCount texture-coordinate sets.
+    CCornerMemo(size_t positionCount, size_t channelCount);
+    // The vertex the corner became in mesh owner (a number above 0), or UINT32_MAX when unknown.
+    uint32_t Find(uint32_t owner, const SFace& face, int corner, const SGeomData& geom, uint32_t faceIndex) const;
+    void Remember(uint32_t owner, const SFace& face, int corner, const SGeomData& geom, uint32_t faceIndex,
+                  uint32_t vertex);
+
+  private:
+    void Record(uint32_t owner, const SFace& face, int corner, const SGeomData& geom, uint32_t faceIndex,
+                uint32_t* out) const;
+    size_t m_nStride; // 0 when the memo is off
+    std::vector<uint32_t> m_words; // per position: owner, vertex, normal, colour, group, uvw indices
+};
+
 // A mesh under construction. After Finalise, mesh holds the scene model mesh and the stores are
 // freed; the mesh's arrays belong to this object until they are handed to the scene (Release).
 class CTVOMeshEx
@@ -125,6 +146,13 @@ class CTVOMeshEx
     // Adds face faceIndex of geom; skin, when given, holds one entry a position.
     void AddFace(uint32_t faceIndex, const SGeomData* geom, const SBonedVtx* skin,
                  const SBuilderSettings& settings);
+    // Lets AddFace take corners it has met through memo (made for the geometry its faces come from),
+    // where this mesh is known as owner (a number above 0, its own among the memo's meshes).
+    void UseCornerMemo(CCornerMemo* memo, uint32_t owner)
+    {
+        m_pMemo = memo;
+        m_nMemoOwner = owner;
+    }
     // Builds the vertex streams and the index list from the stores and frees the stores.
     bool Finalise(const SBuilderSettings& settings);
     // True when both meshes are equal in every stream, index, strip and batch.
@@ -142,6 +170,8 @@ class CTVOMeshEx
     uint32_t m_nUVW = 0;
     SOneVertex m_corner[3];       // reused for every face, so building one allocates nothing
     std::vector<uint32_t> m_keys; // their keys
+    CCornerMemo* m_pMemo = nullptr;
+    uint32_t m_nMemoOwner = 0;
 };
 
 // Zeroed mesh record with an identity unpack matrix and the triangle-list primitive type.

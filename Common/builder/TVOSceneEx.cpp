@@ -126,15 +126,27 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
     const uint32_t faceCount = static_cast<uint32_t>(geom.faces.size());
     const uint32_t uvwCount = static_cast<uint32_t>(geom.channels.size());
     std::map<int, std::unique_ptr<CTVOMeshEx>> byMaterial;
-    for (uint32_t f = 0; f < faceCount; ++f)
     {
-        std::unique_ptr<CTVOMeshEx>& sub = byMaterial[geom.faces[f].material];
-        if (!sub)
+        CCornerMemo memo(geom.positions.size(), uvwCount);
+        for (uint32_t f = 0; f < faceCount; ++f)
         {
-            sub.reset(new CTVOMeshEx());
-            sub->Init(faceCount, uvwCount);
+            std::unique_ptr<CTVOMeshEx>& sub = byMaterial[geom.faces[f].material];
+            if (!sub)
+            {
+                sub.reset(new CTVOMeshEx());
+                sub->Init(faceCount, uvwCount);
+                sub->UseCornerMemo(&memo, static_cast<uint32_t>(byMaterial.size()));
+            }
+            sub->AddFace(f, &geom, skin, settings);
         }
-        sub->AddFace(f, &geom, skin, settings);
+    }
+    // The faces are all in the meshes' stores: content the host gave up goes before Finalise needs
+    // room for the streams.
+    if (m_pFreeGeometryOf && m_nFreeGeometryNode < m_pFreeGeometryOf->nodes.size())
+    {
+        CNode& source = m_pFreeGeometryOf->nodes[m_nFreeGeometryNode];
+        source.geom = SGeomData();
+        std::vector<SModifier>().swap(source.modifiers);
     }
 
     const bool split = byMaterial.size() > 1;
@@ -277,14 +289,10 @@ bool CTVOSceneEx::GenA(const SContent* content, const SBuilderSettings& settings
             if (n.type == eNodeMesh || (n.type == eNodeJoint && settings.bExportBoneGeometry))
             {
                 ReportProgress(total, n.name);
+                m_nFreeGeometryNode = i;
                 if (!AddMesh(n, settings))
                     return false;
                 taken[i] = true;
-                if (m_pFreeGeometryOf)
-                {
-                    m_pFreeGeometryOf->nodes[i].geom = SGeomData();
-                    std::vector<SModifier>().swap(m_pFreeGeometryOf->nodes[i].modifiers);
-                }
             }
         }
     nNumMeshNode = static_cast<uint32_t>(nodes.size());

@@ -40,7 +40,7 @@ class CTVOSceneEx : public CQMXTModelTVO
 
     bool GenA(const SContent* content, const SBuilderSettings& settings);
     // With a content given, GenA frees each node's geometry and skin there as soon as the node's
-    // meshes are built: content (the same object GenA reads) that its host no longer needs then
+    // faces are in its meshes' stores: content (the same object GenA reads) that its host no longer needs then
     // stops holding memory while the later stages run. Null (the default) leaves the content as it is.
     void FreeGeometryOnceBuilt(SContent* content) { m_pFreeGeometryOf = content; }
     // False when an array cannot be allocated, with every count matching its array and each record
@@ -74,6 +74,7 @@ class CTVOSceneEx : public CQMXTModelTVO
 
   private:
     SContent* m_pFreeGeometryOf = nullptr;
+    size_t m_nFreeGeometryNode = SIZE_MAX; // the content node AddMesh is building
     void AddNode(CTVONodeEx&& node) { nodes.push_back(std::move(node)); }
     void ReportProgress(size_t contentNodes, const std::string& name) const;
     void GenMaterials(const SContent& content);
