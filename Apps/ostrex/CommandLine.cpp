@@ -28,7 +28,8 @@ enum EOptionId
     eOptStrict,
     eOptOutDir,
     eOptJobs,
-    eOptFormat
+    eOptFormat,
+    eOptThreads
 };
 
 struct SOptionDef
@@ -50,8 +51,10 @@ const SOptionDef kOptions[] = {
     {"--depfile", nullptr, eOptDepfile, true},   {"--report-json", nullptr, eOptReportJson, true},
     {"--strict", nullptr, eOptStrict, false},    {"--out-dir", nullptr, eOptOutDir, true},
     {"--jobs", "-j", eOptJobs, true},            {"--format", nullptr, eOptFormat, true},
+    {"--threads", nullptr, eOptThreads, true},
 };
 const int kMaxJobs = 256;
+const int kMaxThreads = 256;
 
 const SOptionDef* FindOption(const std::string& name)
 {
@@ -185,6 +188,14 @@ bool ApplyOption(SCommandLine& result, const SOptionDef& def, const std::string&
         if (!ParseCount(value, kMaxJobs, result.jobs))
         {
             result.error = "-j needs a whole number from 1 to " + std::to_string(kMaxJobs) + ", not '" + value + "'";
+            return false;
+        }
+        return true;
+    case eOptThreads:
+        if (!ParseCount(value, kMaxThreads, result.threads))
+        {
+            result.error =
+                "--threads needs a whole number from 1 to " + std::to_string(kMaxThreads) + ", not '" + value + "'";
             return false;
         }
         return true;
@@ -364,6 +375,8 @@ std::string CommandLineHelp()
            "  --fps N               sample the animation at N frames per second (1 to 1000);\n"
            "                        default: the animation's own rate when it has one, else 30\n"
            "  --view                open the written .tvo in tvoview when the export is done\n"
+           "  --threads N           optimise up to N meshes at a time (default: one a core; with\n"
+           "                        --out-dir and -j above 1, one); the output is the same for any N\n"
            "\n"
            "The scene as it stands at the first frame of the animation is the rest pose: skinned\n"
            "meshes are written deformed at that frame. Every frame of the animation's range is\n"

@@ -3,7 +3,7 @@
 //
 //   ostrex INPUT OUTPUT [--config FILE] [--set KEY=VALUE]... [--profile NAME] [--select NODE]...
 //          [--fps N] [--animation NAME|INDEX] [--allow-post-export] [--view] [--quiet|--verbose]
-//          [--depfile FILE] [--report-json FILE|-] [--strict]
+//          [--depfile FILE] [--report-json FILE|-] [--strict] [--threads N]
 //   ostrex --out-dir DIR [-j N] [--format tvo|h|cpp] [export options] SCENE...
 //   ostrex --list-options [--config FILE] [--set KEY=VALUE]... [--profile NAME]
 //   ostrex --help
@@ -49,6 +49,7 @@ struct SCommandLine
     std::string profile;                // --profile, empty when not given
     std::vector<std::string> selection; // --select node names in order
     int fps = 0;                        // --fps; 0 means the animation's own rate
+    int threads = 0;                    // --threads; 0 means one a core
     std::string animation;              // --animation name or index; empty means the first
     EVerbosity verbosity = eVerbosityNormal;
     bool allowPostExport = false; // run the post-export actions that a --config file carries

@@ -283,6 +283,7 @@ SExportOutcome ExportSteps(SExportJob& job, const CWarningTee& tee)
 
     CTVO builder;
     builder.MeasureQuantisation(job.measureQuantisation);
+    builder.SetThreads(job.threads);
     CSafeOutput output(job.output);
     if (!output.Begin(error))
         return Failed(job.output, error);

@@ -28,6 +28,7 @@ struct SExportJob
     std::vector<std::string> selection; // node names; empty exports the whole scene
     std::string animation;              // name or index; empty means the first animation
     int fps = 0;                        // 0: the animation's own rate
+    unsigned threads = 0;               // for the per-mesh passes; 0: one a core
     bool runPostExport = true;          // run the post-export actions the options carry
     bool view = false;                  // open the written file in the default viewer afterwards
     // Pipelines (all off by default):

@@ -117,6 +117,7 @@ int Export(const SCommandLine& cl)
     job.selection = cl.selection;
     job.animation = cl.animation;
     job.fps = cl.fps;
+    job.threads = static_cast<unsigned>(cl.threads);
     job.view = cl.view;
     job.depfile = cl.depfile;
     job.optionFiles = OptionFiles(cl);
@@ -150,6 +151,8 @@ int ExportBatchScene(const SCommandLine& cl, const SBatchScene& scene)
     SCommandLine one = cl;
     one.input = scene.input;
     one.output = scene.output;
+    if (one.threads == 0 && cl.jobs != 1)
+        one.threads = 1; // the scenes running side by side already take the cores
     const int code = Export(one);
     sink.Finish();
     SetLogSink(nullptr);

@@ -100,6 +100,7 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s, SConten
     DestroyScene();
     m_pScene = new CTVOSceneEx();
     m_pScene->FreeGeometryOnceBuilt(consumable);
+    m_pScene->SetThreads(m_nThreads);
 
     ProgressUpdate(0, "%s", Text(CTVOBuilderStrings::eExportStage1));
     if (!m_pScene->GenA(&content, s))

@@ -41,6 +41,10 @@ class CTVO
     // Process.
     bool ProcessWith(const SContent& content, const SBuilderSettings& settings);
 
+    // Threads for the per-mesh passes of the next Process (0, the default: one a core). The scene,
+    // its bytes and the messages are the same for every count.
+    void SetThreads(unsigned threads) { m_nThreads = threads; }
+
     // The scene built by the last Process, or null.
     CTVOSceneEx* Scene() const { return m_pScene; }
 
@@ -56,6 +60,7 @@ class CTVO
     void DestroyScene();
     CTVOSceneEx* m_pScene = nullptr;
     bool m_bMeasureQuantisation = false;
+    unsigned m_nThreads = 0;
     std::vector<SQuantisationError> m_quantisationErrors;
 };
 

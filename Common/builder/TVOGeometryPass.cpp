@@ -4,6 +4,7 @@
 #include <new>
 
 #include "Log.h"
+#include "OrderedWork.h"
 #include "QMXTBoneBatches.h"
 #include "QMXTGeometrySort.h"
 #include "QMXTModelTVOTransform.h"
@@ -183,12 +184,12 @@ bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
 
 bool CTVOSceneEx::GenD(const SBuilderSettings& settings)
 {
-    for (uint32_t i = 0; i < nNumMesh; ++i)
-    {
-        Log(eLogInfo, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eProcessingMesh), static_cast<int>(i));
-        if (!GeometryPass(pMesh[i], settings))
-            return false;
-        ResolveBones(pMesh[i]);
-    }
-    return true;
+    // The meshes are independent: their passes run on the scene's threads, and their messages and
+    // bone resolution follow in mesh order, as a loop over the meshes gives them.
+    return RunInOrder(
+        nNumMesh, m_nThreads, [&](uint32_t i) { return GeometryPass(pMesh[i], settings); },
+        [](uint32_t i) {
+            Log(eLogInfo, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eProcessingMesh), static_cast<int>(i));
+        },
+        [&](uint32_t i) { ResolveBones(pMesh[i]); });
 }

@@ -43,6 +43,8 @@ class CTVOSceneEx : public CQMXTModelTVO
     // faces are in its meshes' stores: content (the same object GenA reads) that its host no longer needs then
     // stops holding memory while the later stages run. Null (the default) leaves the content as it is.
     void FreeGeometryOnceBuilt(SContent* content) { m_pFreeGeometryOf = content; }
+    // Threads for GenD's per-mesh passes (0: one a core). Output and messages do not depend on it.
+    void SetThreads(unsigned threads) { m_nThreads = threads; }
     // False when an array cannot be allocated, with every count matching its array and each record
     // owned once, by an array or a builder list (DestroyAll frees both).
     bool GenB();
@@ -74,6 +76,7 @@ class CTVOSceneEx : public CQMXTModelTVO
 
   private:
     SContent* m_pFreeGeometryOf = nullptr;
+    unsigned m_nThreads = 0;
     size_t m_nFreeGeometryNode = SIZE_MAX; // the content node AddMesh is building
     void AddNode(CTVONodeEx&& node) { nodes.push_back(std::move(node)); }
     void ReportProgress(size_t contentNodes, const std::string& name) const;

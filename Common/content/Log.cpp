@@ -7,6 +7,12 @@
 namespace
 {
 ILogSink* g_pSink = nullptr;
+thread_local ILogSink* t_pSink = nullptr;
+
+ILogSink* CurrentSink()
+{
+    return t_pSink ? t_pSink : g_pSink;
+}
 
 // Formats into the fixed 1024-byte buffer; longer text is cut.
 std::string FormatMessage(const char* format, va_list args)
@@ -35,21 +41,23 @@ template <typename Deliver> void Send(const char* format, va_list args, Deliver 
 
 void Log(int level, const char* format, ...)
 {
-    if (!g_pSink || !format)
+    ILogSink* sink = CurrentSink();
+    if (!sink || !format)
         return;
     va_list args;
     va_start(args, format);
-    Send(format, args, [level](const std::string& text) { g_pSink->OnLog(level, text); });
+    Send(format, args, [level, sink](const std::string& text) { sink->OnLog(level, text); });
     va_end(args);
 }
 
 void ProgressUpdate(int percent, const char* format, ...)
 {
-    if (!g_pSink || !format)
+    ILogSink* sink = CurrentSink();
+    if (!sink || !format)
         return;
     va_list args;
     va_start(args, format);
-    Send(format, args, [percent](const std::string& text) { g_pSink->OnProgress(percent, text); });
+    Send(format, args, [percent, sink](const std::string& text) { sink->OnProgress(percent, text); });
     va_end(args);
 }
 
@@ -63,6 +71,13 @@ ILogSink* SetLogSink(ILogSink* sink)
 ILogSink* GetLogSink()
 {
     return g_pSink;
+}
+
+ILogSink* SetThreadLogSink(ILogSink* sink)
+{
+    ILogSink* previous = t_pSink;
+    t_pSink = sink;
+    return previous;
 }
 
 CRecordingLogSink::CRecordingLogSink() : m_pPrevious(SetLogSink(this)) {}

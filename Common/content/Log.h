@@ -33,6 +33,10 @@ void ProgressUpdate(int percent, const char* format, ...) __attribute__((format(
 // Installs a sink (not owned) and returns the previous one. nullptr drops every message.
 ILogSink* SetLogSink(ILogSink* sink);
 ILogSink* GetLogSink();
+// Installs a sink (not owned) for the calling thread only, in front of the installed sink, and
+// returns the thread's previous one; nullptr goes back to the installed sink. Worker threads keep
+// their messages with it, so that they can be passed on in a fixed order.
+ILogSink* SetThreadLogSink(ILogSink* sink);
 
 // Keeps every message and progress step, for tests. Installs itself for its lifetime.
 class CRecordingLogSink : public ILogSink

@@ -98,6 +98,9 @@ TEST(CommandLine, FpsMustBeAWholeNumberInRange)
         ExpectUsageError({"in.obj", "out.tvo", "--fps", bad}, "--fps needs a whole number");
     EXPECT_EQ(Parse({"in.obj", "out.tvo", "--fps", "1"}).fps, 1);
     EXPECT_EQ(Parse({"in.obj", "out.tvo", "--fps=1000"}).fps, 1000);
+    for (const char* bad : {"0", "-1", "257", "two"})
+        ExpectUsageError({"in.obj", "out.tvo", "--threads", bad}, "--threads needs a whole number from 1 to 256");
+    EXPECT_EQ(Parse({"in.obj", "out.tvo", "--threads=3"}).threads, 3);
 }
 
 TEST(CommandLine, SetNeedsKeyEqualsValue)
