@@ -16,7 +16,6 @@
 #include "QMXTError.h"
 #include "QMXTModelTVO.h"
 #include "QMXTModelTVOFile.h"
-#include "QMXTSink.h"
 #include "QMXTSource.h"
 #include "QMXTTVOBlocks.h"
 
@@ -930,33 +929,4 @@ int CQMXTModelTVO::ReadFromMemory(const STVOScene& scene)
     }
     SetCallerOwned(true);
     return 0;
-}
-
-// The deep copy goes through the file form, so it shares every size rule with the writer and the
-// reader; the few values the file does not carry (attenuation of directional lights, falloff of
-// non-spot lights, the primitive type) are copied over afterwards.
-int CQMXTModelTVO::CopyFromMemory(const STVOScene& scene)
-{
-    try
-    {
-        CSinkMemory sink;
-        if (QMXTTVOWriteScene(scene, sink, nullptr, nullptr) != 0 || sink.Data().size() > UINT32_MAX)
-            return 1;
-        const std::vector<STVOLight> lights(scene.pLight,
-                                            scene.pLight + (scene.pLight ? scene.nNumLight : 0));
-        std::vector<uint32_t> primitives;
-        for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
-            primitives.push_back(scene.pMesh[i].ePrimitiveType);
-        if (ReadFromMemory(sink.Data().data(), static_cast<uint32_t>(sink.Data().size())) != 0)
-            return 1;
-        if (!lights.empty())
-            std::memcpy(pLight, lights.data(), lights.size() * sizeof(STVOLight));
-        for (uint32_t i = 0; i < nNumMesh; ++i)
-            pMesh[i].ePrimitiveType = primitives[i];
-        return 0;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return 1;
-    }
 }

@@ -289,7 +289,7 @@ class CQMXTModelTVO : public STVOScene
                        char* historyBuffer = nullptr, uint32_t historySize = 0);
     // Takes over a scene record shallowly: its arrays stay the caller's and Destroy frees none of them.
     int ReadFromMemory(const STVOScene& scene);
-    // Deep copy of a scene record: every array is newly allocated and owned.
+    // Deep copy of a scene record (QMXTModelTVOCopyScene): every array is newly allocated and owned.
     int CopyFromMemory(const STVOScene& scene);
 
     // Arrays belong to the caller (shallow read from memory): Destroy frees none of them.
