@@ -20,7 +20,7 @@
 
 namespace
 {
-const unsigned int kMaxUVSets = 8;
+const unsigned int kMaxUVSets = SGeomData::eMaxMappingChannels;
 
 class CMeshCorners : public IMeshCornerVisitor
 {

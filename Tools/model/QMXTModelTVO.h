@@ -59,6 +59,20 @@ enum ETVOBlendOp : uint32_t
     eTVOBlendOpReverseSubtract = 0x800B
 };
 
+// Bytes of packed skinning data (CQMXTModelTVO::CreateSkinIdxWeight): bone indices up to 255, and
+// byte weights that always add up to 255.
+enum : uint32_t
+{
+    eTVOMaxByteBoneIndex = 255,
+    eTVOByteWeightTotal = 255
+};
+
+// Index streams: 16-bit indices address up to 65536 vertices; larger meshes keep 32-bit indices.
+enum : uint32_t
+{
+    eTVOMaxShortIndexedVertices = 65536
+};
+
 // Texture slots of a material, in record (and file) order.
 enum ETVOTextureSlot : uint32_t
 {
