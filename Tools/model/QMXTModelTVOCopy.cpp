@@ -98,6 +98,16 @@ bool CopyMeshArrays(const STVOMesh& src, STVOMesh& m)
            DupArray(m.sBoneBatch.pnBatchOffset, b.pnBatchOffset, b.nBatchCnt);
 }
 
+// Hands a finished copy over to dst, or frees what a failed one had made (release leaves it
+// zeroed); 0 for success, 1 for failure.
+template <typename T, typename F> int Deliver(T& copy, T& dst, bool ok, F release)
+{
+    if (!ok)
+        release(copy);
+    dst = copy;
+    return ok ? 0 : 1;
+}
+
 // Zeroed records for count copies of a record array (null for none); fails when the source array
 // is missing although its count says there are records.
 template <typename T> bool NewRecords(T*& records, uint32_t& count, const T* src, uint32_t wanted)
@@ -158,21 +168,15 @@ int QMXTModelTVOCopyNode(const STVONode& src, STVONode& dst, uint32_t frameCount
         DupChannel(n.pnAnimMatrixIdx, n.pfAnimMatrix, src.pnAnimMatrixIdx, src.pfAnimMatrix,
                    f & eTVOHasMatrixAnimation, frameCount, 16) &&
         DupArray(n.pUserData, src.pUserData, src.nUserDataSize);
-    if (!ok)
-        QMXTModelTVOFreeNode(n);
-    dst = n;
-    return ok ? 0 : 1;
+    return Deliver(n, dst, ok, QMXTModelTVOFreeNode);
 }
 
 int QMXTModelTVOCopyMesh(const STVOMesh& src, STVOMesh& dst)
 {
     STVOMesh m = src;
     ClearMeshArrays(m);
-    const bool ok = CopyMeshArrays(src, m);
-    if (!ok)
-        FreeMeshArrays(m, src.pInterleaved != nullptr);
-    dst = m;
-    return ok ? 0 : 1;
+    const bool interleaved = src.pInterleaved != nullptr;
+    return Deliver(m, dst, CopyMeshArrays(src, m), [interleaved](STVOMesh& r) { FreeMeshArrays(r, interleaved); });
 }
 
 int QMXTModelTVOCopyMaterial(const STVOMaterial& src, STVOMaterial& dst)
@@ -183,10 +187,7 @@ int QMXTModelTVOCopyMaterial(const STVOMaterial& src, STVOMaterial& dst)
     const bool ok = DupString(m.pszName, src.pszName) && DupString(m.pszEffectFile, src.pszEffectFile) &&
                     DupString(m.pszEffectName, src.pszEffectName) &&
                     DupArray(m.pUserData, src.pUserData, src.nUserDataSize);
-    if (!ok)
-        QMXTModelTVOFreeMaterial(m);
-    dst = m;
-    return ok ? 0 : 1;
+    return Deliver(m, dst, ok, QMXTModelTVOFreeMaterial);
 }
 
 int QMXTModelTVOCopyTexture(const STVOTexture& src, STVOTexture& dst)
