@@ -20,7 +20,7 @@
 
 namespace
 {
-const unsigned int kMaxUVSets = 8;
+const unsigned int kMaxUVSets = SGeomData::eMaxMappingChannels;
 
 class CMeshCorners : public IMeshCornerVisitor
 {
@@ -121,15 +121,7 @@ int Ostrex::ConvertMesh(MFnMesh& mesh, MFnTransform& transform, int parentIndex)
         colours = mesh.getVertexColors(all) == MStatus::kSuccess && all.length() > 0;
     }
 
-    CNode node;
-    node.index = static_cast<int>(m_pContent->nodes.size());
-    const MString path = mesh.fullPathName();
-    if (path.length() > 0)
-        ExecuteScriptCommand(node.userData, "DefineNodeUserData %s", path.asChar());
-    node.parent = parentIndex;
-    node.type = eNodeMesh;
-    node.name = transform.name().asChar();
-    CopyTransform(node.tm, transform, MSpace::kObject, false);
+    CNode node = StartNode(mesh, transform, parentIndex, eNodeMesh);
 
     const bool materials = streams.materials;
     CMeshCorners corners(node.geom, uvSets, normals, colours,
@@ -148,6 +140,6 @@ int Ostrex::ConvertMesh(MFnMesh& mesh, MFnTransform& transform, int parentIndex)
         node.type = eNodePlain;
         Log(eLogWarning, "Warning: MFn::kMesh '%s' has no polygon data. Exporting as a dummy node.", node.name.c_str());
     }
-    m_matches.push_back(SMatch{path, node.index});
+    m_matches.push_back(SMatch{mesh.fullPathName(), node.index});
     return m_pContent->AddNode(node);
 }

@@ -29,6 +29,7 @@ class CTVO;
 class MColor;
 class MDagPath;
 class MFnCamera;
+class MFnDagNode;
 class MFnDependencyNode;
 class MFnLight;
 class MFnMesh;
@@ -111,6 +112,10 @@ class Ostrex : public MPxFileTranslator
 
     // Transforms, lights, cameras, animation.
     void CopyTransform(SNodeTM& tm, MFnTransform& transform, MSpace::Space space, bool isCameraOrLight);
+    // A new content node of that kind for dagNode (a shape, or the transform itself) under transform:
+    // its index, the user data the user's script defines for dagNode's path, the transform's name
+    // and local transform, and the parent.
+    CNode StartNode(const MFnDagNode& dagNode, MFnTransform& transform, int parentIndex, ENodeKind kind);
     bool AddAnimation(CNode* node, MFnTransform& transform);
     bool ValidateAnimationData();
     int ConvertLight(MFnLight& light, MFnTransform& transform, int parentIndex, MFn::Type type);

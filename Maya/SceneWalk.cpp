@@ -286,17 +286,9 @@ int Ostrex::NewNode(MFnTransform& transform, ENodeKind kind, eExportType type, i
 {
     if (transform.isIntermediateObject() || type == eNotExported)
         return -1;
-    CNode node;
-    node.index = static_cast<int>(m_pContent->nodes.size());
-    const MString path = transform.fullPathName();
-    if (path.length() > 0)
-        ExecuteScriptCommand(node.userData, "DefineNodeUserData %s", path.asChar());
-    node.name = transform.name().asChar();
-    node.parent = parentIndex;
-    node.type = kind;
-    CopyTransform(node.tm, transform, MSpace::kObject, false);
+    CNode node = StartNode(transform, transform, parentIndex, kind);
     AddAnimation(&node, transform);
-    m_matches.push_back(SMatch{path, node.index});
+    m_matches.push_back(SMatch{transform.fullPathName(), node.index});
     return m_pContent->AddNode(node);
 }
 

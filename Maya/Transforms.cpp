@@ -6,6 +6,7 @@
 #include <maya/MDagPath.h>
 #include <maya/MEulerRotation.h>
 #include <maya/MFnCamera.h>
+#include <maya/MFnDagNode.h>
 #include <maya/MFnLight.h>
 #include <maya/MFnNonAmbientLight.h>
 #include <maya/MFnSpotLight.h>
@@ -159,19 +160,25 @@ bool Ostrex::ValidateAnimationData()
     return true;
 }
 
+CNode Ostrex::StartNode(const MFnDagNode& dagNode, MFnTransform& transform, int parentIndex, ENodeKind kind)
+{
+    CNode node;
+    node.index = static_cast<int>(m_pContent->nodes.size());
+    const MString path = dagNode.fullPathName();
+    if (path.length() > 0)
+        ExecuteScriptCommand(node.userData, "DefineNodeUserData %s", path.asChar());
+    node.name = transform.name().asChar();
+    node.parent = parentIndex;
+    node.type = kind;
+    CopyTransform(node.tm, transform, MSpace::kObject, IsCameraOrLight(node));
+    return node;
+}
+
 int Ostrex::ConvertLight(MFnLight& light, MFnTransform& transform, int parentIndex, MFn::Type type)
 {
     if (light.isIntermediateObject())
         return parentIndex;
-    CNode node;
-    node.index = static_cast<int>(m_pContent->nodes.size());
-    const MString path = light.fullPathName();
-    if (path.length() > 0)
-        ExecuteScriptCommand(node.userData, "DefineNodeUserData %s", path.asChar());
-    node.parent = parentIndex;
-    node.name = transform.name().asChar();
-    node.type = eNodeLight;
-    CopyTransform(node.tm, transform, MSpace::kObject, true);
+    CNode node = StartNode(light, transform, parentIndex, eNodeLight);
     const MColor colour = light.color();
     node.light.colour[0] = colour.r;
     node.light.colour[1] = colour.g;
@@ -197,15 +204,7 @@ int Ostrex::ConvertCamera(MFnCamera& camera, MFnTransform& transform, int parent
 {
     if (camera.isIntermediateObject() || camera.isOrtho())
         return parentIndex;
-    CNode node;
-    node.index = static_cast<int>(m_pContent->nodes.size());
-    const MString path = camera.fullPathName();
-    if (path.length() > 0)
-        ExecuteScriptCommand(node.userData, "DefineNodeUserData %s", path.asChar());
-    node.parent = parentIndex;
-    node.name = transform.name().asChar();
-    node.type = eNodeCamera;
-    CopyTransform(node.tm, transform, MSpace::kObject, true);
+    CNode node = StartNode(camera, transform, parentIndex, eNodeCamera);
     node.camera.target = targetIndex;
     node.camera.farPlane = static_cast<float>(camera.farClippingPlane());
     node.camera.nearPlane = static_cast<float>(camera.nearClippingPlane());

@@ -138,10 +138,7 @@ double LastTick(const aiAnimation& anim)
     }
     return std::isfinite(last) ? last : 0.0;
 }
-} // namespace
 
-namespace
-{
 // The pair of keys around t: both the same key before the first, after the last, and where t is
 // the key's own time up to tolerance (key times stored in float precision then give the key's
 // value exactly, so equal poses give equal bytes). blend is the weight of the second key.
@@ -164,40 +161,41 @@ void Around(const Key* keys, unsigned count, double t, double tolerance, const K
     else
         blend = Blend(*a, *b, t);
 }
-} // namespace
 
-aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback,
-                            double tolerance)
+// The value a fraction f of the way from a to b: linear for vectors, spherical for rotations,
+// computed in double and rounded once.
+aiVector3D Between(const aiVector3D& a, const aiVector3D& b, double f)
 {
-    if (!keys || count == 0)
-        return fallback;
-    const aiVectorKey *a, *b;
-    double f;
-    Around(keys, count, t, tolerance, a, b, f);
-    if (a == b)
-        return a->mValue;
     auto lerp = [f](ai_real x, ai_real y) { return static_cast<ai_real>(x + (double(y) - double(x)) * f); };
-    return {lerp(a->mValue.x, b->mValue.x), lerp(a->mValue.y, b->mValue.y), lerp(a->mValue.z, b->mValue.z)};
+    return {lerp(a.x, b.x), lerp(a.y, b.y), lerp(a.z, b.z)};
 }
 
-aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback,
-                              double tolerance)
+aiQuaternion Between(const aiQuaternion& a, const aiQuaternion& b, double f)
 {
-    if (!keys || count == 0)
-        return fallback;
-    const aiQuatKey *a, *b;
-    double f;
-    Around(keys, count, t, tolerance, a, b, f);
-    if (a == b)
-        return a->mValue;
-    const aiQuaterniont<double> qa(a->mValue.w, a->mValue.x, a->mValue.y, a->mValue.z);
-    const aiQuaterniont<double> qb(b->mValue.w, b->mValue.x, b->mValue.y, b->mValue.z);
+    const aiQuaterniont<double> qa(a.w, a.x, a.y, a.z);
+    const aiQuaterniont<double> qb(b.w, b.x, b.y, b.z);
     aiQuaterniont<double> out;
     aiQuaterniont<double>::Interpolate(out, qa, qb, f);
     out.Normalize();
     return aiQuaternion(static_cast<ai_real>(out.w), static_cast<ai_real>(out.x), static_cast<ai_real>(out.y),
                         static_cast<ai_real>(out.z));
 }
+} // namespace
+
+template <class Key>
+AssimpKeyValue<Key> SampleAssimpKeys(const Key* keys, unsigned count, double t, const AssimpKeyValue<Key>& fallback,
+                                     double tolerance)
+{
+    if (!keys || count == 0)
+        return fallback;
+    const Key *a, *b;
+    double f;
+    Around(keys, count, t, tolerance, a, b, f);
+    return a == b ? a->mValue : Between(a->mValue, b->mValue, f);
+}
+
+template aiVector3D SampleAssimpKeys(const aiVectorKey*, unsigned, double, const aiVector3D&, double);
+template aiQuaternion SampleAssimpKeys(const aiQuatKey*, unsigned, double, const aiQuaternion&, double);
 
 namespace
 {
@@ -282,12 +280,12 @@ aiMatrix4x4 CAssimpSampler::Local(int node, int frame) const
     const double t = TimeOfFrame(frame);
     // Far below a frame and far above the float rounding of a stored key time.
     const double tolerance = std::min(1e-6 * std::max(std::fabs(t), m_dTicksPerFrame), 0.25 * m_dTicksPerFrame);
-    position = SampleAssimpKeys(ch.positions.data(), static_cast<unsigned>(ch.positions.size()), t, position,
-                                tolerance);
-    rotation = SampleAssimpKeys(ch.rotations.data(), static_cast<unsigned>(ch.rotations.size()), t, rotation,
-                                tolerance);
-    scaling = SampleAssimpKeys(ch.scalings.data(), static_cast<unsigned>(ch.scalings.size()), t, scaling,
-                               tolerance);
+    auto sample = [t, tolerance](const auto& keys, const auto& fallback) {
+        return SampleAssimpKeys(keys.data(), static_cast<unsigned>(keys.size()), t, fallback, tolerance);
+    };
+    position = sample(ch.positions, position);
+    rotation = sample(ch.rotations, rotation);
+    scaling = sample(ch.scalings, scaling);
     return AssimpCompose(scaling, rotation, position);
 }
 

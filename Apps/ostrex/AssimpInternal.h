@@ -14,8 +14,10 @@
 // The importer's column-vector matrix in the scene model's row-vector layout (its transpose).
 QMXTMATRIXf AssimpRowMatrix(const aiMatrix4x4& m);
 
-// translation x rotation x scaling for column vectors: scale first, then rotate, then move. (The
-// importer's own constructor from these three scales the rotation's rows, not its columns.)
+// translation x rotation x scaling for column vectors: scale first, then rotate, then move. Written
+// out rather than composed with the importer's operations: its constructor from these three scales
+// the rotation's rows, not its columns, and its matrix products add exact zeros that turn -0 into
+// +0, which changes the written bytes.
 aiMatrix4x4 AssimpCompose(const aiVector3D& scaling, const aiQuaternion& rotation,
                           const aiVector3D& position);
 
@@ -50,11 +52,12 @@ int AssimpAnimationRate(const aiAnimation& anim);
 
 // Key sampling at time t in ticks: clamped to the first and last key, linear between keys (spherical
 // for rotations), interpolated in double. A t within tolerance of a key's time gives that key's value
-// exactly. fallback is returned when there are no keys.
-aiVector3D SampleAssimpKeys(const aiVectorKey* keys, unsigned count, double t, const aiVector3D& fallback,
-                            double tolerance = 0.0);
-aiQuaternion SampleAssimpKeys(const aiQuatKey* keys, unsigned count, double t, const aiQuaternion& fallback,
-                              double tolerance = 0.0);
+// exactly. fallback is returned when there are no keys. Key is aiVectorKey (positions, scalings)
+// or aiQuatKey (rotations).
+template <class Key> using AssimpKeyValue = decltype(Key::mValue);
+template <class Key>
+AssimpKeyValue<Key> SampleAssimpKeys(const Key* keys, unsigned count, double t, const AssimpKeyValue<Key>& fallback,
+                                     double tolerance = 0.0);
 
 // Local and global transforms of the graph's nodes at every frame of one animation (or of the still
 // scene, which has one frame).

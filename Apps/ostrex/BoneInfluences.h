@@ -8,13 +8,14 @@
 #pragma once
 
 #include "Content.h"
+#include "QMXTVertexData.h"
 
 class CInfluenceLimiter
 {
   public:
     enum
     {
-        eMaxInfluences = 4
+        eMaxInfluences = eQMXTMaxBonesPerVertex
     };
 
     void Add(int bone, float weight);

@@ -2,33 +2,13 @@
 
 #include <cmath>
 
+#include <assimp/types.h>
+
 namespace
 {
-struct SVec
-{
-    double x, y, z;
-};
-
-SVec Sub(const SVec& a, const SVec& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-SVec Scale(const SVec& a, double s)
-{
-    return {a.x * s, a.y * s, a.z * s};
-}
-double Dot(const SVec& a, const SVec& b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-SVec Cross(const SVec& a, const SVec& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-double Length(const SVec& a)
-{
-    return std::sqrt(Dot(a, a));
-}
+// Axes are worked on in double with the importer's own vector operations (- difference, * dot
+// product or scaling, ^ cross product).
+using SVec = aiVector3t<double>;
 
 // Relative length below which an axis counts as flattened.
 const double kTinyAxis = 1e-9;
@@ -36,9 +16,9 @@ const double kTinyAxis = 1e-9;
 // Any unit vector perpendicular to a unit vector.
 SVec Perpendicular(const SVec& a)
 {
-    const SVec helper = std::fabs(a.x) < 0.9 ? SVec{1, 0, 0} : SVec{0, 1, 0};
-    const SVec p = Cross(a, helper);
-    return Scale(p, 1.0 / Length(p));
+    const SVec helper = std::fabs(a.x) < 0.9 ? SVec(1, 0, 0) : SVec(0, 1, 0);
+    const SVec p = a ^ helper;
+    return p * (1.0 / p.Length());
 }
 
 // Orthonormal right-handed rows from the axes marked valid; the others are completed.
@@ -51,20 +31,20 @@ void Orthonormalise(SVec axis[3], bool valid[3])
             continue;
         for (int j = 0; j < i; ++j)
             if (valid[j])
-                axis[i] = Sub(axis[i], Scale(axis[j], Dot(axis[i], axis[j])));
-        const double len = Length(axis[i]);
+                axis[i] = axis[i] - axis[j] * (axis[i] * axis[j]);
+        const double len = axis[i].Length();
         valid[i] = len > kTinyAxis;
         if (valid[i])
         {
-            axis[i] = Scale(axis[i], 1.0 / len);
+            axis[i] = axis[i] * (1.0 / len);
             ++count;
         }
     }
     if (count == 0)
     {
-        axis[0] = {1, 0, 0};
-        axis[1] = {0, 1, 0};
-        axis[2] = {0, 0, 1};
+        axis[0] = SVec(1, 0, 0);
+        axis[1] = SVec(0, 1, 0);
+        axis[2] = SVec(0, 0, 1);
         return;
     }
     if (count == 1)
@@ -76,7 +56,7 @@ void Orthonormalise(SVec axis[3], bool valid[3])
     // Two valid axes: the third is their cross product in cyclic order, keeping the frame right-handed.
     for (int i = 0; i < 3; ++i)
         if (!valid[i])
-            axis[i] = Cross(axis[(i + 1) % 3], axis[(i + 2) % 3]);
+            axis[i] = axis[(i + 1) % 3] ^ axis[(i + 2) % 3];
 }
 
 bool IsFinite(const QMXTMATRIXf& m)
@@ -102,18 +82,18 @@ ENodeTMFit NodeTMFromMatrix(SNodeTM& tm, const QMXTMATRIXf& local)
     double largest = 0.0;
     for (int r = 0; r < 3; ++r)
     {
-        axis[r] = {local(r, 0), local(r, 1), local(r, 2)};
-        scale[r] = Length(axis[r]);
+        axis[r] = SVec(local(r, 0), local(r, 1), local(r, 2));
+        scale[r] = axis[r].Length();
         largest = std::fmax(largest, scale[r]);
     }
-    const bool mirrored = Dot(axis[0], Cross(axis[1], axis[2])) < 0.0;
+    const bool mirrored = axis[0] * (axis[1] ^ axis[2]) < 0.0;
     for (int r = 0; r < 3; ++r)
     {
         if (mirrored)
             scale[r] = -scale[r];
         valid[r] = std::fabs(scale[r]) > kTinyAxis * std::fmax(largest, 1.0);
         if (valid[r])
-            axis[r] = Scale(axis[r], 1.0 / scale[r]);
+            axis[r] = axis[r] * (1.0 / scale[r]);
     }
     Orthonormalise(axis, valid);
 

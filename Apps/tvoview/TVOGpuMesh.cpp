@@ -1,5 +1,6 @@
 #include "TVOGpuMesh.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -108,13 +109,14 @@ bool CTVOGpuMesh::Upload(const STVOMesh& m, bool uint32Indices, std::string& err
     {
         UploadStream(m, m.sBoneIdx, interleaved, m_attributes[eAttribBoneIndex]);
         UploadStream(m, m.sBoneWeight, interleaved, m_attributes[eAttribBoneWeight]);
-        const uint32_t n = m.sBoneIdx.n < m.sBoneWeight.n ? m.sBoneIdx.n : m.sBoneWeight.n;
-        m_nBonesPerVertex = QMXTModelTVODataTypeComponentCount(m.sBoneIdx.eType) > 1 ? 4 : (n < 4 ? n : 4);
+        const uint32_t n = std::min(m.sBoneIdx.n, m.sBoneWeight.n);
+        const bool packed = QMXTModelTVODataTypeComponentCount(m.sBoneIdx.eType) > 1;
+        m_nBonesPerVertex = packed ? eQMXTMaxBonesPerVertex : std::min<uint32_t>(n, eQMXTMaxBonesPerVertex);
     }
     if (TVOMeshIndexed(m))
     {
         const uint32_t count = QMXTModelTVOCountIndices(m);
-        const bool wide = m.nNumVertex > 65536;
+        const bool wide = m.nNumVertex > eTVOMaxShortIndexedVertices;
         if (wide && !uint32Indices)
         {
             error = "a mesh of " + std::to_string(m.nNumVertex) +
@@ -137,7 +139,7 @@ bool CTVOGpuMesh::Upload(const STVOMesh& m, bool uint32Indices, std::string& err
         m_nIndexSize = wide ? 4 : 2;
         m_nIndexBuffer = NewBuffer(GL_ELEMENT_ARRAY_BUFFER, bytes.data(), bytes.size());
     }
-    else if (m.nNumVertex > 65536 && !uint32Indices)
+    else if (m.nNumVertex > eTVOMaxShortIndexedVertices && !uint32Indices)
     {
         error = "a mesh of " + std::to_string(m.nNumVertex) + " vertices is too big for the wireframe";
         return false;
@@ -152,7 +154,7 @@ bool CTVOGpuMesh::Upload(const STVOMesh& m, bool uint32Indices, std::string& err
 // as a line index list in the index type of the mesh.
 void CTVOGpuMesh::UploadEdges(const STVOMesh& m)
 {
-    const bool wide = m.nNumVertex > 65536;
+    const bool wide = m.nNumVertex > eTVOMaxShortIndexedVertices;
     std::vector<uint32_t> edges;
     for (const SDrawRange& r : m_ranges)
     {

@@ -18,8 +18,9 @@ void Matrix(GLuint program, const char* name, const QMXTMATRIXf& m)
     glUniformMatrix4fv(U(program, name), 1, GL_FALSE, m.f);
 }
 
-// Bone slots a mesh needs: its batch palette, or every node when its vertices name nodes directly.
-int PaletteOf(const STVOScene& s, const STVOMesh& m)
+// Bone matrices a mesh needs in the palette: its batch bone maximum, or every node when its
+// vertices name nodes directly.
+int PaletteSizeOf(const STVOScene& s, const STVOMesh& m)
 {
     return static_cast<int>(m.sBoneBatch.nBatchCnt ? m.sBoneBatch.nBatchBoneMax : s.nNumNode);
 }
@@ -46,15 +47,15 @@ bool CTVORenderer::Init(CQMXTModelTVO& scene, const std::string& baseDir, std::s
     const int capacity = std::max(1, (vectors - 32) / 4);
     for (uint32_t i = 0; i < scene.nNumMesh; ++i)
     {
-        const int palette = PaletteOf(scene, scene.pMesh[i]);
-        if (palette > capacity)
-            m_warnings.push_back("mesh " + std::to_string(i) + " needs " + std::to_string(palette) +
+        const int paletteSize = PaletteSizeOf(scene, scene.pMesh[i]);
+        if (paletteSize > capacity)
+            m_warnings.push_back("mesh " + std::to_string(i) + " needs " + std::to_string(paletteSize) +
                                  " bone matrices, more than the " + std::to_string(capacity) +
                                  " this GPU holds: drawn unskinned");
         else
-            m_nPalette = std::max(m_nPalette, palette);
+            m_nPaletteSize = std::max(m_nPaletteSize, paletteSize);
     }
-    m_nProgram = TVOBuildSceneProgram(m_nPalette, error);
+    m_nProgram = TVOBuildSceneProgram(m_nPaletteSize, error);
     m_nLineProgram = m_nProgram ? TVOBuildLineProgram(error) : 0;
     if (!m_nLineProgram)
         return false;
@@ -148,7 +149,7 @@ void CTVORenderer::SetMaterial(int32_t idx)
     glUniform1i(U(p, "uTexture"), 0);
 }
 
-void CTVORenderer::SetPalette(const STVONode& node, const STVOMesh& mesh, uint32_t batch)
+void CTVORenderer::LoadBatchBones(const STVONode& node, const STVOMesh& mesh, uint32_t batch)
 {
     CQMXTModelTVO& s = *m_pScene;
     const CQMXTBoneBatches& b = mesh.sBoneBatch;
@@ -170,7 +171,7 @@ void CTVORenderer::DrawMeshNode(uint32_t nodeIdx, const SViewToggles& toggles)
     const STVOMesh& mesh = s.pMesh[node.nIdx];
     const CTVOGpuMesh& gpu = *m_meshes[static_cast<size_t>(node.nIdx)];
     const GLuint p = m_nProgram;
-    const bool skinned = gpu.Skinned() && PaletteOf(s, mesh) <= m_nPalette;
+    const bool skinned = gpu.Skinned() && PaletteSizeOf(s, mesh) <= m_nPaletteSize;
     Matrix(p, "uWorld", s.GetWorldMatrix(node));
     QMXTMATRIXf unpack;
     std::copy(mesh.mUnpackMatrix, mesh.mUnpackMatrix + 16, unpack.f);
@@ -180,11 +181,11 @@ void CTVORenderer::DrawMeshNode(uint32_t nodeIdx, const SViewToggles& toggles)
     glUniform1i(U(p, "uHasNormals"), gpu.HasNormals() ? 1 : 0);
     SetMaterial(node.nIdxMaterial);
     gpu.Bind();
-    uint32_t palette = UINT32_MAX;
+    uint32_t loadedBatch = UINT32_MAX;
     for (const SDrawRange& r : gpu.Ranges())
     {
-        if (skinned && r.nBatch != palette)
-            SetPalette(node, mesh, palette = r.nBatch);
+        if (skinned && r.nBatch != loadedBatch)
+            LoadBatchBones(node, mesh, loadedBatch = r.nBatch);
         // Edges are drawn white, or in their batch's colour; skinned faces get the batch colour mixed in.
         float tint[4] = {1, 1, 1, toggles.bWireframe ? 1.0f : 0.0f};
         if (toggles.bBatchColours && skinned)

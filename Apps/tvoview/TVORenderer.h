@@ -46,14 +46,15 @@ class CTVORenderer
     void SetLights(const SCameraView& view);
     void SetMaterial(int32_t materialIdx);
     void DrawMeshNode(uint32_t nodeIdx, const SViewToggles& toggles);
-    void SetPalette(const STVONode& node, const STVOMesh& mesh, uint32_t batch);
+    // Fills the palette with the bone matrices of one batch of a mesh drawn at node.
+    void LoadBatchBones(const STVONode& node, const STVOMesh& mesh, uint32_t batch);
     void DrawLines(const SCameraView& view, const SViewToggles& toggles);
 
     CQMXTModelTVO* m_pScene = nullptr;
     std::vector<std::unique_ptr<CTVOGpuMesh>> m_meshes;
     CTVOTextures m_textures;
     GLuint m_nProgram = 0, m_nLineProgram = 0;
-    int m_nPalette = 1;
+    int m_nPaletteSize = 1; // bone matrices the program holds
     std::vector<std::string> m_warnings;
     std::vector<std::string> m_said;
 };

@@ -1,5 +1,6 @@
 #include "TVOSceneCheck.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <vector>
@@ -98,19 +99,19 @@ std::string CheckBoneIndices(const STVOScene& s, const STVOMesh& m, uint32_t i)
     if (!TVOStreamPresent(m, m.sBoneIdx) || !TVOStreamPresent(m, m.sBoneWeight))
         return {};
     const CQMXTBoneBatches& b = m.sBoneBatch;
-    const uint32_t components = m.sBoneIdx.n < 4 ? m.sBoneIdx.n : 4;
+    const uint32_t components = std::min<uint32_t>(m.sBoneIdx.n, eQMXTMaxBonesPerVertex);
     for (const SDrawRange& r : TVODrawRanges(m))
     {
-        const uint32_t palette = b.nBatchCnt ? b.pnBatchBoneCnt[r.nBatch] : s.nNumNode;
+        const uint32_t batchBones = b.nBatchCnt ? b.pnBatchBoneCnt[r.nBatch] : s.nNumNode;
         for (uint32_t k = r.nFirst; k < r.nFirst + r.nCount; ++k)
         {
             const uint32_t v = TVOMeshVertexAt(m, k);
             float bones[4];
             QMXTVertexRead(bones, TVOStreamElement(m, m.sBoneIdx, v), m.sBoneIdx.eType, m.sBoneIdx.n);
             for (uint32_t c = 0; c < components; ++c)
-                if (!(bones[c] >= 0.0f && bones[c] + 0.5f < static_cast<float>(palette)))
+                if (!(bones[c] >= 0.0f && bones[c] + 0.5f < static_cast<float>(batchBones)))
                     return Say("mesh %u: vertex %u uses bone %g beyond the palette of %u", i, v,
-                               static_cast<double>(bones[c]), palette);
+                               static_cast<double>(bones[c]), batchBones);
         }
     }
     return {};

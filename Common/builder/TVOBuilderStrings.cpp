@@ -1,8 +1,6 @@
 #include "TVOBuilderStrings.h"
 
-#include <cstdint>
-
-#include "QMXTString.h"
+#include "QMXTStringTable.h"
 
 namespace
 {
@@ -31,47 +29,28 @@ const char g_szBlock[] =
 
 const char* const g_pszLanguageNames[CTVOBuilderStrings::eNumLanguages] = {"British English"};
 
-constexpr int kTableSize = CTVOBuilderStrings::eNumStrings * CTVOBuilderStrings::eNumLanguages;
-
-uint32_t g_offsets[kTableSize];
-const char* g_pszTexts[kTableSize];
-bool g_bInitialised = false;
-CTVOBuilderStrings::ELanguages g_eLanguage = CTVOBuilderStrings::eLangBritishEnglish;
-
-// Offsets of the consecutive strings of the block, computed once.
-void BuildOffsets()
-{
-    QMXTStringBlockOffsets(g_szBlock, sizeof g_szBlock, g_offsets, kTableSize);
-}
+CQMXTStringTable<CTVOBuilderStrings::eNumStrings, CTVOBuilderStrings::eNumLanguages> g_table(
+    g_szBlock, sizeof g_szBlock, g_pszLanguageNames);
 } // namespace
 
 void CTVOBuilderStrings::Initialise(ELanguages language)
 {
-    BuildOffsets();
-    for (int i = 0; i < kTableSize; ++i)
-        g_pszTexts[i] = g_szBlock + g_offsets[i];
-    SetLanguage(language);
-    g_bInitialised = true;
+    g_table.Initialise(language);
 }
 
 void CTVOBuilderStrings::SetLanguage(ELanguages language)
 {
-    if (language >= eLangBritishEnglish && language < eNumLanguages)
-        g_eLanguage = language;
+    g_table.SetLanguage(language);
 }
 
 const char* CTVOBuilderStrings::LangNameAsCStrText(ELanguages language)
 {
-    if (language < eLangBritishEnglish || language >= eNumLanguages)
-        return "";
-    return g_pszLanguageNames[language];
+    return g_table.LanguageName(language);
 }
 
 const char* CTVOBuilderStrings::CStrText(int n)
 {
-    if (!g_bInitialised)
+    if (!g_table.IsInitialised())
         Initialise(eLangBritishEnglish);
-    if (n < 0 || n >= eNumStrings)
-        return "";
-    return g_pszTexts[eNumStrings * g_eLanguage + n];
+    return g_table.Text(n);
 }

@@ -68,7 +68,7 @@ void VertexFormatPass(STVOMesh& mesh, const SBuilderSettings& s)
 {
     if (mesh.pInterleaved)
         RequireMemory(QMXTModelTVOToggleInterleaved(mesh, 0) == 0);
-    if (mesh.nNumFaces && mesh.nNumVertex <= 65536 && mesh.sFaces.pData)
+    if (mesh.nNumFaces && mesh.nNumVertex <= eTVOMaxShortIndexedVertices && mesh.sFaces.pData)
         RequireMemory(QMXTModelTVODataConvert(mesh.sFaces, QMXTModelTVOCountIndices(mesh),
                                               EQMXTDataUnsignedShort) == 0);
 

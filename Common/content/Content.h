@@ -64,6 +64,11 @@ struct SMappingChannel
 
 struct SGeomData
 {
+    enum
+    {
+        eMaxMappingChannels = 8 // UVW sets 0 to 7, one for each UVW vertex format of the options
+    };
+
     std::vector<QMXTVECTOR3f> positions;
     std::vector<QMXTVECTOR3f> normals;
     std::vector<QMXTVECTOR4f> colours; // r, g, b, a in 0..1

@@ -66,22 +66,28 @@ struct SVectorDefault
     uint32_t uiAllowed;
 };
 
+// Component masks of the defaults: x, y, z (u, v) with or without the options window's flag.
+const uint32_t kXY = CVectorOpt::eMaskX | CVectorOpt::eMaskY;
+const uint32_t kXYZ = kXY | CVectorOpt::eMaskZ;
+const uint32_t kAll = CVectorOpt::eMaskComponents;
+const uint32_t kHide = CVectorOpt::eMaskHideLast;
+
 const SVectorDefault kVectors[COptionsData::eNumVectorFormats] = {
-    {{"sVcOptPos", nullptr, "/Position"}, {true, EQMXTDataFloat, 0x87}, 0x8F},
-    {{"sVcOptNor", nullptr, "/Normal"}, {true, EQMXTDataFloat, 0x87}, 0x8F},
-    {{"sVcOptTan", nullptr, "/Tangent"}, {true, EQMXTDataFloat, 0x87}, 0x8F},
-    {{"sVcOptBin", nullptr, "/Binormal"}, {true, EQMXTDataFloat, 0x87}, 0x8F},
-    {{"sVcOptCol", nullptr, "/Colour"}, {false, EQMXTDataARGB, 0x0F}, 0x0F},
-    {{"sVcOptBoneInd", nullptr, "/BoneIndices"}, {true, EQMXTDataUnsignedByte, 0x0F}, 0x0F},
-    {{"sVcOptBoneWt", nullptr, "/BoneWeights"}, {true, EQMXTDataFloat, 0x0F}, 0x0F},
-    {{"psVcOptUVW[0]", nullptr, "/UVW0"}, {true, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[1]", nullptr, "/UVW1"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[2]", nullptr, "/UVW2"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[3]", nullptr, "/UVW3"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[4]", nullptr, "/UVW4"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[5]", nullptr, "/UVW5"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[6]", nullptr, "/UVW6"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
-    {{"psVcOptUVW[7]", nullptr, "/UVW7"}, {false, EQMXTDataFloat, 0x83}, 0x8F},
+    {{"sVcOptPos", nullptr, "/Position"}, {true, EQMXTDataFloat, kXYZ | kHide}, kAll | kHide},
+    {{"sVcOptNor", nullptr, "/Normal"}, {true, EQMXTDataFloat, kXYZ | kHide}, kAll | kHide},
+    {{"sVcOptTan", nullptr, "/Tangent"}, {true, EQMXTDataFloat, kXYZ | kHide}, kAll | kHide},
+    {{"sVcOptBin", nullptr, "/Binormal"}, {true, EQMXTDataFloat, kXYZ | kHide}, kAll | kHide},
+    {{"sVcOptCol", nullptr, "/Colour"}, {false, EQMXTDataARGB, kAll}, kAll},
+    {{"sVcOptBoneInd", nullptr, "/BoneIndices"}, {true, EQMXTDataUnsignedByte, kAll}, kAll},
+    {{"sVcOptBoneWt", nullptr, "/BoneWeights"}, {true, EQMXTDataFloat, kAll}, kAll},
+    {{"psVcOptUVW[0]", nullptr, "/UVW0"}, {true, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[1]", nullptr, "/UVW1"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[2]", nullptr, "/UVW2"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[3]", nullptr, "/UVW3"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[4]", nullptr, "/UVW4"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[5]", nullptr, "/UVW5"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[6]", nullptr, "/UVW6"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
+    {{"psVcOptUVW[7]", nullptr, "/UVW7"}, {false, EQMXTDataFloat, kXY | kHide}, kAll | kHide},
 };
 
 const SOptionNames kNoNames = {nullptr, nullptr, nullptr};

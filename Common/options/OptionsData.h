@@ -164,6 +164,10 @@ class COptionsData : public CQMXPrefsStorable
         eVcOptUVW7,
         eNumVectorFormats
     };
+    enum
+    {
+        eNumUVWFormats = eNumVectorFormats - eVcOptUVW0 // one a mapping channel, 0 to 7
+    };
 
     COptionsData();
     COptionsData(const COptionsData& other);

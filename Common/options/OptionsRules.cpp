@@ -6,8 +6,6 @@ namespace
 {
 using O = COptionsData;
 
-const uint32_t kComponentBits = 0x0F; // x, y, z, w; bit 7 is the options window's flag
-
 bool Exported(const COptionsData& options, O::EVectorFormats format)
 {
     return options.GetOption(format, CVectorOpt::eExport);
@@ -41,7 +39,7 @@ bool CheckVertexFormats(const COptionsData& options, std::string& error)
     {
         const auto format = static_cast<O::EVectorFormats>(i);
         const uint32_t mask = options.GetOption(format, CVectorOpt::eEnable);
-        if (Exported(options, format) && (mask & kComponentBits) == 0)
+        if (Exported(options, format) && (mask & CVectorOpt::eMaskComponents) == 0)
             return Refuse(error, Key(format, "nEnable") + "=" + std::to_string(mask) +
                                      " selects no component (bits 0-3 select x, y, z, w); select some, "
                                      "or set " + Key(format, "bExport") + "=0");
@@ -74,13 +72,13 @@ bool CheckChoices(const COptionsData& options, std::string& error)
 bool CheckLayout(const COptionsData& options, std::string& error)
 {
     const uint32_t pad = options.GetOption(O::ePadDataTo);
-    if (options.GetOption(O::eAlignData) && options.GetOption(O::eInterleaved) && (!IsPowerOfTwo(pad) || pad > 256))
-        return Refuse(error, "uiPadDataTo=" + std::to_string(pad) +
-                                 " is no alignment (a power of two from 1 to 256); or set bAlignData=0");
+    if (options.GetOption(O::eAlignData) && options.GetOption(O::eInterleaved) && (!IsPowerOfTwo(pad) || pad > kMaxPadDataTo))
+        return Refuse(error, "uiPadDataTo=" + std::to_string(pad) + " is no alignment (a power of two from 1 to " +
+                                 std::to_string(kMaxPadDataTo) + "); or set bAlignData=0");
     const uint32_t channel = options.GetOption(O::eTSUseUVW);
-    if (options.GetOption(O::eTangentSpace) && channel > 7)
-        return Refuse(error, "uiTSUseUVW=" + std::to_string(channel) +
-                                 " names no mapping channel (0 to 7) for the tangent space");
+    if (options.GetOption(O::eTangentSpace) && channel >= O::eNumUVWFormats)
+        return Refuse(error, "uiTSUseUVW=" + std::to_string(channel) + " names no mapping channel (0 to " +
+                                 std::to_string(O::eNumUVWFormats - 1) + ") for the tangent space");
     return true;
 }
 } // namespace

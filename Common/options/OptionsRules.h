@@ -22,6 +22,9 @@ struct SExtractedStreams
 };
 SExtractedStreams ExtractedStreams(const COptionsData& options);
 
+// Largest uiPadDataTo: interleaved vertex data is aligned to a power of two from 1 to 256 bytes.
+const uint32_t kMaxPadDataTo = 256;
+
 // False with one line naming the option and why when the options cannot produce a file:
 //  - bExportGeometry with positions switched off (sVcOptPos.bExport=0) or given no component
 //    (sVcOptPos.nEnable without any of bits 0-3);

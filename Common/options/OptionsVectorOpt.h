@@ -25,6 +25,16 @@ class CVectorOpt
     {
         eEnable = 0
     };
+    // Bits of the component mask (eEnable).
+    enum EMaskBits : uint32_t
+    {
+        eMaskX = 0x01,
+        eMaskY = 0x02,
+        eMaskZ = 0x04,
+        eMaskW = 0x08,
+        eMaskComponents = 0x0F, // x, y, z, w (u, v, w)
+        eMaskHideLast = 0x80    // the options window hides the row's last control
+    };
 
     CVectorOpt() = default;
     CVectorOpt(bool bExport, EQMXTDataType eType, uint32_t nEnable)
@@ -54,7 +64,7 @@ class CVectorOpt
   private:
     bool m_bExport = false;
     EQMXTDataType m_eType = EQMXTDataFloat;
-    uint32_t m_nEnable = 135;
+    uint32_t m_nEnable = eMaskX | eMaskY | eMaskZ | eMaskHideLast;
 };
 
 // True for the ids 1..17 of EQMXTDataType.

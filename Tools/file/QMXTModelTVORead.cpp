@@ -16,7 +16,6 @@
 #include "QMXTError.h"
 #include "QMXTModelTVO.h"
 #include "QMXTModelTVOFile.h"
-#include "QMXTSink.h"
 #include "QMXTSource.h"
 #include "QMXTTVOBlocks.h"
 
@@ -80,6 +79,7 @@ class CTVOReader
     bool ReadTexts(char* options, uint32_t optionsSize, char* history, uint32_t historySize);
 
   private:
+    template <typename F> bool TopLevel(bool& version, bool& done, F onBlock);
     template <typename F> bool Children(uint32_t tag, F onBlock);
 
     // Leaves.
@@ -212,9 +212,14 @@ bool CTVOReader::Version(uint32_t length, bool& ok)
     return true;
 }
 
-bool CTVOReader::ReadScene()
+// Reads the file's top-level blocks in order until onBlock says it is done or the file ends. Version
+// blocks are checked here (version turns true once one was read) and a file in the other byte
+// order is refused. onBlock returns 1 when it read a block, 2 when it read one and the walk is done,
+// 0 on failure and -1 for a block it leaves, which is skipped by its length. done tells whether
+// onBlock ended the walk.
+template <typename F> bool CTVOReader::TopLevel(bool& version, bool& done, F onBlock)
 {
-    bool version = false;
+    done = false;
     while (m_src.Remaining())
     {
         uint32_t tag, length;
@@ -225,88 +230,84 @@ bool CTVOReader::ReadScene()
             QMXTErrorOutputDebug("Error: Endianness mismatch between the .tvo file and the platform.\n");
             return m_src.Fail("the file is in the other byte order");
         }
-        if (tag == eTVOVersion)
-        {
-            if (!Version(length, version))
-                return false;
-        }
-        else if (tag == eTVOScene)
-        {
-            // The scene's end marker ends the file's contents: nothing after it is read.
-            if (!SceneBlock())
-                return false;
-            if (m_pScene->nFlags & eTVOSceneFixedPoint)
-            {
-                QMXTErrorOutputDebug(
-                    "Error: The TVO file is in fixed point format but the tools haven't been "
-                    "compiled with fixed point enabled.\n");
-                return m_src.Fail("fixed-point vertex data is not supported");
-            }
-            return version || m_src.Fail("no version block before the scene");
-        }
-        else if (tag == (eTVOScene | eTVOEndBit))
-        {
-            return m_src.Fail("the end of a scene that never began");
-        }
-        else if (!m_src.Skip(length))
-        {
+        const int r = tag == eTVOVersion ? (Version(length, version) ? 1 : 0) : onBlock(tag, length);
+        if (r == 0 || (r < 0 && !m_src.Skip(length)))
             return false;
+        if (r == 2)
+        {
+            done = true;
+            return true;
         }
     }
+    return true;
+}
+
+bool CTVOReader::ReadScene()
+{
+    bool version = false, done;
+    const bool ok = TopLevel(version, done,
+                             [&](uint32_t tag, uint32_t) -> int
+                             {
+                                 if (tag == (eTVOScene | eTVOEndBit))
+                                     return m_src.Fail("the end of a scene that never began");
+                                 if (tag != eTVOScene)
+                                     return -1;
+                                 // The scene's end marker ends the file's contents: nothing after it is read.
+                                 if (!SceneBlock())
+                                     return 0;
+                                 if (m_pScene->nFlags & eTVOSceneFixedPoint)
+                                 {
+                                     QMXTErrorOutputDebug(
+                                         "Error: The TVO file is in fixed point format but the tools haven't been "
+                                         "compiled with fixed point enabled.\n");
+                                     return m_src.Fail("fixed-point vertex data is not supported");
+                                 }
+                                 return version ? 2 : m_src.Fail("no version block before the scene");
+                             });
+    if (!ok || done)
+        return ok;
     return m_src.Fail(version ? "no scene block" : "no version block and no scene block");
 }
 
 bool CTVOReader::ReadTexts(char* options, uint32_t optionsSize, char* history, uint32_t historySize)
 {
     bool optionsRead = options == nullptr, historyRead = history == nullptr;
-    while (m_src.Remaining())
-    {
-        uint32_t tag, length;
-        if (!m_src.ReadMarker(tag, length))
-            return false;
-        if (tag == kSwappedVersionTag)
-        {
-            QMXTErrorOutputDebug("Error: Endianness mismatch between the .tvo file and the platform.\n");
-            return m_src.Fail("the file is in the other byte order");
-        }
-        if (tag == eTVOVersion)
-        {
-            bool ok;
-            if (!Version(length, ok))
-                return false;
-        }
-        else if (tag == eTVOOptions && !optionsRead)
-        {
-            const uint32_t n = length < optionsSize ? length : optionsSize;
-            if (!m_src.Read(options, n) || !m_src.Skip(length - n))
-                return false;
-            optionsRead = true;
-        }
-        else if (tag == eTVOHistory && !historyRead)
-        {
-            const uint32_t n = length < historySize ? length : historySize;
-            if (!m_src.Read(history, n))
-                return false;
-            // The bytes left to skip depend on the options size, not the history size; this long-standing
-            // asymmetry is kept so files and callers see the behaviour they always saw.
-            const int64_t skip = optionsSize < length ? static_cast<int64_t>(length) - historySize : 0;
-            if (skip > 0 && !m_src.Skip(static_cast<uint32_t>(skip)))
-                return false;
-            historyRead = true;
-        }
-        else if (tag == (eTVOScene | eTVOEndBit))
-        {
-            // Both texts come before the scene: past its end they are not in the file.
-            return m_src.Fail("the requested text is not in the file");
-        }
-        else if (!m_src.Skip(length))
-        {
-            return false;
-        }
-        if (optionsRead && historyRead)
-            return true;
-    }
-    return true;
+    bool version = false, done;
+    return TopLevel(version, done,
+                    [&](uint32_t tag, uint32_t length) -> int
+                    {
+                        if (tag == eTVOOptions && !optionsRead)
+                        {
+                            const uint32_t n = length < optionsSize ? length : optionsSize;
+                            if (!m_src.Read(options, n) || !m_src.Skip(length - n))
+                                return 0;
+                            optionsRead = true;
+                        }
+                        else if (tag == eTVOHistory && !historyRead)
+                        {
+                            const uint32_t n = length < historySize ? length : historySize;
+                            if (!m_src.Read(history, n))
+                                return 0;
+                            // The bytes left to skip depend on the options size, not the history size;
+                            // this long-standing asymmetry is kept so files and callers see the
+                            // behaviour they always saw.
+                            const int64_t skip =
+                                optionsSize < length ? static_cast<int64_t>(length) - historySize : 0;
+                            if (skip > 0 && !m_src.Skip(static_cast<uint32_t>(skip)))
+                                return 0;
+                            historyRead = true;
+                        }
+                        else if (tag == (eTVOScene | eTVOEndBit))
+                        {
+                            // Both texts come before the scene: past its end they are not in the file.
+                            return m_src.Fail("the requested text is not in the file");
+                        }
+                        else
+                        {
+                            return -1;
+                        }
+                        return optionsRead && historyRead ? 2 : 1;
+                    });
 }
 
 bool CTVOReader::SceneBlock()
@@ -930,33 +931,4 @@ int CQMXTModelTVO::ReadFromMemory(const STVOScene& scene)
     }
     SetCallerOwned(true);
     return 0;
-}
-
-// The deep copy goes through the file form, so it shares every size rule with the writer and the
-// reader; the few values the file does not carry (attenuation of directional lights, falloff of
-// non-spot lights, the primitive type) are copied over afterwards.
-int CQMXTModelTVO::CopyFromMemory(const STVOScene& scene)
-{
-    try
-    {
-        CSinkMemory sink;
-        if (QMXTTVOWriteScene(scene, sink, nullptr, nullptr) != 0 || sink.Data().size() > UINT32_MAX)
-            return 1;
-        const std::vector<STVOLight> lights(scene.pLight,
-                                            scene.pLight + (scene.pLight ? scene.nNumLight : 0));
-        std::vector<uint32_t> primitives;
-        for (uint32_t i = 0; scene.pMesh && i < scene.nNumMesh; ++i)
-            primitives.push_back(scene.pMesh[i].ePrimitiveType);
-        if (ReadFromMemory(sink.Data().data(), static_cast<uint32_t>(sink.Data().size())) != 0)
-            return 1;
-        if (!lights.empty())
-            std::memcpy(pLight, lights.data(), lights.size() * sizeof(STVOLight));
-        for (uint32_t i = 0; i < nNumMesh; ++i)
-            pMesh[i].ePrimitiveType = primitives[i];
-        return 0;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return 1;
-    }
 }

@@ -231,13 +231,11 @@ void WriteNode(CBlockWriter& w, const STVONode& n, uint32_t frameCount)
 
 void WriteMaterial(CBlockWriter& w, const STVOMaterial& m)
 {
-    static const uint32_t kSlotTags[eTVOTexSlotCount] = {3001, 3009, 3010, 3011, 3012,
-                                                         3013, 3014, 3015, 3016, 3017};
     w.Begin(eTVOSceneMaterial);
     w.U32(eTVOMatFlags, m.nFlags);
     w.String(eTVOMatName, m.pszName);
     for (uint32_t i = 0; i < eTVOTexSlotCount; ++i)
-        w.I32(kSlotTags[i], m.nIdxTexture[i]);
+        w.I32(QMXTTVOTextureSlotTag(i), m.nIdxTexture[i]);
     w.F32(eTVOMatOpacity, m.fMatOpacity);
     w.F32s(eTVOMatAmbient, m.pfMatAmbient, 3);
     w.F32s(eTVOMatDiffuse, m.pfMatDiffuse, 3);

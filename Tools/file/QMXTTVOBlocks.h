@@ -122,6 +122,13 @@ enum ETVOBlock : uint32_t
     eTVODataData = 9003
 };
 
+// The block of a material's texture slot (ETVOTextureSlot): the diffuse slot has a block of its
+// own, slots 1 to 9 follow one another from eTVOMatTexAmbient.
+constexpr uint32_t QMXTTVOTextureSlotTag(uint32_t slot)
+{
+    return slot == 0 ? eTVOMatTexDiffuse : eTVOMatTexAmbient + slot - 1;
+}
+
 // The version text of block 1000, written with its zero byte (11 bytes).
 constexpr char kTVOVersion[] = "AB.TVO.2.0";
 constexpr uint32_t kTVOVersionSize = sizeof(kTVOVersion);

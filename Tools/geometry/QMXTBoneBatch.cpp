@@ -20,13 +20,14 @@
 namespace
 {
 constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
-constexpr uint32_t kMaxTriangleBones = 12; // three vertices of up to four bones
+constexpr uint32_t kSlots = eQMXTMaxBonesPerVertex; // influences a vertex
+constexpr uint32_t kMaxTriangleBones = 3 * kSlots;
 
 // Weights and indices of one vertex as the vertex reader returns them.
 struct SVertexBones
 {
-    float fWeight[4];
-    float fIndex[4];
+    float fWeight[kSlots];
+    float fIndex[kSlots];
 };
 
 // A stored bone index as a palette entry; false for a value that names no bone.
@@ -182,7 +183,7 @@ struct SBatch
     }
     // Turns a vertex's bone indices into positions in this batch; zero weights give 0, bones the
     // batch lacks keep their index.
-    void LocalIndices(float fIndex[4], const float fWeight[4], uint32_t nBonesPerVtx) const
+    void LocalIndices(float fIndex[kSlots], const float fWeight[kSlots], uint32_t nBonesPerVtx) const
     {
         for (uint32_t k = 0; k < nBonesPerVtx; ++k)
         {
@@ -351,7 +352,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
                              uint32_t nBonesPerVtx)
 {
     Release();
-    if (nBonesPerVtx < 1 || nBonesPerVtx > 4 || nBoneLimit == 0 || !pnOutVtxNum || !ppOutVtx)
+    if (nBonesPerVtx < 1 || nBonesPerVtx > kSlots || nBoneLimit == 0 || !pnOutVtxNum || !ppOutVtx)
         return eFailed;
     if ((nTriNum && !pnIdx) || (nVertexNum && !pVertices) || nStride == 0)
         return eFailed;
@@ -425,7 +426,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
         QMXTLargeVector<uint32_t> firstCopy(nVertexNum, kNone), memoBatch(nVertexNum, kNone), nextCopy;
         QMXTLargeVector<uint32_t> lastCopy(nVertexNum), memoCopy(nVertexNum);
         QMXTLargeVector<float> stored; // four floats a copy
-        stored.reserve((size_t(nVertexNum) + nVertexNum / 4) * 4);
+        stored.reserve((size_t(nVertexNum) + nVertexNum / 4) * kSlots);
         nextCopy.reserve(size_t(nVertexNum) + nVertexNum / 4);
         QMXTLargeVector<uint32_t> newIdx(nIdxNum);
         for (uint32_t b = 0; b < nBatches; ++b)
@@ -438,11 +439,11 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
                     const uint32_t v = pnIdx[size_t(t) * 3 + c];
                     if (memoBatch[v] != b)
                     {
-                        float local[4];
+                        float local[kSlots];
                         std::memcpy(local, vtx[v].fIndex, sizeof local);
                         list[b].LocalIndices(local, vtx[v].fWeight, nBonesPerVtx);
                         uint32_t copy = firstCopy[v];
-                        while (copy != kNone && !std::equal(local, local + 4, &stored[size_t(copy) * 4]))
+                        while (copy != kNone && !std::equal(local, local + kSlots, &stored[size_t(copy) * kSlots]))
                             copy = nextCopy[copy];
                         if (copy == kNone)
                         {
@@ -451,9 +452,9 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
                                 return eTooManyVertices;
                             copy = out.Size() - 1;
                             QMXTVertexWrite(rec + nOffsetIdx, eTypeIdx, nBonesPerVtx, local);
-                            float back[4];
+                            float back[kSlots];
                             QMXTVertexRead(back, rec + nOffsetIdx, eTypeIdx, nBonesPerVtx);
-                            stored.insert(stored.end(), back, back + 4);
+                            stored.insert(stored.end(), back, back + kSlots);
                             nextCopy.push_back(kNone);
                             (firstCopy[v] == kNone ? firstCopy[v] : nextCopy[lastCopy[v]]) = copy;
                             lastCopy[v] = copy;

@@ -222,56 +222,15 @@ bool BakeMesh(CQMXTModelTVO& src, const STVONode& node, STVOMesh& mesh)
     return CSkinBaker(src, node, mesh).Bake();
 }
 
-template <typename T> bool AllocRecords(T*& records, uint32_t& count, uint32_t wanted)
-{
-    records = nullptr;
-    count = 0;
-    if (wanted == 0)
-        return true;
-    records = static_cast<T*>(QMXTLargeCalloc(wanted, sizeof(T)));
-    if (!records)
-        return false;
-    count = wanted;
-    return true;
-}
-
-bool CopyScene(CQMXTModelTVO& src, CQMXTModelTVO& dst)
-{
-    std::memcpy(dst.pfColourBackground, src.pfColourBackground, sizeof dst.pfColourBackground);
-    std::memcpy(dst.pfColourAmbient, src.pfColourAmbient, sizeof dst.pfColourAmbient);
-    dst.nNumFrame = src.nNumFrame;
-    dst.nFPS = src.nFPS;
-    dst.nFlags = src.nFlags;
-    if (src.pUserData && src.nUserDataSize)
-    {
-        dst.pUserData = static_cast<uint8_t*>(std::malloc(src.nUserDataSize));
-        if (!dst.pUserData)
-            return false;
-        std::memcpy(dst.pUserData, src.pUserData, src.nUserDataSize);
-        dst.nUserDataSize = src.nUserDataSize;
-    }
-    bool ok = AllocRecords(dst.pCamera, dst.nNumCamera, src.nNumCamera) &&
-              AllocRecords(dst.pLight, dst.nNumLight, src.nNumLight) &&
-              AllocRecords(dst.pNode, dst.nNumNode, src.nNumNode) &&
-              AllocRecords(dst.pTexture, dst.nNumTexture, src.nNumTexture) &&
-              AllocRecords(dst.pMaterial, dst.nNumMaterial, src.nNumMaterial) &&
-              AllocRecords(dst.pMesh, dst.nNumMesh, src.nNumMeshNode);
-    for (uint32_t i = 0; ok && i < src.nNumCamera; ++i)
-        ok = QMXTModelTVOCopyCamera(src.pCamera[i], dst.pCamera[i], src.nNumFrame) == 0;
-    for (uint32_t i = 0; ok && i < src.nNumLight; ++i)
-        ok = QMXTModelTVOCopyLight(src.pLight[i], dst.pLight[i]) == 0;
-    for (uint32_t i = 0; ok && i < src.nNumNode; ++i)
-        ok = QMXTModelTVOCopyNode(src.pNode[i], dst.pNode[i], src.nNumFrame) == 0;
-    for (uint32_t i = 0; ok && i < src.nNumTexture; ++i)
-        ok = QMXTModelTVOCopyTexture(src.pTexture[i], dst.pTexture[i]) == 0;
-    for (uint32_t i = 0; ok && i < src.nNumMaterial; ++i)
-        ok = QMXTModelTVOCopyMaterial(src.pMaterial[i], dst.pMaterial[i]) == 0;
-    dst.nNumMeshNode = src.nNumMeshNode;
-    return ok;
-}
-
+// dst gets one mesh for each mesh node of src: a copy of the node's mesh, baked into world space.
 bool FlattenMeshes(CQMXTModelTVO& src, CQMXTModelTVO& dst)
 {
+    if (src.nNumMeshNode == 0)
+        return true;
+    dst.pMesh = static_cast<STVOMesh*>(QMXTLargeCalloc(src.nNumMeshNode, sizeof(STVOMesh)));
+    if (!dst.pMesh)
+        return false;
+    dst.nNumMesh = src.nNumMeshNode;
     for (uint32_t i = 0; i < src.nNumMeshNode; ++i)
     {
         const STVONode& node = src.pNode[i];
@@ -288,6 +247,7 @@ bool FlattenMeshes(CQMXTModelTVO& src, CQMXTModelTVO& dst)
     }
     return true;
 }
+
 float* CopyOfFloats(const float* values, size_t count)
 {
     float* copy = static_cast<float*>(std::malloc(count * sizeof(float)));
@@ -403,7 +363,7 @@ int QMXTModelTVOFlattenToWorldSpace(CQMXTModelTVO& src, CQMXTModelTVO& dst)
         return 1;
     }
     dst.Destroy();
-    if (!CopyScene(src, dst) || !FlattenMeshes(src, dst) || !RebaseNodes(src, dst))
+    if (QMXTModelTVOCopyScene(src, dst, false) != 0 || !FlattenMeshes(src, dst) || !RebaseNodes(src, dst))
     {
         // The private part ties ownership to the scene: give dst one so that Destroy frees it all.
         if (dst.InitImpl() == 0)

@@ -18,20 +18,6 @@ uint32_t Padding(uint32_t bytes, uint32_t alignment)
     return (alignment - bytes % alignment) % alignment;
 }
 
-// Placement order within one pass: colours come before the UVW streams here.
-template <typename F> void ForEachInPlacementOrder(STVOMesh& mesh, F f)
-{
-    f(mesh.sVertex);
-    f(mesh.sNormals);
-    f(mesh.sTangents);
-    f(mesh.sBinormals);
-    f(mesh.sVtxColours);
-    for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)
-        f(mesh.psUVW[i]);
-    f(mesh.sBoneIdx);
-    f(mesh.sBoneWeight);
-}
-
 int Interleave(STVOMesh& mesh, uint32_t alignment)
 {
     uint32_t stride = 0;
@@ -45,21 +31,25 @@ int Interleave(STVOMesh& mesh, uint32_t alignment)
     if (!block)
         return 1;
 
+    // Largest elements first; within a pass colours come before the UVW streams.
     uint32_t offset = 0;
     for (uint32_t elementSize : {4u, 2u, 1u})
     {
-        ForEachInPlacementOrder(mesh, [&](CTVOData& s) {
-            if (s.n == 0 || QMXTModelTVODataTypeSize(s.eType) != elementSize)
-                return;
-            const uint32_t bytes = QMXTModelTVODataStride(s);
-            for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
-                std::memcpy(block + static_cast<size_t>(v) * stride + offset,
-                            s.pData + static_cast<size_t>(v) * s.nStride, bytes);
-            std::free(s.pData);
-            QMXTModelTVODataSetOffset(s, offset);
-            s.nStride = stride;
-            offset += bytes + Padding(bytes, alignment);
-        });
+        QMXTForEachStream(
+            mesh,
+            [&](CTVOData& s) {
+                if (s.n == 0 || QMXTModelTVODataTypeSize(s.eType) != elementSize)
+                    return;
+                const uint32_t bytes = QMXTModelTVODataStride(s);
+                for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
+                    std::memcpy(block + static_cast<size_t>(v) * stride + offset,
+                                s.pData + static_cast<size_t>(v) * s.nStride, bytes);
+                std::free(s.pData);
+                QMXTModelTVODataSetOffset(s, offset);
+                s.nStride = stride;
+                offset += bytes + Padding(bytes, alignment);
+            },
+            true);
     }
     mesh.pInterleaved = block;
     return 0;

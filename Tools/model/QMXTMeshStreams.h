@@ -13,16 +13,20 @@
 #include "QMXTLargeArray.h"
 
 // Calls f(stream) for every vertex stream of the mesh, present or not, in the order positions,
-// normals, tangents, binormals, each UVW stream, colours, bone indices, bone weights.
-template <typename Mesh, typename F> void QMXTForEachStream(Mesh& mesh, F f)
+// normals, tangents, binormals, each UVW stream, colours, bone indices, bone weights; with
+// coloursFirst (the interleaved placement order) the colours come before the UVW streams.
+template <typename Mesh, typename F> void QMXTForEachStream(Mesh& mesh, F f, bool coloursFirst = false)
 {
     f(mesh.sVertex);
     f(mesh.sNormals);
     f(mesh.sTangents);
     f(mesh.sBinormals);
+    if (coloursFirst)
+        f(mesh.sVtxColours);
     for (uint32_t i = 0; mesh.psUVW && i < mesh.nNumUVW; ++i)
         f(mesh.psUVW[i]);
-    f(mesh.sVtxColours);
+    if (!coloursFirst)
+        f(mesh.sVtxColours);
     f(mesh.sBoneIdx);
     f(mesh.sBoneWeight);
 }

@@ -414,30 +414,32 @@ QMXTMATRIXf CQMXTModelTVO::GetBoneWorldMatrix(const STVONode& meshNode, const ST
 bool CQMXTModelTVO::CreateSkinIdxWeight(uint8_t* pIdx, uint8_t* pWeight, int count, const int* pBoneIdx,
                                         const float* pBoneWeight)
 {
+    constexpr int slots = eQMXTMaxBonesPerVertex;
+    constexpr int total = eTVOByteWeightTotal;
     if (count < 0)
         count = 0;
-    if (count > 4)
-        count = 4;
-    uint8_t idx[4] = {0, 0, 0, 0};
-    int w[4] = {0, 0, 0, 0};
+    if (count > slots)
+        count = slots;
+    uint8_t idx[slots] = {0, 0, 0, 0};
+    int w[slots] = {0, 0, 0, 0};
     for (int i = 0; i < count; ++i)
     {
-        if (pBoneIdx[i] > 255)
+        if (pBoneIdx[i] > static_cast<int>(eTVOMaxByteBoneIndex))
         {
             QMXTErrorOutputDebug("Too many bones (highest index is 255).\n");
             return true;
         }
         idx[i] = static_cast<uint8_t>(pBoneIdx[i] < 0 ? 0 : pBoneIdx[i]);
-        const float scaled = pBoneWeight[i] * 255.0f;
-        // Truncate and clamp to 0..255 (NaN counts as 0).
-        w[i] = !(scaled > 0.0f) ? 0 : (scaled >= 255.0f ? 255 : static_cast<int>(scaled));
+        const float scaled = pBoneWeight[i] * static_cast<float>(total);
+        // Truncate and clamp to 0..total (NaN counts as 0).
+        w[i] = !(scaled > 0.0f) ? 0 : (scaled >= static_cast<float>(total) ? total : static_cast<int>(scaled));
     }
     if (count > 0)
     {
         int sum = w[0] + w[1] + w[2] + w[3];
         if (sum == 0)
             return true;
-        for (int slot = 0; sum < 255; slot = (slot + 1) % 4)
+        for (int slot = 0; sum < total; slot = (slot + 1) % slots)
         {
             if (w[slot] != 0)
             {
@@ -446,7 +448,7 @@ bool CQMXTModelTVO::CreateSkinIdxWeight(uint8_t* pIdx, uint8_t* pWeight, int cou
             }
         }
     }
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < slots; ++i)
     {
         pIdx[i] = idx[i];
         pWeight[i] = static_cast<uint8_t>(w[i]);

@@ -59,6 +59,20 @@ enum ETVOBlendOp : uint32_t
     eTVOBlendOpReverseSubtract = 0x800B
 };
 
+// Bytes of packed skinning data (CQMXTModelTVO::CreateSkinIdxWeight): bone indices up to 255, and
+// byte weights that always add up to 255.
+enum : uint32_t
+{
+    eTVOMaxByteBoneIndex = 255,
+    eTVOByteWeightTotal = 255
+};
+
+// Index streams: 16-bit indices address up to 65536 vertices; larger meshes keep 32-bit indices.
+enum : uint32_t
+{
+    eTVOMaxShortIndexedVertices = 65536
+};
+
 // Texture slots of a material, in record (and file) order.
 enum ETVOTextureSlot : uint32_t
 {
@@ -289,7 +303,7 @@ class CQMXTModelTVO : public STVOScene
                        char* historyBuffer = nullptr, uint32_t historySize = 0);
     // Takes over a scene record shallowly: its arrays stay the caller's and Destroy frees none of them.
     int ReadFromMemory(const STVOScene& scene);
-    // Deep copy of a scene record: every array is newly allocated and owned.
+    // Deep copy of a scene record (QMXTModelTVOCopyScene): every array is newly allocated and owned.
     int CopyFromMemory(const STVOScene& scene);
 
     // Arrays belong to the caller (shallow read from memory): Destroy frees none of them.

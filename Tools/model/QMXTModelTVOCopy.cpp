@@ -2,6 +2,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "QMXTError.h"
+#include "QMXTLargeArray.h"
 #include "QMXTMeshStreams.h"
 #include "QMXTModelTVOTransform.h"
 
@@ -95,6 +97,45 @@ bool CopyMeshArrays(const STVOMesh& src, STVOMesh& m)
            DupArray(m.sBoneBatch.pnBatchBoneCnt, b.pnBatchBoneCnt, b.nBatchCnt) &&
            DupArray(m.sBoneBatch.pnBatchOffset, b.pnBatchOffset, b.nBatchCnt);
 }
+
+// Hands a finished copy over to dst, or frees what a failed one had made (release leaves it
+// zeroed); 0 for success, 1 for failure.
+template <typename T, typename F> int Deliver(T& copy, T& dst, bool ok, F release)
+{
+    if (!ok)
+        release(copy);
+    dst = copy;
+    return ok ? 0 : 1;
+}
+
+// Zeroed records for count copies of a record array (null for none); fails when the source array
+// is missing although its count says there are records.
+template <typename T> bool NewRecords(T*& records, uint32_t& count, const T* src, uint32_t wanted)
+{
+    records = nullptr;
+    count = 0;
+    if (wanted == 0)
+        return true;
+    if (!src)
+    {
+        QMXTErrorOutputDebug("CopyScene: the scene counts %u records of a kind but has no array of them.\n", wanted);
+        return false;
+    }
+    records = static_cast<T*>(QMXTLargeCalloc(wanted, sizeof(T)));
+    if (!records)
+        return false;
+    count = wanted;
+    return true;
+}
+
+// Copies count records with copy(source, destination); stops at the first failure.
+template <typename T, typename F> bool CopyRecords(const T* src, T* dst, uint32_t count, F copy)
+{
+    for (uint32_t i = 0; i < count; ++i)
+        if (copy(src[i], dst[i]) != 0)
+            return false;
+    return true;
+}
 } // namespace
 
 int QMXTModelTVOCopyCTVOData(const CTVOData& src, CTVOData& dst, uint32_t vertexCount, bool interleaved)
@@ -127,21 +168,15 @@ int QMXTModelTVOCopyNode(const STVONode& src, STVONode& dst, uint32_t frameCount
         DupChannel(n.pnAnimMatrixIdx, n.pfAnimMatrix, src.pnAnimMatrixIdx, src.pfAnimMatrix,
                    f & eTVOHasMatrixAnimation, frameCount, 16) &&
         DupArray(n.pUserData, src.pUserData, src.nUserDataSize);
-    if (!ok)
-        QMXTModelTVOFreeNode(n);
-    dst = n;
-    return ok ? 0 : 1;
+    return Deliver(n, dst, ok, QMXTModelTVOFreeNode);
 }
 
 int QMXTModelTVOCopyMesh(const STVOMesh& src, STVOMesh& dst)
 {
     STVOMesh m = src;
     ClearMeshArrays(m);
-    const bool ok = CopyMeshArrays(src, m);
-    if (!ok)
-        FreeMeshArrays(m, src.pInterleaved != nullptr);
-    dst = m;
-    return ok ? 0 : 1;
+    const bool interleaved = src.pInterleaved != nullptr;
+    return Deliver(m, dst, CopyMeshArrays(src, m), [interleaved](STVOMesh& r) { FreeMeshArrays(r, interleaved); });
 }
 
 int QMXTModelTVOCopyMaterial(const STVOMaterial& src, STVOMaterial& dst)
@@ -152,10 +187,7 @@ int QMXTModelTVOCopyMaterial(const STVOMaterial& src, STVOMaterial& dst)
     const bool ok = DupString(m.pszName, src.pszName) && DupString(m.pszEffectFile, src.pszEffectFile) &&
                     DupString(m.pszEffectName, src.pszEffectName) &&
                     DupArray(m.pUserData, src.pUserData, src.nUserDataSize);
-    if (!ok)
-        QMXTModelTVOFreeMaterial(m);
-    dst = m;
-    return ok ? 0 : 1;
+    return Deliver(m, dst, ok, QMXTModelTVOFreeMaterial);
 }
 
 int QMXTModelTVOCopyTexture(const STVOTexture& src, STVOTexture& dst)
@@ -177,4 +209,50 @@ int QMXTModelTVOCopyLight(const STVOLight& src, STVOLight& dst)
 {
     dst = src; // a light owns no arrays
     return 0;
+}
+
+int QMXTModelTVOCopyScene(const STVOScene& src, STVOScene& dst, bool withMeshes)
+{
+    dst = STVOScene();
+    std::memcpy(dst.pfColourBackground, src.pfColourBackground, sizeof dst.pfColourBackground);
+    std::memcpy(dst.pfColourAmbient, src.pfColourAmbient, sizeof dst.pfColourAmbient);
+    dst.nNumMeshNode = src.nNumMeshNode;
+    dst.nNumFrame = src.nNumFrame;
+    dst.nFPS = src.nFPS;
+    dst.nFlags = src.nFlags;
+    const uint32_t frames = src.nNumFrame;
+    bool ok = DupArray(dst.pUserData, src.pUserData, src.nUserDataSize);
+    dst.nUserDataSize = dst.pUserData ? src.nUserDataSize : 0;
+    ok = ok && NewRecords(dst.pCamera, dst.nNumCamera, src.pCamera, src.nNumCamera) &&
+         NewRecords(dst.pLight, dst.nNumLight, src.pLight, src.nNumLight) &&
+         NewRecords(dst.pNode, dst.nNumNode, src.pNode, src.nNumNode) &&
+         NewRecords(dst.pTexture, dst.nNumTexture, src.pTexture, src.nNumTexture) &&
+         NewRecords(dst.pMaterial, dst.nNumMaterial, src.pMaterial, src.nNumMaterial) &&
+         (!withMeshes || NewRecords(dst.pMesh, dst.nNumMesh, src.pMesh, src.nNumMesh));
+    ok = ok &&
+         CopyRecords(src.pCamera, dst.pCamera, dst.nNumCamera,
+                     [frames](const STVOCamera& s, STVOCamera& d) { return QMXTModelTVOCopyCamera(s, d, frames); }) &&
+         CopyRecords(src.pLight, dst.pLight, dst.nNumLight, QMXTModelTVOCopyLight) &&
+         CopyRecords(src.pNode, dst.pNode, dst.nNumNode,
+                     [frames](const STVONode& s, STVONode& d) { return QMXTModelTVOCopyNode(s, d, frames); }) &&
+         CopyRecords(src.pTexture, dst.pTexture, dst.nNumTexture, QMXTModelTVOCopyTexture) &&
+         CopyRecords(src.pMaterial, dst.pMaterial, dst.nNumMaterial, QMXTModelTVOCopyMaterial) &&
+         CopyRecords(src.pMesh, dst.pMesh, dst.nNumMesh, QMXTModelTVOCopyMesh);
+    if (ok)
+        return 0;
+    QMXTModelTVOFreeArrays(dst);
+    return 1;
+}
+
+int CQMXTModelTVO::CopyFromMemory(const STVOScene& scene)
+{
+    if (&scene == static_cast<const STVOScene*>(this))
+        return IsLoaded() ? 0 : 1;
+    Destroy();
+    if (QMXTModelTVOCopyScene(scene, *this) != 0)
+        return 1;
+    if (InitImpl() == 0)
+        return 0;
+    QMXTModelTVOFreeArrays(*this);
+    return 1;
 }

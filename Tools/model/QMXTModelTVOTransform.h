@@ -129,3 +129,7 @@ int QMXTModelTVOCopyCamera(const STVOCamera& src, STVOCamera& dst, uint32_t fram
 int QMXTModelTVOCopyLight(const STVOLight& src, STVOLight& dst);
 // A stream of vertexCount vertices; an interleaved source carries an offset, which is copied as is.
 int QMXTModelTVOCopyCTVOData(const CTVOData& src, CTVOData& dst, uint32_t vertexCount, bool interleaved);
+// A whole scene: its fields and every record, through the record copies above (the one deep copy of
+// the scene model; CQMXTModelTVO::CopyFromMemory uses it too). Without meshes dst gets none, for a
+// caller that makes its own. Also fails when a record array is missing for a count above 0.
+int QMXTModelTVOCopyScene(const STVOScene& src, STVOScene& dst, bool withMeshes = true);

@@ -31,6 +31,13 @@ enum EQMXTDataType : uint32_t
     EQMXTDataTypeCount = 18 // one past the last valid id
 };
 
+// Skinning: a vertex carries at most four bone influences (bone index and weight streams of up to
+// four components).
+enum : uint32_t
+{
+    eQMXTMaxBonesPerVertex = 4
+};
+
 // One vertex attribute stream, or the face indices of a mesh.
 // When the owning mesh is interleaved, pData holds the byte offset of the stream within one vertex
 // instead of an owned array (see QMXTModelTVODataOffset).

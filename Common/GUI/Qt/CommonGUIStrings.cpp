@@ -1,6 +1,6 @@
 #include "CommonGUIStrings.h"
 
-#include <cstdint>
+#include "QMXTStringTable.h"
 
 namespace
 {
@@ -34,29 +34,23 @@ const char g_szBlock[] =
     "Open in viewer\0"
     "Scene:";
 
-uint32_t g_offsets[CCommonGUIStrings::eNumStrings];
-QString g_qsTexts[CCommonGUIStrings::eNumStrings];
-bool g_bInitialised = false;
+using CTable = CQMXTStringTable<CCommonGUIStrings::eNumStrings>;
+CTable g_table(g_szBlock, sizeof g_szBlock);
+QString g_qsTexts[CTable::kEntries]; // the texts as QStrings, made on first use
 
 void Initialise()
 {
-    uint32_t offset = 0;
-    for (int i = 0; i < CCommonGUIStrings::eNumStrings; ++i)
-    {
-        g_offsets[i] = offset;
-        g_qsTexts[i] = QString::fromUtf8(g_szBlock + offset);
-        while (offset < sizeof g_szBlock && g_szBlock[offset] != '\0')
-            ++offset;
-        ++offset;
-    }
-    g_bInitialised = true;
+    g_table.Initialise(0);
+    for (int i = 0; i < CTable::kEntries; ++i)
+        g_qsTexts[i] = QString::fromUtf8(g_table.At(i));
 }
 } // namespace
 
 const QString& CCommonGUIStrings::QtText(int n)
 {
     static const QString empty;
-    if (!g_bInitialised)
+    if (!g_table.IsInitialised())
         Initialise();
-    return n >= 0 && n < eNumStrings ? g_qsTexts[n] : empty;
+    const int i = g_table.Entry(n);
+    return i < 0 ? empty : g_qsTexts[i];
 }

@@ -1,8 +1,6 @@
 #include "OstrexStrings.h"
 
-#include <cstdint>
-
-#include "QMXTString.h"
+#include "QMXTStringTable.h"
 
 namespace
 {
@@ -179,52 +177,33 @@ const char g_szBlock[] =
     "Yes";
 const char* const g_pszLanguageNames[COstrexStrings::eNumLanguages] = {"British English"};
 
-constexpr int kTableSize = COstrexStrings::eNumStrings * COstrexStrings::eNumLanguages;
-
-uint32_t g_offsets[kTableSize];
-const char* g_pszTexts[kTableSize];
-QString g_qsTexts[kTableSize];
-bool g_bInitialised = false;
-COstrexStrings::ELanguages g_eLanguage = COstrexStrings::eLangBritishEnglish;
-
-void BuildOffsets()
-{
-    QMXTStringBlockOffsets(g_szBlock, sizeof g_szBlock, g_offsets, kTableSize);
-}
+using CTable = CQMXTStringTable<COstrexStrings::eNumStrings, COstrexStrings::eNumLanguages>;
+CTable g_table(g_szBlock, sizeof g_szBlock, g_pszLanguageNames);
+QString g_qsTexts[CTable::kEntries]; // the texts as QStrings, made by Initialise
 
 int TableIndex(int n)
 {
-    if (!g_bInitialised)
+    if (!g_table.IsInitialised())
         COstrexStrings::Initialise(COstrexStrings::eLangBritishEnglish);
-    if (n < 0 || n >= COstrexStrings::eNumStrings)
-        return -1;
-    return COstrexStrings::eNumStrings * g_eLanguage + n;
+    return g_table.Entry(n);
 }
 } // namespace
 
 void COstrexStrings::Initialise(ELanguages language)
 {
-    BuildOffsets();
-    for (int i = 0; i < kTableSize; ++i)
-    {
-        g_pszTexts[i] = g_szBlock + g_offsets[i];
-        g_qsTexts[i] = QString::fromUtf8(g_pszTexts[i]);
-    }
-    SetLanguage(language);
-    g_bInitialised = true;
+    g_table.Initialise(language);
+    for (int i = 0; i < CTable::kEntries; ++i)
+        g_qsTexts[i] = QString::fromUtf8(g_table.At(i));
 }
 
 void COstrexStrings::SetLanguage(ELanguages language)
 {
-    if (language >= eLangBritishEnglish && language < eNumLanguages)
-        g_eLanguage = language;
+    g_table.SetLanguage(language);
 }
 
 const char* COstrexStrings::LangNameAsCStrText(ELanguages language)
 {
-    if (language < eLangBritishEnglish || language >= eNumLanguages)
-        return "";
-    return g_pszLanguageNames[language];
+    return g_table.LanguageName(language);
 }
 
 QString COstrexStrings::LangNameAsQtText(ELanguages language)
@@ -235,7 +214,7 @@ QString COstrexStrings::LangNameAsQtText(ELanguages language)
 const char* COstrexStrings::CStrText(int n)
 {
     const int i = TableIndex(n);
-    return i < 0 ? "" : g_pszTexts[i];
+    return i < 0 ? "" : g_table.At(i);
 }
 
 const QString& COstrexStrings::QtText(int n)

@@ -8,11 +8,6 @@
 #include "OptionsTables.h"
 #include "OstrexStrings.h"
 
-namespace
-{
-constexpr uint32_t kHideLastComponent = 0x80;
-}
-
 CVectorFormatWidget::CVectorFormatWidget(COptionsData::EVectorFormats format, QWidget* parent)
     : QWidget(parent), m_eFormat(format),
       m_pEnable(new QCheckBox(COstrexStrings::QtText(VectorFormatText(format)), this)),
@@ -95,7 +90,7 @@ void CVectorFormatWidget::onCheckBoxStateChanged(int state)
 void CVectorFormatWidget::applyEnableMasks()
 {
     const bool exported = m_value.GetOption(CVectorOpt::eExport);
-    const bool hideLast = m_value.GetOption(CVectorOpt::eEnable) & kHideLastComponent;
+    const bool hideLast = m_value.GetOption(CVectorOpt::eEnable) & CVectorOpt::eMaskHideLast;
     m_pType->setEnabled(exported);
     for (int i = 0; i < kComponents; ++i)
         m_pComponents[i]->setEnabled(exported && !(hideLast && i == kComponents - 1));
