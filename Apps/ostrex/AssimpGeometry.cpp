@@ -13,7 +13,6 @@
 
 namespace
 {
-const unsigned kMaxChannels = 8;
 
 bool IsFinite(const aiVector3D& v)
 {
@@ -36,26 +35,16 @@ aiVector3D Normalised(const aiVector3D& v)
     return len > 0 ? v / len : v;
 }
 
-// The vertex indices of a face's triangles, as a fan for polygons; none for points and lines or
-// when an index is out of range.
-bool FaceTriangles(const aiFace& face, unsigned vertexCount, std::vector<unsigned>& out)
+// The vertex indices of a triangle; null for points and lines (and for polygons, which the
+// importer has already split into triangles) and when an index is out of range.
+const unsigned* TriangleOf(const aiFace& face, unsigned vertexCount)
 {
-    out.clear();
-    if (face.mNumIndices < 3 || !face.mIndices)
-        return false;
-    if (face.mNumIndices == 3) // the common case, without the fan loop
-    {
-        if (face.mIndices[0] >= vertexCount || face.mIndices[1] >= vertexCount || face.mIndices[2] >= vertexCount)
-            return false;
-        out.assign(face.mIndices, face.mIndices + 3);
-        return true;
-    }
-    for (unsigned i = 0; i < face.mNumIndices; ++i)
+    if (face.mNumIndices != 3 || !face.mIndices)
+        return nullptr;
+    for (unsigned i = 0; i < 3; ++i)
         if (face.mIndices[i] >= vertexCount)
-            return false;
-    for (unsigned i = 1; i + 1 < face.mNumIndices; ++i)
-        out.insert(out.end(), {face.mIndices[0], face.mIndices[i], face.mIndices[i + 1]});
-    return true;
+            return nullptr;
+    return face.mIndices;
 }
 
 // The bit pattern of a position, for grouping equal positions (a strict order even with NaN).
@@ -74,19 +63,16 @@ std::vector<aiVector3D> SmoothNormals(const aiMesh& mesh)
 {
     const unsigned count = mesh.mNumVertices;
     std::vector<aiVector3D> sums(count, aiVector3D(0, 0, 0));
-    std::vector<unsigned> tri;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f)
     {
-        if (!FaceTriangles(mesh.mFaces[f], count, tri))
+        const unsigned* tri = TriangleOf(mesh.mFaces[f], count);
+        if (!tri)
             continue;
-        for (size_t t = 0; t < tri.size(); t += 3)
-        {
-            const aiVector3D& a = mesh.mVertices[tri[t]];
-            const aiVector3D n = (mesh.mVertices[tri[t + 1]] - a) ^ (mesh.mVertices[tri[t + 2]] - a);
-            if (IsFinite(n))
-                for (int c = 0; c < 3; ++c)
-                    sums[tri[t + c]] += n;
-        }
+        const aiVector3D& a = mesh.mVertices[tri[0]];
+        const aiVector3D n = (mesh.mVertices[tri[1]] - a) ^ (mesh.mVertices[tri[2]] - a);
+        if (IsFinite(n))
+            for (int c = 0; c < 3; ++c)
+                sums[tri[c]] += n;
     }
     std::vector<std::pair<std::array<uint32_t, 3>, unsigned>> order(count);
     for (unsigned v = 0; v < count; ++v)
@@ -109,7 +95,7 @@ std::vector<aiVector3D> SmoothNormals(const aiMesh& mesh)
 std::vector<unsigned> UsedChannels(const aiMesh& mesh)
 {
     std::vector<unsigned> used;
-    for (unsigned k = 0; k < AI_MAX_NUMBER_OF_TEXTURECOORDS && used.size() < kMaxChannels; ++k)
+    for (unsigned k = 0; k < AI_MAX_NUMBER_OF_TEXTURECOORDS && used.size() < SGeomData::eMaxMappingChannels; ++k)
         if (mesh.mTextureCoords[k])
             used.push_back(k);
     return used;
@@ -214,17 +200,12 @@ void MeshVertices(const aiMesh& mesh, int nodeIndex, const CAssimpGraph& graph,
     const std::unordered_map<int, aiMatrix4x4> bones = BoneMatrices(mesh, graph, globals0);
     for (unsigned v = 0; v < mesh.mNumVertices; ++v)
     {
-        aiMatrix4x4 blend;
-        for (int r = 0; r < 4; ++r)
-            for (int c = 0; c < 4; ++c)
-                blend[r][c] = 0;
+        aiMatrix4x4 blend = aiMatrix4x4() * 0.0f;
         for (const CBoneWeight& w : out.influences[v].weights)
         {
             const auto bone = bones.find(w.bone);
             const aiMatrix4x4& m = bone == bones.end() ? node0 : bone->second; // the node itself
-            for (int r = 0; r < 4; ++r)
-                for (int c = 0; c < 4; ++c)
-                    blend[r][c] += m[r][c] * w.weight;
+            blend = blend + m * w.weight;
         }
         out.positions[v] = toNode * (blend * out.positions[v]);
         if (normals)
@@ -306,59 +287,57 @@ void AppendMesh(SGeomData& geom, SModifier* skin, const aiMesh& mesh, const SMes
                          geom.channels.empty() ? 0 : static_cast<int>(geom.channels[0].uvw.size())};
     for (unsigned v = 0; v < mesh.mNumVertices; ++v)
         AppendVertex(geom, skin, mesh, verts, used, v, nodeIndex, normals, colours);
-    std::vector<unsigned> tri;
     for (unsigned f = 0; f < mesh.mNumFaces; ++f)
     {
-        if (!FaceTriangles(mesh.mFaces[f], mesh.mNumVertices, tri))
+        const unsigned* tri = TriangleOf(mesh.mFaces[f], mesh.mNumVertices);
+        if (!tri)
         {
             ++counts.skippedPrimitives;
             continue;
         }
-        for (size_t t = 0; t < tri.size(); t += 3)
+        const unsigned v[3] = {tri[0], tri[1], tri[2]};
+        if (!IsFinite(verts.positions[v[0]]) || !IsFinite(verts.positions[v[1]]) ||
+            !IsFinite(verts.positions[v[2]]))
         {
-            const unsigned v[3] = {tri[t], tri[t + 1], tri[t + 2]};
-            if (!IsFinite(verts.positions[v[0]]) || !IsFinite(verts.positions[v[1]]) ||
-                !IsFinite(verts.positions[v[2]]))
-            {
-                ++counts.nonFinite;
-                continue;
-            }
-            const bool repeats = v[0] == v[1] || v[1] == v[2] || v[0] == v[2];
-            SFace face;
-            face.group = -1;
-            face.material = material;
-            CTriIdx uvwIdx;
-            for (int c = 0; c < 3; ++c)
-            {
-                int position = base.position + static_cast<int>(v[c]);
-                int colour = base.colour + static_cast<int>(v[c]);
-                int uvw = base.uvw + static_cast<int>(v[c]);
-                if (repeats)
-                {
-                    position = static_cast<int>(geom.positions.size());
-                    colour = static_cast<int>(geom.colours.size());
-                    uvw = geom.channels.empty() ? 0 : static_cast<int>(geom.channels[0].uvw.size());
-                    AppendVertex(geom, skin, mesh, verts, used, v[c], nodeIndex, false, colours);
-                }
-                face.pos[c] = position;
-                if (colours)
-                    face.colour[c] = colour;
-                uvwIdx.idx[c] = uvw;
-                if (normals && IsUsableNormal(verts.normals[v[c]]))
-                    face.normal[c] = base.normal + static_cast<int>(v[c]);
-                else if (normals)
-                {
-                    // A corner without a usable normal of its own takes its triangle's.
-                    face.normal[c] = static_cast<int>(geom.normals.size());
-                    geom.normals.push_back(ToVec(FaceNormal(verts.positions, v)));
-                }
-            }
-            geom.faces.push_back(face);
-            for (SMappingChannel& channel : geom.channels)
-                channel.faces.push_back(uvwIdx);
+            ++counts.nonFinite;
+            continue;
         }
+        const bool repeats = v[0] == v[1] || v[1] == v[2] || v[0] == v[2];
+        SFace face;
+        face.group = -1;
+        face.material = material;
+        CTriIdx uvwIdx;
+        for (int c = 0; c < 3; ++c)
+        {
+            int position = base.position + static_cast<int>(v[c]);
+            int colour = base.colour + static_cast<int>(v[c]);
+            int uvw = base.uvw + static_cast<int>(v[c]);
+            if (repeats)
+            {
+                position = static_cast<int>(geom.positions.size());
+                colour = static_cast<int>(geom.colours.size());
+                uvw = geom.channels.empty() ? 0 : static_cast<int>(geom.channels[0].uvw.size());
+                AppendVertex(geom, skin, mesh, verts, used, v[c], nodeIndex, false, colours);
+            }
+            face.pos[c] = position;
+            if (colours)
+                face.colour[c] = colour;
+            uvwIdx.idx[c] = uvw;
+            if (normals && IsUsableNormal(verts.normals[v[c]]))
+                face.normal[c] = base.normal + static_cast<int>(v[c]);
+            else if (normals)
+            {
+                // A corner without a usable normal of its own takes its triangle's.
+                face.normal[c] = static_cast<int>(geom.normals.size());
+                geom.normals.push_back(ToVec(FaceNormal(verts.positions, v)));
+            }
+        }
+        geom.faces.push_back(face);
+        for (SMappingChannel& channel : geom.channels)
+            channel.faces.push_back(uvwIdx);
     }
 }
+
 // Room for every vertex and triangle the meshes can give, so the lists grow once (triangles that
 // name a vertex twice, or corners without a usable normal, add a few entries beyond).
 void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t channelCount,
@@ -368,7 +347,7 @@ void Reserve(SGeomData& geom, const std::vector<const aiMesh*>& meshes, size_t c
     for (const aiMesh* mesh : meshes)
     {
         for (unsigned f = 0; f < mesh->mNumFaces; ++f)
-            faces += mesh->mFaces[f].mNumIndices >= 3 ? mesh->mFaces[f].mNumIndices - 2 : 0;
+            faces += mesh->mFaces[f].mNumIndices == 3 ? 1 : 0;
         vertices += mesh->mNumVertices;
         coloured += mesh->mColors[0] && streams.colours ? mesh->mNumVertices : 0;
     }

@@ -10,6 +10,7 @@
 #include "QMXTModelTVOTransform.h"
 #include "QMXTTriStrip.h"
 #include "QMXTTangentSpace.h"
+#include "QMXTVertexData.h"
 #include "TVOBuilderStrings.h"
 #include "TVOMeshPasses.h"
 #include "TVOSceneEx.h"
@@ -137,7 +138,7 @@ bool GeometryPass(STVOMesh& m, const SBuilderSettings& s)
     if (!m.pInterleaved)
         RequireMemory(QMXTModelTVOToggleInterleaved(m, 1) == 0);
 
-    if (m.sBoneWeight.n > 4)
+    if (m.sBoneWeight.n > eQMXTMaxBonesPerVertex)
     {
         Log(eLogError, "%s", CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eMaxFourBones));
         return false;

@@ -1,5 +1,6 @@
 #include "TVOSceneEx.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <map>
 
 #include "Log.h"
+#include "QMXTVertexData.h"
 #include "TVOBuilderStrings.h"
 #include "QMXTLargeArray.h"
 
@@ -441,18 +443,17 @@ void CTVOSceneEx::ResolveBones(STVOMesh& mesh) const
     const uint8_t* wtBase = mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(wt) : wt.pData;
     if (!idxBase || !wtBase)
         return;
-    const uint32_t count = idx.n < wt.n ? idx.n : wt.n;
+    const uint32_t count = std::min<uint32_t>({idx.n, wt.n, eQMXTMaxBonesPerVertex});
     for (uint32_t v = 0; v < mesh.nNumVertex; ++v)
     {
-        float bones[4], weights[4];
+        float bones[eQMXTMaxBonesPerVertex], weights[eQMXTMaxBonesPerVertex];
         uint8_t* pi = idxBase + static_cast<size_t>(v) * idx.nStride;
-        QMXTVertexRead(bones, pi, idx.eType, count > 4 ? 4 : count);
-        QMXTVertexRead(weights, wtBase + static_cast<size_t>(v) * wt.nStride, wt.eType,
-                       count > 4 ? 4 : count);
-        for (uint32_t k = 0; k < count && k < 4; ++k)
+        QMXTVertexRead(bones, pi, idx.eType, count);
+        QMXTVertexRead(weights, wtBase + static_cast<size_t>(v) * wt.nStride, wt.eType, count);
+        for (uint32_t k = 0; k < count; ++k)
             if (weights[k] != 0.0f)
                 bones[k] = static_cast<float>(ResolveSourceIndex(static_cast<int32_t>(bones[k])));
-        QMXTVertexWrite(pi, idx.eType, count > 4 ? 4 : count, bones);
+        QMXTVertexWrite(pi, idx.eType, count, bones);
     }
 }
 

@@ -121,11 +121,11 @@ TEST(AssimpFill, NodesKeepTreeNamesKindsAndTheImportersWorldMatrices)
     EXPECT_EQ(content.info.endFrame, 0);
 }
 
-TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
+TEST(AssimpFill, MeshesBecomeIndexedTrianglesWithChannelsColoursAndMaterialIds)
 {
     CSceneKit kit;
     const unsigned quad =
-        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2, 3}, {0, 1}}, 0);
+        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}, {0, 1}}, 0);
     aiMesh& m = kit.Mesh(quad);
     m.mNormals = new aiVector3D[4]{{0, 0, 1}, {0, 0, 2}, {0, 0, 0}, {0, 0, 1}}; // one unusable
     m.mTextureCoords[0] = new aiVector3D[4]{{0, 0, 9}, {1, 0, 9}, {1, 1, 9}, {0, 1, 9}};
@@ -153,7 +153,7 @@ TEST(AssimpFill, MeshesBecomeUnweldedCornersWithChannelsColoursAndMaterialIds)
     // take their triangle's normal as entries of their own.
     ASSERT_EQ(g.positions.size(), 7u);
     ASSERT_EQ(g.normals.size(), 9u);
-    // The quad is split into (0, 1, 2) and (0, 2, 3).
+    // The quad's triangles are (0, 1, 2) and (0, 2, 3).
     const float quadX[] = {0, 1, 1, 0, 1, 0};
     const float quadY[] = {0, 0, 1, 0, 1, 1};
     for (int c = 0; c < 6; ++c)
