@@ -82,13 +82,13 @@ void CVertex::Clear()
 {
     m_nCount = 0;
     m_nMaxInfluences = 0;
-    m_key.clear();
+    QMXTLargeVector<uint32_t>().swap(m_key);
     QMXTLargeVector<uint64_t>().swap(m_table);
     std::vector<uint64_t>().swap(m_recent);
     m_nTableLimit = 0;
-    m_boneStart.clear();
-    m_boneIdx.clear();
-    m_boneWt.clear();
+    QMXTLargeVector<uint32_t>().swap(m_boneStart);
+    QMXTLargeVector<int>().swap(m_boneIdx);
+    QMXTLargeVector<float>().swap(m_boneWt);
     std::vector<uint32_t>().swap(m_scratch);
 }
 
@@ -299,9 +299,9 @@ void CTris::Init(uint32_t n)
 
 void CTris::Clear()
 {
-    m_tris.clear();
+    QMXTLargeVector<uint32_t>().swap(m_tris);
     QMXTLargeVector<uint32_t>().swap(m_head);
-    m_next.clear();
+    QMXTLargeVector<uint32_t>().swap(m_next);
 }
 
 uint32_t CTris::FindOrCreate(const uint32_t* tri)

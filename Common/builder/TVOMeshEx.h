@@ -11,7 +11,6 @@
 
 #include "BuilderSettings.h"
 #include "Content.h"
-#include "PodBuffer.h"
 #include "QMXTLargeArray.h"
 #include "QMXTModelTVO.h"
 
@@ -76,16 +75,16 @@ class CVertex
     uint32_t m_nColourWord = 7;
     uint32_t m_nCount = 0;
     uint32_t m_nMaxInfluences = 0;
-    CPodBuffer<uint32_t> m_key;
+    QMXTLargeVector<uint32_t> m_key;
     // Open addressing: the key's hash in the high half, vertex index + 1 in the low half, 0 = empty.
     QMXTLargeVector<uint64_t> m_table;
     // The same entries for the vertices met last, one per hash value modulo its size: host meshes
     // repeat a vertex soon after its first corner, and this small table answers those from cache.
     std::vector<uint64_t> m_recent;
     uint32_t m_nTableLimit = 0;       // entries before the table grows (three quarters full)
-    CPodBuffer<uint32_t> m_boneStart; // Count() + 1 entries
-    CPodBuffer<int> m_boneIdx;
-    CPodBuffer<float> m_boneWt;
+    QMXTLargeVector<uint32_t> m_boneStart; // Count() + 1 entries
+    QMXTLargeVector<int> m_boneIdx;
+    QMXTLargeVector<float> m_boneWt;
     std::vector<uint32_t> m_scratch; // key of the candidate
 };
 
@@ -105,9 +104,9 @@ class CTris
     void Clear();
 
   private:
-    CPodBuffer<uint32_t> m_tris;
+    QMXTLargeVector<uint32_t> m_tris;
     QMXTLargeVector<uint32_t> m_head; // per first vertex: its latest triangle + 1, 0 = none
-    CPodBuffer<uint32_t> m_next;  // per triangle: the previous one with the same first vertex + 1
+    QMXTLargeVector<uint32_t> m_next;  // per triangle: the previous one with the same first vertex + 1
 };
 
 // Remembers, for each position of a content geometry, the vertex its latest corner became in which

@@ -454,7 +454,7 @@ int CQMXTBoneBatches::Create(uint32_t* pnOutVtxNum, uint8_t** ppOutVtx, uint32_t
                             QMXTVertexWrite(rec + nOffsetIdx, eTypeIdx, nBonesPerVtx, local);
                             float back[kSlots];
                             QMXTVertexRead(back, rec + nOffsetIdx, eTypeIdx, nBonesPerVtx);
-                            stored.insert(stored.end(), back, back + kSlots);
+                            std::memcpy(stored.grow(kSlots), back, sizeof back);
                             nextCopy.push_back(kNone);
                             (firstCopy[v] == kNone ? firstCopy[v] : nextCopy[lastCopy[v]]) = copy;
                             lastCopy[v] = copy;

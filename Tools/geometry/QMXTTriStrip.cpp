@@ -477,7 +477,7 @@ class CStripBuilder
             const uint32_t* tri = m_pnIdx + size_t(t) * 3;
             if (m_cur[t].next == kNone)
             {
-                idx.insert(idx.end(), tri, tri + 3);
+                idx.append(tri, tri + 3);
                 len.push_back(1);
                 continue;
             }
@@ -867,14 +867,14 @@ int QMXTTriStripList(uint32_t* pnIdx, uint32_t nTriNum)
         size_t s = 0;
         for (uint32_t n : len)
         {
-            list.insert(list.end(), idx.begin() + s, idx.begin() + s + 3);
+            list.append(idx.begin() + s, idx.begin() + s + 3);
             for (uint32_t k = 1; k < n; ++k)
             {
                 const size_t p = s + 2 + k;
                 if (k % 2)
-                    list.insert(list.end(), {idx[p - 1], idx[p - 2], idx[p]});
+                    list.append({idx[p - 1], idx[p - 2], idx[p]});
                 else
-                    list.insert(list.end(), {idx[p - 2], idx[p - 1], idx[p]});
+                    list.append({idx[p - 2], idx[p - 1], idx[p]});
             }
             s += n + 2;
         }

@@ -60,15 +60,25 @@ TEST(LargeArray, CallocZeroesAndRefusesOverflow)
     EXPECT_EQ(QMXTLargeCalloc(size_t(-1) / 2, 4), nullptr);
 }
 
-TEST(LargeArray, VectorsOverTheAllocatorHoldWhatIsPutIn)
+TEST(LargeArray, GrowableArrayKeepsItsElementsAndChecksEverySize)
 {
     QMXTLargeVector<uint64_t> v;
     for (uint64_t i = 0; i < 600000; ++i) // grows through the 2 MB size
         v.push_back(i * i);
+    v.push_back(v[7]); // an element of the array itself, while it grows
+    v.resize(v.size() + 2);
     uint64_t wrong = 0;
-    for (uint64_t i = 0; i < v.size(); ++i)
+    for (uint64_t i = 0; i < 600000; ++i)
         wrong += v[i] != i * i;
     EXPECT_EQ(wrong, 0u);
-    CQMXTLargeAllocator<uint64_t> alloc;
-    EXPECT_THROW(alloc.allocate(size_t(-1) / 4), std::bad_alloc);
+    EXPECT_EQ(v[600000], 49u);
+    EXPECT_EQ(v[600001] + v[600002], 0u); // new elements are value-initialised
+    QMXTLargeVector<uint64_t> copy = v;
+    copy.assign(3, 5);
+    EXPECT_EQ(copy.size(), 3u);
+    EXPECT_EQ(copy[2], 5u);
+    EXPECT_EQ(v.size(), 600003u);
+    EXPECT_THROW(v.reserve(size_t(-1) / 4), std::bad_alloc);
+    EXPECT_THROW(v.grow(size_t(-1) / 8), std::bad_alloc);
+    EXPECT_EQ(v.size(), 600003u);
 }
