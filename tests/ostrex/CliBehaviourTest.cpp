@@ -189,7 +189,7 @@ TEST_F(CliBehaviour, ImpossibleOptionsAreRefusedBeforeAnyWork)
         {{"sVcOptPos.bExport=0"}, "sVcOptPos.bExport=0: meshes cannot be written without positions"},
         {{"sVcOptPos.nEnable=0"}, "sVcOptPos.nEnable=0 selects no component"},
         {{"sVcOptNor.nEnable=128"}, "sVcOptNor.nEnable=128 selects no component"},
-        {{"bAlignData=1", "uiPadDataTo=12"}, "uiPadDataTo=12 is no alignment"},
+        {{"bAlignData=1", "uiPadDataTo=9"}, "uiPadDataTo=9 is no alignment"},
         {{"cS=5"}, "cS=5 is no choice"},
         {{"bTangentSpace=1", "uiTSUseUVW=8"}, "uiTSUseUVW=8 names no mapping channel"},
     };
