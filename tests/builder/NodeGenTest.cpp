@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 #include "Log.h"
 #include "TVONodeEx.h"
@@ -156,17 +157,21 @@ TEST(NodeGen, IndexedAnimationStoresUniqueKeysOrGivesUp)
     EXPECT_EQ(b.node.pfAnimPosition[1], 8.0f);
     EXPECT_EQ(b.node.pfAnimPosition[4], 7.0f);
 
-    // Two differing frames of three floats: 3 + 2 + 3 >= 6, so indexing does not pay.
-    float* data = static_cast<float*>(std::malloc(6 * sizeof(float)));
-    const float values[6] = {1, 2, 3, 4, 5, 6};
-    std::memcpy(data, values, sizeof values);
-    float* const before = data;
-    uint32_t* idx = reinterpret_cast<uint32_t*>(1);
-    EXPECT_FALSE(CreateIndexedAnimation(&idx, &data, 2, 3));
-    EXPECT_EQ(idx, nullptr);
-    EXPECT_EQ(data, before);
-    EXPECT_EQ(std::memcmp(data, values, sizeof values), 0);
-    std::free(data);
+    // Indexing that saves nothing is refused: two differing frames (3 + 2 + 3 >= 6 floats), and
+    // A, B, A at exactly the size of the plain keys (6 + 3 = 9).
+    const std::vector<float> rows[] = {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6, 1, 2, 3}};
+    for (const std::vector<float>& values : rows)
+    {
+        float* data = static_cast<float*>(std::malloc(values.size() * sizeof(float)));
+        std::memcpy(data, values.data(), values.size() * sizeof(float));
+        float* const before = data;
+        uint32_t* idx = reinterpret_cast<uint32_t*>(1);
+        EXPECT_FALSE(CreateIndexedAnimation(&idx, &data, uint32_t(values.size() / 3), 3)) << values.size();
+        EXPECT_EQ(idx, nullptr);
+        EXPECT_EQ(data, before);
+        EXPECT_EQ(std::memcmp(data, values.data(), values.size() * sizeof(float)), 0);
+        std::free(data);
+    }
 }
 
 TEST(NodeGen, CamerasDropStillFieldOfViewAndLightsCopyEverything)

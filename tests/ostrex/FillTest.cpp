@@ -296,6 +296,7 @@ TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
     EXPECT_EQ(tga[12], 2);
     EXPECT_EQ(tga[14], 1);
     EXPECT_EQ(tga[16], 32);
+    EXPECT_EQ(tga[17], 0x28); // eight alpha bits, rows from the top
     EXPECT_EQ(std::vector<uint8_t>(tga.begin() + 18, tga.end()),
               (std::vector<uint8_t>{10, 20, 30, 40, 50, 60, 70, 80}));
 }

@@ -36,7 +36,6 @@ class CBytes
     CBytes& End(uint32_t tag) { return U32(tag | 0x80000000u).U32(0); }
     CBytes& Leaf(uint32_t tag, const void* p, uint32_t n) { return U32(tag).U32(n).Raw(p, n).End(tag); }
     CBytes& LeafU32(uint32_t tag, uint32_t v) { return U32(tag).U32(4).U32(v).End(tag); }
-    CBytes& LeafF32(uint32_t tag, float v) { return U32(tag).U32(4).F32(v).End(tag); }
     CBytes& LeafStr(uint32_t tag, const std::string& s)
     {
         return Leaf(tag, s.c_str(), static_cast<uint32_t>(s.size() + 1));
