@@ -129,7 +129,9 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
     const uint32_t uvwCount = static_cast<uint32_t>(geom.channels.size());
     std::map<int, std::unique_ptr<CTVOMeshEx>> byMaterial;
     {
-        CCornerMemo memo(geom.positions.size(), uvwCount);
+        // Geometry that stores every corner's position apart gives the memo nothing to find.
+        const bool shared = geom.positions.size() < 3 * static_cast<size_t>(faceCount);
+        CCornerMemo memo(shared ? geom.positions.size() : 0, uvwCount);
         for (uint32_t f = 0; f < faceCount; ++f)
         {
             std::unique_ptr<CTVOMeshEx>& sub = byMaterial[geom.faces[f].material];
@@ -137,7 +139,8 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
             {
                 sub.reset(new CTVOMeshEx());
                 sub->Init(faceCount, uvwCount);
-                sub->UseCornerMemo(&memo, static_cast<uint32_t>(byMaterial.size()));
+                if (shared)
+                    sub->UseCornerMemo(&memo, static_cast<uint32_t>(byMaterial.size()));
             }
             sub->AddFace(f, &geom, skin, settings);
         }
