@@ -23,9 +23,9 @@ void* QMXTLargeRealloc(void* p, size_t nBytes);
 void QMXTLargeFree(void* p);
 
 // The one growable array for large stores of plain (trivially copyable) elements: vertex stores,
-// per-triangle records, index lists. It grows through QMXTLargeRealloc, so a store of hundreds of
-// megabytes is neither copied nor touched twice as it grows, and blocks of 2 MB and more get the
-// huge-page advice. Every size computation is checked: a size that cannot be represented, like a
+// per-triangle records, index lists. It grows through QMXTLargeRealloc by doubling (so the copies a
+// growth makes stay within twice the final size), and blocks of 2 MB and more get the huge-page
+// advice. Every size computation is checked: a size that cannot be represented, like a
 // failed allocation, throws std::bad_alloc, as the standard containers do. The interface is the
 // part of std::vector's the exporter uses, with append for insertion at the end, and grow(n),
 // which appends n uninitialised elements.
