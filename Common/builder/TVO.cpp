@@ -72,22 +72,20 @@ bool CTVO::Process(const SContent& content, const COptions& options)
 
 bool CTVO::Process(SContent&& content, const COptions& options)
 {
-    try
-    {
-        return RunStages(content, SBuilderSettings::FromOptions(options), &content);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return OutOfMemory();
-    }
+    return RunGuarded(content, SBuilderSettings::FromOptions(options), &content);
 }
 
 bool CTVO::ProcessWith(const SContent& content, const SBuilderSettings& s)
 {
+    return RunGuarded(content, s, nullptr);
+}
+
+bool CTVO::RunGuarded(const SContent& content, const SBuilderSettings& s, SContent* consumable)
+{
     // Nothing may leave the builder as an exception: running out of memory fails the export.
     try
     {
-        return RunStages(content, s, nullptr);
+        return RunStages(content, s, consumable);
     }
     catch (const std::bad_alloc&)
     {

@@ -54,6 +54,9 @@ class CTVO
     const std::vector<SQuantisationError>& QuantisationErrors() const { return m_quantisationErrors; }
 
   private:
+    // RunStages with std::bad_alloc reported as the out-of-memory error. consumable, when given, is
+    // content (the same object) whose geometry the stages may free once built.
+    bool RunGuarded(const SContent& content, const SBuilderSettings& settings, SContent* consumable);
     bool RunStages(const SContent& content, const SBuilderSettings& settings, SContent* consumable);
     // Writes the scene in the options' format; false when nothing complete was written.
     bool Save(const char* path, COptions& options, const char* history);
