@@ -1,7 +1,8 @@
 #include "OrderedWork.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <exception>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,6 +25,7 @@ class CKeptMessages : public ILogSink
             else
                 Log(e.value, "%s", e.text.c_str());
     }
+    void Clear() { std::vector<SEntry>().swap(m_entries); }
 
   private:
     struct SEntry
@@ -39,7 +41,116 @@ struct SItem
 {
     CKeptMessages messages;
     bool ok = false;
+    bool done = false; // guarded by the mutex
     std::exception_ptr error;
+};
+
+// The items, the threads working on them and the ordered pass's progress. Items are taken in index
+// order, at most `window` beyond the last item the ordered pass has finished, so that finished
+// items waiting for their turn hold a bounded amount of memory.
+class CItemPool
+{
+  public:
+    CItemPool(uint32_t count, unsigned threads, const std::function<bool(uint32_t)>& work)
+        : m_items(count), m_work(work), m_nWindow(2 * threads)
+    {
+        try
+        {
+            for (unsigned t = 1; t < threads; ++t)
+                m_helpers.emplace_back([this]() { Help(); });
+        }
+        catch (...) // no more threads to be had: the ones running and the caller do the work
+        {
+        }
+    }
+    ~CItemPool()
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_bStop = true;
+        }
+        m_changed.notify_all();
+        for (std::thread& helper : m_helpers)
+            helper.join();
+    }
+    CItemPool(const CItemPool&) = delete;
+    CItemPool& operator=(const CItemPool&) = delete;
+
+    // Item k, done: the caller works on the items due meanwhile.
+    SItem& Await(uint32_t k)
+    {
+        for (;;)
+        {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            if (m_items[k].done)
+                return m_items[k];
+            if (Takeable())
+            {
+                const uint32_t i = m_nNext++;
+                lock.unlock();
+                Do(i);
+                continue;
+            }
+            m_changed.wait(lock, [&]() { return m_items[k].done; });
+        }
+    }
+    // The ordered pass has finished item k.
+    void Finished(uint32_t k)
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_nFinished = k + 1;
+        }
+        m_items[k].messages.Clear();
+        m_changed.notify_all();
+    }
+
+  private:
+    bool Takeable() const { return m_nNext < m_items.size() && m_nNext < m_nFinished + m_nWindow; }
+    void Help()
+    {
+        for (;;)
+        {
+            uint32_t i;
+            {
+                std::unique_lock<std::mutex> lock(m_mutex);
+                m_changed.wait(lock, [&]() { return m_bStop || m_nNext >= m_items.size() || Takeable(); });
+                if (m_bStop || m_nNext >= m_items.size())
+                    return;
+                i = m_nNext++;
+            }
+            Do(i);
+        }
+    }
+    void Do(uint32_t i)
+    {
+        SItem& item = m_items[i];
+        ILogSink* previous = SetThreadLogSink(&item.messages);
+        try
+        {
+            item.ok = m_work(i);
+        }
+        catch (...)
+        {
+            item.error = std::current_exception();
+        }
+        SetThreadLogSink(previous);
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            item.done = true;
+        }
+        m_changed.notify_all();
+    }
+
+    std::vector<SItem> m_items;
+    const std::function<bool(uint32_t)>& m_work;
+    const uint32_t m_nWindow;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    uint32_t m_nNext = 0;
+    uint32_t m_nFinished = 0;
+    bool m_bStop = false;
+    std::vector<std::thread> m_helpers; // last: they start once everything above is ready
 };
 } // namespace
 
@@ -51,7 +162,7 @@ unsigned ResolveThreadCount(unsigned threads)
 }
 
 bool RunInOrder(uint32_t count, unsigned threads, const std::function<bool(uint32_t)>& work,
-                const std::function<void(uint32_t)>& before, const std::function<void(uint32_t)>& after)
+                const std::function<void(uint32_t)>& before, const std::function<bool(uint32_t)>& after)
 {
     threads = ResolveThreadCount(threads);
     if (threads > count)
@@ -61,62 +172,23 @@ bool RunInOrder(uint32_t count, unsigned threads, const std::function<bool(uint3
         for (uint32_t i = 0; i < count; ++i)
         {
             before(i);
-            if (!work(i))
+            if (!work(i) || !after(i))
                 return false;
-            after(i);
         }
         return true;
     }
 
-    std::vector<SItem> items(count);
-    std::atomic<uint32_t> next{0};
-    std::atomic<bool> failed{false};
-    // Items are taken in index order and a taken item is always done, so when one fails every
-    // earlier one is done too.
-    auto worker = [&]() {
-        while (!failed)
-        {
-            const uint32_t i = next++;
-            if (i >= count)
-                break;
-            SItem& item = items[i];
-            ILogSink* previous = SetThreadLogSink(&item.messages);
-            try
-            {
-                item.ok = work(i);
-            }
-            catch (...)
-            {
-                item.error = std::current_exception();
-            }
-            SetThreadLogSink(previous);
-            if (!item.ok)
-                failed = true;
-        }
-    };
-    std::vector<std::thread> helpers;
-    try
+    CItemPool pool(count, threads, work); // its destructor stops and joins the helpers on any exit
+    for (uint32_t k = 0; k < count; ++k)
     {
-        helpers.reserve(threads - 1);
-        for (unsigned t = 1; t < threads; ++t)
-            helpers.emplace_back(worker);
-    }
-    catch (...) // no thread to be had: the ones running and this one do the work
-    {
-    }
-    worker();
-    for (std::thread& helper : helpers)
-        helper.join();
-
-    for (uint32_t i = 0; i < count; ++i)
-    {
-        before(i);
-        items[i].messages.PassOn();
-        if (items[i].error)
-            std::rethrow_exception(items[i].error);
-        if (!items[i].ok)
+        SItem& item = pool.Await(k);
+        before(k);
+        item.messages.PassOn();
+        if (item.error)
+            std::rethrow_exception(item.error);
+        if (!item.ok || !after(k))
             return false;
-        after(i);
+        pool.Finished(k);
     }
     return true;
 }

@@ -100,6 +100,7 @@ bool CTVO::RunStages(const SContent& content, const SBuilderSettings& s, SConten
     m_pScene->FreeGeometryOnceBuilt(consumable);
     m_pScene->SetThreads(m_nThreads);
 
+    // The first text initialises the string table here, before the stages' worker threads read it.
     ProgressUpdate(0, "%s", Text(CTVOBuilderStrings::eExportStage1));
     if (!m_pScene->GenA(&content, s))
         return false;

@@ -192,5 +192,8 @@ bool CTVOSceneEx::GenD(const SBuilderSettings& settings)
         [](uint32_t i) {
             Log(eLogInfo, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eProcessingMesh), static_cast<int>(i));
         },
-        [&](uint32_t i) { ResolveBones(pMesh[i]); });
+        [&](uint32_t i) {
+            ResolveBones(pMesh[i]);
+            return true;
+        });
 }

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "Log.h"
+#include "OrderedWork.h"
 #include "QMXTVertexData.h"
 #include "TVOBuilderStrings.h"
 #include "QMXTLargeArray.h"
@@ -108,6 +109,13 @@ bool ValidateGeometry(const SGeomData& g, const SBuilderSettings& s)
 
 bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
 {
+    SBuiltMeshes built;
+    return BuildMeshes(cnode, settings, nullptr, built) && PlaceMeshes(cnode, settings, built);
+}
+
+bool CTVOSceneEx::BuildMeshes(const CNode& cnode, const SBuilderSettings& settings, CNode* giveUp,
+                              SBuiltMeshes& built)
+{
     const SGeomData& geom = cnode.geom;
     if (!ValidateGeometry(geom, settings))
     {
@@ -147,31 +155,41 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
     }
     // The faces are all in the meshes' stores: content the host gave up goes before Finalise needs
     // room for the streams.
-    if (m_pFreeGeometryOf && m_nFreeGeometryNode < m_pFreeGeometryOf->nodes.size())
+    if (giveUp)
     {
-        CNode& source = m_pFreeGeometryOf->nodes[m_nFreeGeometryNode];
-        source.geom = SGeomData();
-        std::vector<SModifier>().swap(source.modifiers);
+        giveUp->geom = SGeomData();
+        std::vector<SModifier>().swap(giveUp->modifiers);
     }
 
-    const bool split = byMaterial.size() > 1;
-    if (split)
+    if (byMaterial.size() > 1)
         Log(eLogWarning, CTVOBuilderStrings::CStrText(CTVOBuilderStrings::eSplitIntoMeshes),
             cnode.name.c_str(), static_cast<int>(byMaterial.size()));
-
-    std::vector<uint32_t> children;
-    unsigned counter = 0;
+    built.split = byMaterial.size() > 1;
     for (auto& entry : byMaterial)
     {
-        std::unique_ptr<CTVOMeshEx> sub = std::move(entry.second);
-        if (!sub->Finalise(settings))
+        // A mesh that cannot be finished ends the list; PlaceMeshes reports it in its turn.
+        built.finished = entry.second->Finalise(settings);
+        built.meshes.emplace_back(entry.first, std::move(entry.second));
+        if (!built.finished)
+            break;
+    }
+    return true;
+}
+
+bool CTVOSceneEx::PlaceMeshes(const CNode& cnode, const SBuilderSettings& settings, SBuiltMeshes& built)
+{
+    std::vector<uint32_t> children;
+    unsigned counter = 0;
+    for (size_t k = 0; k < built.meshes.size(); ++k)
+    {
+        if (k + 1 == built.meshes.size() && !built.finished)
         {
             Log(eLogError, "Error: '%s' is too large to build.", cnode.name.c_str());
             return false;
         }
-        const unsigned meshIndex = FindOrCreate(std::move(sub));
+        const unsigned meshIndex = FindOrCreate(std::move(built.meshes[k].second));
         CTVONodeEx node;
-        if (split)
+        if (built.split)
         {
             children.push_back(static_cast<uint32_t>(nodes.size()));
             node.Gen(SubMeshNode(cnode, counter), nNumFrame, settings);
@@ -179,11 +197,11 @@ bool CTVOSceneEx::AddMesh(const CNode& cnode, const SBuilderSettings& settings)
         else
             node.Gen(cnode, nNumFrame, settings);
         node.node.nIdx = static_cast<int32_t>(meshIndex);
-        node.node.nIdxMaterial = entry.first;
+        node.node.nIdxMaterial = built.meshes[k].first;
         AddNode(std::move(node));
         ++counter;
     }
-    if (split)
+    if (built.split)
     {
         CTVONodeEx parent;
         parent.Gen(cnode, nNumFrame, settings);
@@ -288,18 +306,31 @@ bool CTVOSceneEx::GenA(const SContent* content, const SBuilderSettings& settings
     const size_t total = c.nodes.size();
     std::vector<bool> taken(total, false);
     if (settings.bExportGeometry)
+    {
+        std::vector<size_t> meshNodes;
         for (size_t i = 0; i < total; ++i)
-        {
-            const CNode& n = c.nodes[i];
-            if (n.type == eNodeMesh || (n.type == eNodeJoint && settings.bExportBoneGeometry))
-            {
-                ReportProgress(total, n.name);
-                m_nFreeGeometryNode = i;
-                if (!AddMesh(n, settings))
-                    return false;
-                taken[i] = true;
-            }
-        }
+            if (c.nodes[i].type == eNodeMesh || (c.nodes[i].type == eNodeJoint && settings.bExportBoneGeometry))
+                meshNodes.push_back(i);
+        // Nodes' meshes are assembled on the scene's threads and placed in node order, as a loop
+        // over the nodes places them.
+        std::vector<SBuiltMeshes> built(meshNodes.size());
+        const bool placed = RunInOrder(
+            static_cast<uint32_t>(meshNodes.size()), m_nThreads,
+            [&](uint32_t k) {
+                const size_t i = meshNodes[k];
+                CNode* giveUp = m_pFreeGeometryOf ? &m_pFreeGeometryOf->nodes[i] : nullptr;
+                return BuildMeshes(c.nodes[i], settings, giveUp, built[k]);
+            },
+            [&](uint32_t k) { ReportProgress(total, c.nodes[meshNodes[k]].name); },
+            [&](uint32_t k) {
+                const bool ok = PlaceMeshes(c.nodes[meshNodes[k]], settings, built[k]);
+                built[k] = SBuiltMeshes();
+                taken[meshNodes[k]] = true;
+                return ok;
+            });
+        if (!placed)
+            return false;
+    }
     nNumMeshNode = static_cast<uint32_t>(nodes.size());
 
     for (size_t i = 0; i < total; ++i)

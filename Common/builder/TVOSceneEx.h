@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "BuilderSettings.h"
@@ -43,7 +44,8 @@ class CTVOSceneEx : public CQMXTModelTVO
     // faces are in its meshes' stores: content (the same object GenA reads) that its host no longer needs then
     // stops holding memory while the later stages run. Null (the default) leaves the content as it is.
     void FreeGeometryOnceBuilt(SContent* content) { m_pFreeGeometryOf = content; }
-    // Threads for GenD's per-mesh passes (0: one a core). Output and messages do not depend on it.
+    // Threads for assembling nodes' meshes in GenA and for GenD's per-mesh passes (0: one a core).
+    // Output and messages do not depend on it.
     void SetThreads(unsigned threads) { m_nThreads = threads; }
     // False when an array cannot be allocated, with every count matching its array and each record
     // owned once, by an array or a builder list (DestroyAll frees both).
@@ -53,6 +55,19 @@ class CTVOSceneEx : public CQMXTModelTVO
 
     // Assembles the mesh node(s) of one content node; false (logged) when its geometry is invalid.
     bool AddMesh(const CNode& cnode, const SBuilderSettings& settings);
+    // AddMesh in two steps, so that nodes can be assembled on several threads. BuildMeshes makes and
+    // finishes the meshes of one node, one a material, touching nothing of the scene (giveUp, when
+    // given, is the node's content to free once its faces are in the stores); false, logged, for
+    // invalid geometry. PlaceMeshes then adds them to the scene with their nodes, in node order.
+    struct SBuiltMeshes
+    {
+        std::vector<std::pair<int, std::unique_ptr<CTVOMeshEx>>> meshes; // by material
+        bool split = false;   // more than one material
+        bool finished = true; // false: the last mesh could not be finished (too large)
+    };
+    bool BuildMeshes(const CNode& cnode, const SBuilderSettings& settings, CNode* giveUp,
+                     SBuiltMeshes& built);
+    bool PlaceMeshes(const CNode& cnode, const SBuilderSettings& settings, SBuiltMeshes& built);
     // Index of an equal mesh among the scene's meshes (the new one is then dropped and "Instancing
     // mesh" logged), or of mesh appended.
     unsigned FindOrCreate(std::unique_ptr<CTVOMeshEx> mesh);
@@ -77,7 +92,6 @@ class CTVOSceneEx : public CQMXTModelTVO
   private:
     SContent* m_pFreeGeometryOf = nullptr;
     unsigned m_nThreads = 0;
-    size_t m_nFreeGeometryNode = SIZE_MAX; // the content node AddMesh is building
     void AddNode(CTVONodeEx&& node) { nodes.push_back(std::move(node)); }
     void ReportProgress(size_t contentNodes, const std::string& name) const;
     void GenMaterials(const SContent& content);

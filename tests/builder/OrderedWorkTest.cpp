@@ -11,9 +11,9 @@
 
 namespace
 {
-// Runs 40 items on 4 threads; item `stop` fails (or throws, with `raise`). Returns the messages and
-// the items `after` saw, in the order the caller saw them.
-std::vector<std::string> RunItems(uint32_t stop, bool raise, bool& result)
+// Runs 40 items on 4 threads; item `stop` fails (or throws, with `raise`), and `after` fails at
+// item `refuse`. Returns the messages in the order the caller saw them.
+std::vector<std::string> RunItems(uint32_t stop, bool raise, bool& result, uint32_t refuse = UINT32_MAX)
 {
     CRecordingLogSink log;
     std::vector<std::string> seen;
@@ -26,7 +26,10 @@ std::vector<std::string> RunItems(uint32_t stop, bool raise, bool& result)
             return i != stop;
         },
         [](uint32_t i) { Log(eLogInfo, "before %u", i); },
-        [&](uint32_t i) { Log(eLogInfo, "after %u", i); });
+        [&](uint32_t i) {
+            Log(eLogInfo, "after %u", i);
+            return i != refuse;
+        });
     for (const CRecordingLogSink::SEntry& e : log.entries)
         seen.push_back(e.text);
     return seen;
@@ -51,6 +54,8 @@ TEST(OrderedWork, MessagesFailuresAndExceptionsComeInItemOrder)
     EXPECT_EQ(RunItems(17, false, result), Expected(17, false));
     EXPECT_FALSE(result);
     EXPECT_THROW(RunItems(5, true, result), std::bad_alloc);
+    EXPECT_EQ(RunItems(UINT32_MAX, false, result, 9), Expected(9, true));
+    EXPECT_FALSE(result);
 }
 
 TEST(OrderedWork, SceneIsTheSameForAnyThreadCount)
