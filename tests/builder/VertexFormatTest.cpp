@@ -84,29 +84,6 @@ TEST(VertexFormat, TypesMasksAndQuantisedPositions)
     EXPECT_FLOAT_EQ(mesh.mUnpackMatrix[0] * 65535.0f, 2.0f); // unpack scales back to 2 units
 }
 
-TEST(VertexFormat, LargeMeshesKeep32BitIndicesAndUnwrittenStreamsGo)
-{
-    SBuilderSettings s;
-    s.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, true);
-    CTVOMeshEx m;
-    const SGeomData grid = GridGeometry(105); // 105 * 105 * 6 = 66150 unwelded corners, 11236 welded
-    m.Init(static_cast<uint32_t>(grid.faces.size()), 1);
-    // Distinct groups keep every corner its own vertex: 66150 vertices.
-    SGeomData g = grid;
-    for (size_t f = 0; f < g.faces.size(); ++f)
-        g.faces[f].group = static_cast<int>(f);
-    for (uint32_t f = 0; f < g.faces.size(); ++f)
-        m.AddFace(f, &g, nullptr, s);
-    ASSERT_TRUE(m.Finalise(s));
-    ASSERT_GT(m.mesh.nNumVertex, 65536u);
-    SBuilderSettings noNormals = s;
-    noNormals.formats[COptionsData::eVcOptNor].SetOption(CVectorOpt::eExport, false);
-    VertexFormatPass(m.mesh, noNormals);
-    EXPECT_EQ(m.mesh.sFaces.eType, EQMXTDataUnsignedInt);
-    EXPECT_EQ(m.mesh.sNormals.n, 0u);
-    EXPECT_EQ(m.mesh.sNormals.pData, nullptr);
-}
-
 // 16-bit indices reach exactly 65536 vertices (0 to 65535); one vertex more needs 32 bits.
 TEST(VertexFormat, SixteenBitIndicesUpToExactly65536Vertices)
 {

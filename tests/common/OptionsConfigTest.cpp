@@ -2,11 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <sys/stat.h>
 
 #include "Options.h"
 #include "OptionsTestSupport.h"
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 
 namespace
 {
@@ -38,8 +37,8 @@ TEST_F(OptionsConfig, WrittenConfigurationsReadBack)
     options = NonDefaultOptions();
     const std::string path = PathOf("export.cfg");
     ASSERT_EQ(options.WriteConfig(path.c_str()), 1);
-    EXPECT_EQ(ReadWholeFile(path), options.ToString().c_str());
-    EXPECT_EQ(ListDirectory(home.Path()), std::vector<std::string>{"export.cfg"});
+    EXPECT_EQ(ReadAll(path), options.ToString().c_str());
+    EXPECT_EQ(SortedEntries(home.Path()), std::vector<std::string>{"export.cfg"});
 
     COptions read;
     EXPECT_EQ(read.ReadConfig(path.c_str()), kOptionLines);
@@ -48,7 +47,7 @@ TEST_F(OptionsConfig, WrittenConfigurationsReadBack)
     EXPECT_EQ(options.WriteConfig(nullptr), 0);
     EXPECT_EQ(options.WriteConfig(""), 0);
     EXPECT_EQ(options.WriteConfig(PathOf("missing/dir/export.cfg").c_str()), 0);
-    EXPECT_EQ(ListDirectory(home.Path()), std::vector<std::string>{"export.cfg"});
+    EXPECT_EQ(SortedEntries(home.Path()), std::vector<std::string>{"export.cfg"});
 }
 
 TEST_F(OptionsConfig, HeaderBlockIsReadOnlyWhenClosed)
@@ -57,48 +56,45 @@ TEST_F(OptionsConfig, HeaderBlockIsReadOnlyWhenClosed)
     const std::string text = source.ToString().c_str();
     for (const char* lineEnd : {"\n", "\r\n"})
     {
-        WriteWholeFile(PathOf("scene.h"), Header(text, true, lineEnd));
+        WriteAll(PathOf("scene.h"), Header(text, true, lineEnd));
         COptions read;
         EXPECT_EQ(read.ReadConfig(PathOf("scene.h").c_str()), kOptionLines);
         EXPECT_TRUE(static_cast<const COptionsData&>(read) == source);
     }
     // The extension is compared without case.
-    WriteWholeFile(PathOf("SCENE.H"), Header("bMerge=1\n", true));
+    WriteAll(PathOf("SCENE.H"), Header("bMerge=1\n", true));
     COptions upper;
     EXPECT_EQ(upper.ReadConfig(PathOf("SCENE.H").c_str()), 1);
     EXPECT_TRUE(upper.GetOption(O::eMerge));
 
     // Without "\t}ExpOpt\n" nothing is set.
-    WriteWholeFile(PathOf("open.h"), Header(text, false));
+    WriteAll(PathOf("open.h"), Header(text, false));
     COptions unclosed;
     const COptions defaults;
     EXPECT_EQ(unclosed.ReadConfig(PathOf("open.h").c_str()), 0);
     EXPECT_TRUE(unclosed == defaults);
     // A header without the block, and a marker that is not a whole line, set nothing either.
-    WriteWholeFile(PathOf("plain.h"), "int x;\n  \tExpOpt{\nbMerge=1\n\t}ExpOpt\n");
+    WriteAll(PathOf("plain.h"), "int x;\n  \tExpOpt{\nbMerge=1\n\t}ExpOpt\n");
     EXPECT_EQ(unclosed.ReadConfig(PathOf("plain.h").c_str()), 0);
 }
 
 TEST_F(OptionsConfig, OtherExtensions)
 {
-    WriteWholeFile(PathOf("settings.plist"), "bMerge=1\n");
+    WriteAll(PathOf("settings.plist"), "bMerge=1\n");
     COptions options;
     EXPECT_EQ(options.ReadConfig(PathOf("settings.plist").c_str()), 0);
     EXPECT_FALSE(options.GetOption(O::eMerge));
 
-    WriteWholeFile(PathOf("noextension"), "bMerge=1\n");
+    WriteAll(PathOf("noextension"), "bMerge=1\n");
     EXPECT_EQ(options.ReadConfig(PathOf("noextension").c_str()), 0);
-    mkdir(PathOf("dir.d").c_str(), 0755);
-    WriteWholeFile(PathOf("dir.d/config"), "bMerge=1\n");
-    EXPECT_EQ(options.ReadConfig(PathOf("dir.d/config").c_str()), 0);
 
-    WriteWholeFile(PathOf("options.TXT"), "bMerge=1\nexportGeom=0\n");
+    WriteAll(PathOf("options.TXT"), "bMerge=1\nexportGeom=0\n");
     EXPECT_EQ(options.ReadConfig(PathOf("options.TXT").c_str()), 2);
     EXPECT_TRUE(options.GetOption(O::eMerge));
     EXPECT_FALSE(options.GetOption(O::eExportGeometry));
 
     EXPECT_EQ(options.ReadConfig(PathOf("absent.cfg").c_str()), 0);
-    WriteWholeFile(PathOf("empty.cfg"), "");
+    WriteAll(PathOf("empty.cfg"), "");
     EXPECT_EQ(options.ReadConfig(PathOf("empty.cfg").c_str()), 0);
     EXPECT_EQ(options.ReadConfig(nullptr), 0);
 }
@@ -109,8 +105,8 @@ TEST_F(OptionsConfig, PlainFilesAreReadUpTo10239Bytes)
     const std::string line = "bMerge=1";
     const std::string fits = std::string(10239 - line.size() - 1, 'x') + "\n" + line + "\nuiPadDataTo=8\n";
     const std::string beyond = std::string(10239 - line.size(), 'x') + "\n" + line + "\n";
-    WriteWholeFile(PathOf("fits.cfg"), fits);
-    WriteWholeFile(PathOf("beyond.cfg"), beyond);
+    WriteAll(PathOf("fits.cfg"), fits);
+    WriteAll(PathOf("beyond.cfg"), beyond);
     COptions options;
     EXPECT_EQ(options.ReadConfig(PathOf("fits.cfg").c_str()), 1);
     EXPECT_TRUE(options.GetOption(O::eMerge));
@@ -123,7 +119,7 @@ TEST_F(OptionsConfig, PlainFilesAreReadUpTo10239Bytes)
     std::string junk;
     for (int i = 0; i < 20000; ++i)
         junk += static_cast<char>((i * 7919) % 251 + 1);
-    WriteWholeFile(PathOf("junk.cfg"), junk);
+    WriteAll(PathOf("junk.cfg"), junk);
     COptions fromJunk;
     EXPECT_EQ(fromJunk.ReadConfig(PathOf("junk.cfg").c_str()), 0);
 }

@@ -5,7 +5,7 @@
 #include "Log.h"
 #include "OptionsProfiles.h"
 #include "OptionsTestSupport.h"
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXPreferences.h"
 
 namespace
@@ -60,22 +60,4 @@ TEST_F(OptionsProfilesTest, ThreeProfilesRoundTripInOrder)
     ASSERT_NE(loaded.Find("Strips"), nullptr);
     EXPECT_EQ(loaded.Find("Strips")->options.GetOption(O::ePrimType), ePrimTriangleStrips);
     EXPECT_EQ(loaded.Find("strips"), nullptr);
-}
-
-TEST_F(OptionsProfilesTest, AMissingSubtreeIsLoggedAndSkipped)
-{
-    COptionsProfiles profiles;
-    profiles.m_profiles.push_back({"Kept", COptionsData()});
-    profiles.m_profiles.push_back({"Lost: one", COptionsData()});
-    ASSERT_TRUE(profiles.Save(prefs, "Options"));
-    ASSERT_EQ(prefs.ClearKey("Options/Custom/1:Lost: one"), eQMXPrefSuccess);
-
-    CRecordingLogSink log;
-    COptionsProfiles loaded;
-    loaded.m_profiles.push_back({"Stale", COptionsData()}); // replaced by what is stored
-    EXPECT_EQ(loaded.Load(prefs, "Options"), 1);
-    ASSERT_EQ(loaded.m_profiles.size(), 1u);
-    EXPECT_STREQ(loaded.m_profiles[0].sCaption.c_str(), "Kept");
-    ASSERT_EQ(log.entries.size(), 1u);
-    EXPECT_TRUE(log.Has(eLogWarning, "Failed to load profile Lost: one. Entry does not exist"));
 }

@@ -5,7 +5,7 @@
 
 #include "Options.h"
 #include "OptionsTestSupport.h"
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXTModelTVO.h"
 
 namespace
@@ -45,7 +45,7 @@ TEST(OptionsSceneConfig, UnreadableSceneFilesGiveZero)
     const COptions defaults;
     EXPECT_EQ(options.ReadConfig((home.Path() + "/absent.tvo").c_str()), 0);
     const std::string junk = home.Path() + "/junk.tvo";
-    WriteWholeFile(junk, "bMerge=1\nnot a scene file at all");
+    WriteAll(junk, "bMerge=1\nnot a scene file at all");
     EXPECT_EQ(options.ReadConfig(junk.c_str()), 0);
     EXPECT_TRUE(options == defaults);
     // A scene saved without options has nothing to give.

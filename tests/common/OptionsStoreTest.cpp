@@ -6,7 +6,7 @@
 
 #include "OptionsData.h"
 #include "OptionsTestSupport.h"
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXPreferences.h"
 
 namespace
@@ -39,8 +39,6 @@ TEST_F(OptionsStore, EveryOptionGoesUnderItsPathWithItsType)
     bool flag = true;
     EXPECT_EQ(reader.GetValue("Profiles/[Current]/ExportGeometry", flag), eQMXPrefSuccess);
     EXPECT_FALSE(flag);
-    EXPECT_EQ(reader.GetValue("Profiles/[Current]/UseCustomOptSettings", flag), eQMXPrefSuccess);
-    EXPECT_TRUE(flag);
     double real = 0;
     EXPECT_EQ(reader.GetValue("Profiles/[Current]/fTangentSpaceVtxSplit", real), eQMXPrefSuccess);
     EXPECT_EQ(real, 0.75);
@@ -55,8 +53,6 @@ TEST_F(OptionsStore, EveryOptionGoesUnderItsPathWithItsType)
         EXPECT_EQ(reader.GetValue((std::string(kPrefix) + "/" + path).c_str(), value), eQMXPrefSuccess) << path;
         EXPECT_EQ(value, expected) << path;
     }
-    EXPECT_EQ(reader.GetValue("Profiles/[Current]/Position/Export", flag), eQMXPrefSuccess);
-    EXPECT_TRUE(flag);
     EXPECT_EQ(reader.GetValue("Profiles/[Current]/Normal/Export", flag), eQMXPrefSuccess);
     EXPECT_FALSE(flag);
     CQMXTString text;
@@ -64,7 +60,7 @@ TEST_F(OptionsStore, EveryOptionGoesUnderItsPathWithItsType)
     EXPECT_STREQ(text.c_str(), "value 4 = x");
 
     // Nothing but the options' own paths: 22 + 1 + 4 + 6 + 4 values and 15 format dicts.
-    const std::string file = ReadWholeFile(home.PrefsFile("Ostrex"));
+    const std::string file = ReadAll(home.PrefsFile("Ostrex"));
     size_t keys = 0;
     for (size_t at = file.find("<key>"); at != std::string::npos; at = file.find("<key>", at + 1))
         ++keys;

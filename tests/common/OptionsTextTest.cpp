@@ -71,11 +71,6 @@ TEST(OptionsText, DefaultsAsText)
     EXPECT_EQ(parsed.SetFromString(kDefaultText), kOptionLines - O::eNumStrings); // empty values are skipped
     EXPECT_TRUE(parsed == options);
     EXPECT_FALSE(parsed != options);
-
-    const CVectorOpt fresh;
-    EXPECT_FALSE(fresh.GetOption(CVectorOpt::eExport));
-    EXPECT_EQ(fresh.GetOption(CVectorOpt::eDataType), EQMXTDataFloat);
-    EXPECT_EQ(fresh.GetOption(CVectorOpt::eEnable), 135u);
 }
 
 TEST(OptionsText, EveryOptionRoundTrips)
@@ -311,16 +306,4 @@ TEST(OptionsOperators, AssignmentCopiesEverythingAndDefaultsReset)
     EXPECT_STREQ(target.ToString().c_str(), kDefaultText);
     EXPECT_STREQ(target.m_sPath.c_str(), "");
     EXPECT_EQ(target.m_nDriverValue, 0);
-
-    // Without custom settings the derived options follow the primitive type and indexing.
-    COptionsData derived;
-    derived.SetOption(O::ePrimType, ePrimTriangleStrips);
-    derived.SetOption(O::eIndexed, false);
-    derived.HandleOptimisations();
-    EXPECT_EQ(derived.GetOption(O::eTriSort), eTriSortStrips);
-    EXPECT_FALSE(derived.GetOption(O::eSortVertices));
-    derived.SetOption(O::eUseCustomOptSettings, true);
-    derived.SetOption(O::eTriSort, eTriSortNone);
-    derived.HandleOptimisations();
-    EXPECT_EQ(derived.GetOption(O::eTriSort), eTriSortNone);
 }

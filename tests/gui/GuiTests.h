@@ -7,7 +7,6 @@ class COutputTest : public QObject
 {
     Q_OBJECT
   private slots:
-    void stringTable();
     void levelColours_data();
     void levelColours();
     void messagesReachTheWindow();
@@ -36,7 +35,6 @@ class CProfilesTest : public QObject
     Q_OBJECT
   private slots:
     void saveAndLoadKeepOrderAndColons();
-    void missingSubtreeIsReported();
     void studioProfilesAreReadOnly();
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();

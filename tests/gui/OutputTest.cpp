@@ -3,23 +3,7 @@
 #include <QtTest>
 
 #include "GuiTests.h"
-#include "OstrexStrings.h"
 #include "Output.h"
-
-void COutputTest::stringTable()
-{
-    using S = COstrexStrings;
-    QCOMPARE(QString(S::CStrText(0)), QString("A0"));
-    QCOMPARE(S::QtText(S::eStrExportMatrices), S::QtText(S::eStrExportMatricesTip));
-    QCOMPARE(S::QtText(40), QString("Export mapping channels"));
-    QCOMPARE(S::QtText(41), S::QtText(40));
-    QCOMPARE(S::QtText(43), QString("Export materials"));
-    QCOMPARE(S::QtText(81), QString("Index the node animation arrays to potentially reduce the amount data"));
-    QCOMPARE(S::QtText(154), QString("UVW 7"));
-    QCOMPARE(QString(S::CStrText(168)), QString("Yes"));
-    QCOMPARE(QString(S::CStrText(169)), QString());
-    QCOMPARE(S::LangNameAsQtText(S::eLangBritishEnglish), QString("British English"));
-}
 
 void COutputTest::levelColours_data()
 {

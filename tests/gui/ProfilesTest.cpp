@@ -62,17 +62,6 @@ void CProfilesTest::saveAndLoadKeepOrderAndColons()
     QCOMPARE(entries.size(), size_t(3));
 }
 
-void CProfilesTest::missingSubtreeIsReported()
-{
-    SPrefs store("ProfilesMissing");
-    store.prefs.SetValue("Profiles/Custom/List/", std::vector<const char*>{"0:Gone"});
-    CRecordingLogSink log;
-    CProfilesWidget loaded;
-    loaded.Load(store.prefs, "Profiles");
-    QVERIFY(log.Has(eLogWarning, "Failed to load profile Gone. Entry does not exist"));
-    QCOMPARE(loaded.count(), 2);
-}
-
 void CProfilesTest::studioProfilesAreReadOnly()
 {
     QTemporaryDir studio;

@@ -3,8 +3,6 @@
 #include <maya/MArgList.h>
 #include <maya/MFileObject.h>
 
-#include <cstdlib>
-
 #include "MelLauncher.h"
 
 using standin::Scene;
@@ -13,14 +11,6 @@ CMayaTest::CMayaTest()
 {
     standin::ResetScene();
     FakeOptionsWindow() = SFakeOptionsWindow();
-    const char* home = std::getenv("HOME");
-    m_home = home ? home : "";
-    setenv("HOME", m_dir.Path().c_str(), 1); // preferences and recent files stay in the test's folder
-}
-
-CMayaTest::~CMayaTest()
-{
-    setenv("HOME", m_home.c_str(), 1);
 }
 
 MStatus CMayaTest::Mel(const std::vector<std::string>& args)
@@ -45,9 +35,7 @@ MStatus CMayaTest::Export(const std::string& options, const std::string& name, b
 std::string CMayaTest::Write(const std::string& name, const std::string& text)
 {
     const std::string path = m_dir / name;
-    FILE* f = std::fopen(path.c_str(), "wb");
-    std::fwrite(text.data(), 1, text.size(), f);
-    std::fclose(f);
+    WriteAll(path, text);
     return path;
 }
 

@@ -22,7 +22,6 @@ class CMayaTest : public testing::Test
 {
   protected:
     CMayaTest();
-    ~CMayaTest() override;
 
     // Runs Ostrex_Export with these arguments.
     MStatus Mel(const std::vector<std::string>& args);
@@ -32,9 +31,8 @@ class CMayaTest : public testing::Test
     const SContent& Content() const { return *m_last->Content(); }
     std::string Write(const std::string& name, const std::string& text);
 
-    CTempDir m_dir;
+    CTempHome m_dir; // preferences and recent files stay in the test's folder
     CRecordingLogSink m_log;
-    std::string m_home;
     std::unique_ptr<Ostrex> m_last;
 };
 

@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <tinyxml.h>
 
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "ProfileStore.h"
 #include "QMXPreferences.h"
 
@@ -74,33 +73,17 @@ TEST_F(ProfileStore, ListEntriesAndSubtreesInTheFile)
                             {"GLES/2", &third, false}}));
     EXPECT_FALSE(prefs.IsDirty()); // saved by the store
 
-    TiXmlDocument xml;
-    ASSERT_TRUE(xml.LoadFile(home.PrefsFile("Ostrex").c_str()));
-    const TiXmlElement* options = xml.FirstChildElement("plist")->FirstChildElement("dict")->FirstChildElement("dict");
-    ASSERT_NE(options, nullptr);
-    const TiXmlElement* key = options->FirstChildElement("key");
-    EXPECT_STREQ(key->GetText(), "LastImportPath");
-    EXPECT_STREQ(key->NextSiblingElement()->GetText(), "/home/u/in");
-    const TiXmlElement* custom = options->FirstChildElement("dict");
-    ASSERT_NE(custom, nullptr);
-    const char* entries[] = {"0:Mobile: low", "1:a:b:c", "2:GLES"};
-    int n = 0;
-    const TiXmlElement* list = nullptr;
-    for (const TiXmlElement* k = custom->FirstChildElement("key"); k; k = k->NextSiblingElement("key"))
-    {
-        if (std::string(k->GetText()) == "List")
-            list = k->NextSiblingElement();
-        else
-            EXPECT_STREQ(k->GetText(), entries[n++]);
-    }
-    EXPECT_EQ(n, 3);
-    ASSERT_NE(list, nullptr);
-    ASSERT_STREQ(list->Value(), "array");
-    std::vector<std::string> listed;
-    for (const TiXmlElement* s = list->FirstChildElement(); s; s = s->NextSiblingElement())
-        listed.push_back(s->GetText());
-    EXPECT_EQ(listed, (std::vector<std::string>{"0:Mobile: low", "1:a:b:c", "2:GLES/2"}));
-    const std::string file = ReadWholeFile(home.PrefsFile("Ostrex"));
+    // Subtrees are named number:caption ("/" in a caption nests a level); the list keeps captions.
+    CQMXTString text;
+    EXPECT_EQ(prefs.GetValue("Options/LastImportPath", text), eQMXPrefSuccess);
+    EXPECT_STREQ(text.c_str(), "/home/u/in");
+    for (const char* entry : {"0:Mobile: low", "1:a:b:c", "2:GLES"})
+        EXPECT_TRUE(prefs.KeyExists((std::string("Options/Custom/") + entry).c_str())) << entry;
+    std::vector<CQMXTString> listed;
+    ASSERT_EQ(prefs.GetValue("Options/Custom/List", listed), eQMXPrefSuccess);
+    ASSERT_EQ(listed.size(), 3u);
+    EXPECT_STREQ(listed[2].c_str(), "2:GLES/2");
+    const std::string file = ReadAll(home.PrefsFile("Ostrex"));
     EXPECT_EQ(file.find("Current"), std::string::npos);
     EXPECT_EQ(file.find("Default Settings"), std::string::npos);
 }

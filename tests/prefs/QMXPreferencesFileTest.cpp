@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXPreferences.h"
 
 namespace
@@ -32,7 +32,7 @@ class PrefsFile : public ::testing::Test
     {
         mkdir((home.Path() + "/.qmxconfig").c_str(), 0775);
         mkdir((home.Path() + "/.qmxconfig/Corvell").c_str(), 0775);
-        WriteWholeFile(path, text);
+        WriteAll(path, text);
         CQMXTString errors;
         EXPECT_EQ(prefs.Load(errors), expectLoaded);
         return errors.c_str();
@@ -54,7 +54,7 @@ TEST_F(PrefsFile, MissingFileIsMadeFromTheTemplate)
     umask(old);
     EXPECT_STREQ(errors.c_str(), "");
     EXPECT_STREQ(prefs.GetFilePath().c_str(), path.c_str());
-    EXPECT_EQ(ReadWholeFile(path), kTemplate);
+    EXPECT_EQ(ReadAll(path), kTemplate);
     struct stat st;
     ASSERT_EQ(stat((home.Path() + "/.qmxconfig").c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0775u);
@@ -74,7 +74,7 @@ TEST_F(PrefsFile, MissingSkeletonPartsAreRecreatedWithWarnings)
     EXPECT_EQ(prefs.GetValue("A", value), 0);
     EXPECT_EQ(value, 1);
     prefs.Save(true);
-    EXPECT_EQ(ReadWholeFile(path).rfind("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<plist version=\"1.0\">", 0), 0u);
+    EXPECT_EQ(ReadAll(path).rfind("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<plist version=\"1.0\">", 0), 0u);
 
     EXPECT_EQ(LoadText("<?xml version=\"1.0\"?>\n<other/>"), Warning(kNoPlist) + Warning(kNoDict));
     EXPECT_EQ(prefs.SetValue("B", 2), 0);
@@ -103,7 +103,7 @@ TEST_F(PrefsFile, UnparsableFilesLoseTheirValuesButLoad)
             << messages.substr(0, 300);
         EXPECT_FALSE(prefs.KeyExists("Kept"));
         EXPECT_FALSE(prefs.IsDirty());
-        EXPECT_EQ(ReadWholeFile(path).size(), text.size());
+        EXPECT_EQ(ReadAll(path).size(), text.size());
     }
     ASSERT_EQ(prefs.SetValue("New", 1), 0);
     ASSERT_TRUE(prefs.Save());
@@ -166,7 +166,7 @@ TEST_F(PrefsFile, DamagedContentIsSavedInAFormThatReadsBack)
         CQMXPreferences reader("Test");
         CQMXTString errors;
         ASSERT_TRUE(reader.Load(errors));
-        EXPECT_STREQ(errors.c_str(), "") << ReadWholeFile(path);
+        EXPECT_STREQ(errors.c_str(), "") << ReadAll(path);
         EXPECT_EQ(reader.GetValue("Kept", value), eQMXPrefSuccess);
         EXPECT_EQ(reader.GetValue("Fuzz/Value", value), eQMXPrefSuccess);
         EXPECT_EQ(value, 2);
@@ -181,7 +181,7 @@ TEST_F(PrefsFile, DamagedContentIsSavedInAFormThatReadsBack)
 TEST_F(PrefsFile, NoUsableHomeGivesMessagesAndCodes)
 {
     // HOME naming a regular file: nothing can be created below it, even for root.
-    WriteWholeFile(home.Path() + "/plain", "x");
+    WriteAll(home.Path() + "/plain", "x");
     setenv("HOME", (home.Path() + "/plain").c_str(), 1);
     CQMXTString errors("before. ");
     EXPECT_FALSE(prefs.Load(errors));
@@ -206,7 +206,7 @@ TEST_F(PrefsFile, AFailedWriteKeepsTheOldFile)
     ASSERT_TRUE(prefs.Load(errors));
     ASSERT_EQ(prefs.SetValue("Small", 1), 0);
     ASSERT_TRUE(prefs.Save());
-    const std::string before = ReadWholeFile(path);
+    const std::string before = ReadAll(path);
 
     // A child process whose files may not grow past 4 KiB stands in for a full disk.
     const pid_t child = fork();
@@ -227,8 +227,8 @@ TEST_F(PrefsFile, AFailedWriteKeepsTheOldFile)
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0) << "the save did not report the failure";
-    EXPECT_EQ(ReadWholeFile(path), before);
-    EXPECT_EQ(ListDirectory(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Test.plist"});
+    EXPECT_EQ(ReadAll(path), before);
+    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Test.plist"});
 }
 
 TEST_F(PrefsFile, SystemSetsLiveUnderEtc)

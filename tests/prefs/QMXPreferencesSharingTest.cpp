@@ -1,13 +1,15 @@
 // Several stores on one file: reload on change, merging saves, and two processes hammering the file.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include <cstdio>
 #include <string>
 #include <sys/wait.h>
 #include <tinyxml.h>
 #include <unistd.h>
 
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXPreferences.h"
 #include "QMXPreferencesUnix.h"
 
@@ -55,7 +57,7 @@ TEST_F(PrefsSharing, TrackingReloadsWhatAnotherWriterSaved)
     // A deleted file comes back as the template on the next access.
     ASSERT_EQ(std::remove(home.PrefsFile("Shared").c_str()), 0);
     EXPECT_EQ(IntAt(tracking, "X"), -1);
-    EXPECT_TRUE(FileExists(home.PrefsFile("Shared")));
+    EXPECT_TRUE(std::filesystem::exists(home.PrefsFile("Shared")));
 }
 
 TEST_F(PrefsSharing, PendingChangesAreNotReloadedAwayAndSavesMerge)
@@ -152,5 +154,5 @@ TEST_F(PrefsSharing, TwoProcessesWritingAndReadingTheSameFile)
     LoadOrFail(check, false);
     EXPECT_EQ(IntAt(check, "Writer0/Counter"), rounds - 1);
     EXPECT_EQ(IntAt(check, "Writer1/Counter"), rounds - 1);
-    EXPECT_EQ(ListDirectory(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Stress.plist"});
+    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Stress.plist"});
 }

@@ -2,13 +2,15 @@
 // key removal and enumeration, and what each leaves in the written XML.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <sys/stat.h>
 #include <tinyxml.h>
 
-#include "PrefsTestSupport.h"
+#include "TempFiles.h"
 #include "QMXPreferences.h"
 
 namespace
@@ -100,17 +102,12 @@ TEST_F(PrefsValues, ResultCodesAndDefaults)
     // A path that runs through a value which is not a dict.
     EXPECT_EQ(prefs.GetValue("Number/Deeper", value, 3), eQMXPrefIncorrectType);
     EXPECT_EQ(prefs.SetValue("Number/Deeper", 3), eQMXPrefIncorrectType);
-
-    EXPECT_STREQ(QMXPrefResultName(eQMXPrefSuccess), "SUCCESS");
-    EXPECT_STREQ(QMXPrefResultName(eQMXPrefNoValue), "NO_VALUE");
-    EXPECT_STREQ(QMXPrefResultName(eQMXPrefIncorrectType), "INCORRECT_TYPE");
-    EXPECT_STREQ(QMXPrefResultName(eQMXPrefCriticalError), "CRITICAL_ERROR");
 }
 
 TEST_F(PrefsValues, UnparsableOrEmptyElementsInTheFile)
 {
     prefs.Save(true);
-    WriteWholeFile(home.PrefsFile("Test"),
+    WriteAll(home.PrefsFile("Test"),
                    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
                    "<key>Empty</key><integer></integer>"
                    "<key>Trailing</key><integer>12abc</integer>"
@@ -152,7 +149,7 @@ TEST_F(PrefsValues, NothingLoadedIsCritical)
     EXPECT_EQ(notLoaded.ClearKey("A"), eQMXPrefCriticalError);
     EXPECT_FALSE(notLoaded.KeyExists("A"));
     EXPECT_FALSE(notLoaded.Save(true));
-    EXPECT_FALSE(FileExists(home.PrefsFile("Other")));
+    EXPECT_FALSE(std::filesystem::exists(home.PrefsFile("Other")));
 }
 
 TEST_F(PrefsValues, ScalarsRoundTripThroughTheFile)
@@ -253,15 +250,15 @@ TEST_F(PrefsValues, ArraysKeepOrderAndElementTypes)
     ASSERT_EQ(prefs.SetValue("Scalar", 1), 0);
     EXPECT_EQ(prefs.GetValue("Scalar", ints), eQMXPrefIncorrectType);
 
-    TiXmlElement* root = SavedRoot();
-    ASSERT_NE(root, nullptr);
-    const TiXmlElement* array = root->FirstChildElement("array");
-    ASSERT_NE(array, nullptr);
-    const char* expected[] = {"true", "false", "true"};
-    int n = 0;
-    for (const TiXmlElement* child = array->FirstChildElement(); child; child = child->NextSiblingElement(), ++n)
-        EXPECT_STREQ(child->Value(), expected[n]);
-    EXPECT_EQ(n, 3);
+    // Arrays come back from the written file too.
+    ASSERT_TRUE(prefs.Save());
+    CQMXPreferences reader("Test");
+    CQMXTString errors;
+    ASSERT_TRUE(reader.Load(errors));
+    EXPECT_EQ(reader.GetValue("Bools", bools), 0);
+    EXPECT_EQ(bools, (std::vector<bool>{true, false, true}));
+    EXPECT_EQ(reader.GetValue("Names", names), 0);
+    EXPECT_STREQ(names[1].c_str(), "1:b:c");
 }
 
 TEST_F(PrefsValues, BinaryDataIsBase64)
@@ -328,7 +325,7 @@ TEST_F(PrefsValues, KeysExistClearAndEnumerate)
 TEST_F(PrefsValues, DirtyFlagAndSavingOnlyWhenNeeded)
 {
     const std::string path = home.PrefsFile("Test");
-    const std::string before = ReadWholeFile(path);
+    const std::string before = ReadAll(path);
     struct stat st1;
     ASSERT_EQ(stat(path.c_str(), &st1), 0);
 
@@ -339,7 +336,7 @@ TEST_F(PrefsValues, DirtyFlagAndSavingOnlyWhenNeeded)
     struct stat st2;
     ASSERT_EQ(stat(path.c_str(), &st2), 0);
     EXPECT_EQ(st1.st_ino, st2.st_ino); // not rewritten
-    EXPECT_EQ(ReadWholeFile(path), before);
+    EXPECT_EQ(ReadAll(path), before);
 
     EXPECT_TRUE(prefs.Save(true)); // forced: rewritten through a new file
     ASSERT_EQ(stat(path.c_str(), &st2), 0);
@@ -349,8 +346,8 @@ TEST_F(PrefsValues, DirtyFlagAndSavingOnlyWhenNeeded)
     EXPECT_TRUE(prefs.IsDirty());
     EXPECT_TRUE(prefs.Save());
     EXPECT_FALSE(prefs.IsDirty());
-    EXPECT_NE(ReadWholeFile(path).find("<key>Key</key>"), std::string::npos);
+    EXPECT_NE(ReadAll(path).find("<key>Key</key>"), std::string::npos);
     // Only the preferences file is left in the directory: no temporary files.
-    EXPECT_EQ(ListDirectory(home.Path() + "/.qmxconfig/Corvell"),
+    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"),
               std::vector<std::string>{"com.veldra.Test.plist"});
 }

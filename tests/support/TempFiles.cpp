@@ -28,8 +28,34 @@ CTempDir::~CTempDir()
 
 std::vector<std::string> CTempDir::Entries() const
 {
+    return SortedEntries(m_path);
+}
+
+CTempHome::CTempHome()
+{
+    if (const char* old = std::getenv("HOME"))
+        m_oldHome = old, m_hadHome = true;
+    setenv("HOME", Path().c_str(), 1);
+}
+
+CTempHome::~CTempHome()
+{
+    if (m_hadHome)
+        setenv("HOME", m_oldHome.c_str(), 1);
+    else
+        unsetenv("HOME");
+}
+
+std::string CTempHome::PrefsFile(const std::string& name) const
+{
+    return Path() + "/.qmxconfig/Corvell/com.veldra." + name + ".plist";
+}
+
+std::vector<std::string> SortedEntries(const std::string& dir)
+{
     std::vector<std::string> names;
-    for (const auto& e : std::filesystem::directory_iterator(m_path))
+    std::error_code failed;
+    for (const auto& e : std::filesystem::directory_iterator(dir, failed))
         names.push_back(e.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
@@ -41,4 +67,14 @@ std::string ReadAll(const std::string& path)
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+void WriteAll(const std::string& path, const std::string& text)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out.write(text.data(), static_cast<std::streamsize>(text.size())))
+    {
+        std::perror(path.c_str());
+        std::abort();
+    }
 }

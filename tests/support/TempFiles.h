@@ -1,4 +1,4 @@
-// Test support shared by the test binaries: a temporary directory and a whole-file reader.
+// Test support shared by the test binaries: a temporary directory or HOME, whole-file helpers.
 #pragma once
 
 #include <string>
@@ -22,5 +22,23 @@ class CTempDir
     std::string m_path;
 };
 
+// A temporary directory that is HOME while the object lives (tests never touch the real one).
+class CTempHome : public CTempDir
+{
+  public:
+    CTempHome();
+    ~CTempHome();
+    // Where the preferences store keeps the set called name.
+    std::string PrefsFile(const std::string& name) const;
+
+  private:
+    std::string m_oldHome;
+    bool m_hadHome = false;
+};
+
 // The bytes of a file; empty when it cannot be read.
 std::string ReadAll(const std::string& path);
+// Replaces the file with text; aborts the test program when it cannot.
+void WriteAll(const std::string& path, const std::string& text);
+// Names of the entries of a directory, sorted; empty when it cannot be read.
+std::vector<std::string> SortedEntries(const std::string& dir);
