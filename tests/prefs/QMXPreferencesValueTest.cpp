@@ -67,19 +67,10 @@ TEST_F(PrefsValues, PathsIgnoreOuterSlashesAndEmptyComponents)
     EXPECT_EQ(value, 9);
 
     // Profiles/[Current]/BoneLimit is the key BoneLimit in the dict under [Current] under Profiles.
-    TiXmlElement* root = SavedRoot();
+    const TiXmlElement* root = SavedRoot();
     ASSERT_NE(root, nullptr);
-    const TiXmlElement* key = root->FirstChildElement();
-    EXPECT_STREQ(key->Value(), "key");
-    EXPECT_EQ(Text(key), "Profiles");
-    const TiXmlElement* profiles = key->NextSiblingElement();
-    ASSERT_STREQ(profiles->Value(), "dict");
-    EXPECT_EQ(Text(profiles->FirstChildElement("key")), "[Current]");
-    const TiXmlElement* current = profiles->FirstChildElement("dict");
-    ASSERT_NE(current, nullptr);
-    EXPECT_EQ(Text(current->FirstChildElement("key")), "BoneLimit");
-    EXPECT_EQ(Text(current->FirstChildElement("integer")), "9");
-    EXPECT_EQ(key->NextSiblingElement()->NextSiblingElement(), nullptr); // one pair, not three
+    EXPECT_EQ(Text(ValueAt(ValueAt(ValueAt(root, "Profiles"), "[Current]"), "BoneLimit")), "9");
+    EXPECT_EQ(root->FirstChildElement()->NextSiblingElement()->NextSiblingElement(), nullptr); // one pair
 }
 
 TEST_F(PrefsValues, ResultCodesAndDefaults)
