@@ -145,8 +145,6 @@ TEST(MeshAssembly, FacesBecomeWeldedStreams)
     EXPECT_EQ(reinterpret_cast<const float*>(mesh.sVertex.pData)[6], 1.0f); // vertex 2 x
     EXPECT_EQ(mesh.sNormals.n, 3u);
     EXPECT_EQ(reinterpret_cast<const float*>(mesh.sNormals.pData)[11], 1.0f);
-    EXPECT_EQ(mesh.sTangents.n, 0u);
-    EXPECT_EQ(mesh.sBinormals.n, 0u);
     EXPECT_EQ(mesh.sBoneIdx.n, 0u);
     ASSERT_EQ(mesh.nNumUVW, 1u);
     EXPECT_EQ(mesh.psUVW[0].n, 3u);
@@ -157,8 +155,6 @@ TEST(MeshAssembly, FacesBecomeWeldedStreams)
     const uint32_t* col = reinterpret_cast<const uint32_t*>(mesh.sVtxColours.pData);
     EXPECT_EQ(col[3], 0xff7f00ffu);
     EXPECT_EQ(col[0], 0xffffffffu); // vertices without colour are opaque white
-    EXPECT_EQ(mesh.mUnpackMatrix[0], 1.0f);
-    EXPECT_EQ(mesh.mUnpackMatrix[15], 1.0f);
 }
 
 TEST(MeshAssembly, VIsFlippedWhenExactlyOneOfDirectXAndFlipHolds)
