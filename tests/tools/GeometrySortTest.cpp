@@ -1,5 +1,5 @@
 // Vertex-cache triangle order: golden output digests, block limits, kept triangles (also under no
-// triangle limit), packing of small pieces, renumbering and bad arguments.
+// triangle limit), renumbering and bad arguments.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -143,34 +143,6 @@ TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
         }
         EXPECT_EQ(total, m.TriNum()) << m.sName;
     }
-}
-
-TEST(GeometrySort, PacksSmallPiecesWholeIntoBlocks)
-{
-    // Twenty pieces of 3 to 31 vertices: each piece's triangles end up in a single block.
-    std::mt19937 rng(3);
-    std::vector<SIndexMesh> parts;
-    for (uint32_t k = 0; k < 20; ++k)
-        parts.push_back(k % 3 == 0 ? Fan(1 + k) : k % 3 == 1 ? Grid(1 + k % 4, 1 + k % 3) : Strip(1 + k));
-    const SIndexMesh m = Concatenate(parts, &rng);
-    std::vector<uint32_t> pieceOf(m.nVertexNum);
-    for (uint32_t p = 0, base = 0; p < parts.size(); base += parts[p].nVertexNum, ++p)
-    {
-        ASSERT_LE(parts[p].nVertexNum, 31u);
-        std::fill(pieceOf.begin() + base, pieceOf.begin() + base + parts[p].nVertexNum, p);
-    }
-    const SSorted s = Sort(m, 32, 64, 3);
-    std::vector<int> blockOfPiece(parts.size(), -1);
-    uint32_t t = 0;
-    for (size_t b = 0; b < s.blocks.size(); ++b)
-        for (uint32_t k = 0; k < s.blocks[b]; ++k, ++t)
-        {
-            int& owner = blockOfPiece[pieceOf[s.idx[t * 3]]];
-            if (owner < 0)
-                owner = int(b);
-            EXPECT_EQ(owner, int(b)) << "piece split over blocks";
-        }
-    EXPECT_LT(s.blocks.size(), parts.size());
 }
 
 TEST(GeometrySort, RenumbersVerticesByFirstUse)

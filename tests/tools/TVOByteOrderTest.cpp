@@ -1,5 +1,5 @@
-// The byte-order layer under the file: little-endian assembly on reading, byte-by-byte output on
-// writing, bounds of the source, and the in-place swap of interleaved vertices on big-endian hosts.
+// The byte-order layer under the file: little-endian assembly on reading, bounds of the source, and
+// the in-place swap of interleaved vertices on big-endian hosts.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -9,24 +9,6 @@
 #include "QMXTSink.h"
 #include "QMXTSource.h"
 #include "TVOTestScenes.h"
-
-TEST(TVOByteOrder, WriterEmitsLittleEndianBytes)
-{
-    CSinkMemory sink;
-    {
-        CLEWriter w(sink);
-        w.U16(0x0102);
-        w.U32(0x03040506);
-        w.F32(1.0f);
-        const uint16_t halves[2] = {0xA1A2, 0xB1B2};
-        w.Elements(halves, 2, 2);
-        w.Zeros(2);
-        EXPECT_EQ(w.Written(), 16u);
-    }
-    const std::vector<uint8_t> expected = {0x02, 0x01, 0x06, 0x05, 0x04, 0x03, 0x00, 0x00,
-                                           0x80, 0x3F, 0xA2, 0xA1, 0xB2, 0xB1, 0x00, 0x00};
-    EXPECT_EQ(sink.Data(), expected);
-}
 
 TEST(TVOByteOrder, SourceAssemblesValuesAndRefusesToPassTheEnd)
 {

@@ -375,8 +375,8 @@ TEST(TVOFile, ByteOrderAndFixedPointAreRefusedWithTheirMessages)
               "fixed point enabled.\n");
 }
 
-// Each row is a file the reader must refuse: result 1, an empty scene, and (where given) the text
-// the error names.
+// Each row is a file the reader must refuse: result 1, an empty scene, and an error naming the byte
+// offset and (where given) the reason.
 TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
 {
     auto withScene = [](const CBytes& scene) { return CBytes().Version().Append(scene); };
@@ -410,6 +410,11 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
     CBytes hugeCount, hugeLength;
     hugeCount.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
     hugeLength.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0); // almost 4 GiB of user data
+    CQMXTModelTVO rich;
+    tvotest::MakeRichScene(rich);
+    CBytes truncated;
+    truncated.b = Save(rich);
+    truncated.b.resize(truncated.b.size() - 100);
 
     const struct
     {
@@ -431,6 +436,7 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
         {"tiny huge count", tinyHugeCount, ""},
         {"huge count", withScene(hugeCount), "268435456 records cannot fit in the 16 bytes left"},
         {"huge length", withScene(hugeLength), "unexpected end of data (4294967280 bytes needed, 4 left)"},
+        {"truncated", truncated, ", block 2013 (node) in 1001 (scene): unexpected end of data"},
     };
     for (const auto& row : rows)
     {
@@ -440,7 +446,7 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
         EXPECT_EQ(r.nNumNode, 0u) << row.name; // a failed read leaves an empty scene
         EXPECT_EQ(r.pNode, nullptr) << row.name;
         const std::string error = ReadError(row.file.b);
-        EXPECT_NE(error, "") << row.name;
+        EXPECT_EQ(error.rfind("byte ", 0), 0u) << row.name << ": " << error; // where it went wrong
         EXPECT_NE(error.find(row.reason), std::string::npos) << row.name << ": " << error;
     }
 }
@@ -462,18 +468,6 @@ TEST(TVOFile, EveryTruncatedPrefixFailsCleanly)
     }
     CQMXTModelTVO r;
     EXPECT_EQ(Read(r, bytes), 0);
-}
-
-TEST(TVOFile, ErrorNamesTheByteOffsetAndTheBlock)
-{
-    CQMXTModelTVO s;
-    tvotest::MakeRichScene(s);
-    std::vector<uint8_t> bytes = Save(s);
-    bytes.resize(bytes.size() - 100);
-    const std::string error = ReadError(bytes);
-    EXPECT_EQ(error.rfind("byte ", 0), 0u) << error;
-    EXPECT_NE(error.find(", block 2013 (node) in 1001 (scene): "), std::string::npos) << error;
-    EXPECT_NE(error.find("unexpected end of data"), std::string::npos) << error;
 }
 
 TEST(TVOFile, WriterStopsAtTheFirstFailedWriteAndLeavesNoFile)

@@ -7,26 +7,6 @@
 
 #include "QMXTVertexData.h"
 
-TEST(VertexDataTypes, SizesAndComponentsFollowTheTable)
-{
-    const uint32_t sizes[18] = {0, 4, 4, 2, 4, 4, 4, 4, 4, 4, 1, 2, 2, 1, 1, 1, 2, 4};
-    const uint32_t comps[18] = {0, 1, 1, 1, 4, 4, 4, 4, 3, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-    for (uint32_t t = 0; t < 18; ++t)
-    {
-        EXPECT_EQ(QMXTModelTVODataTypeSize(t), sizes[t]) << t;
-        EXPECT_EQ(QMXTModelTVODataTypeComponentCount(t), comps[t]) << t;
-    }
-    EXPECT_EQ(QMXTModelTVODataTypeSize(18), 0u);
-    EXPECT_EQ(QMXTModelTVODataTypeComponentCount(1000), 0u);
-    EXPECT_STREQ(QMXTModelTVODataTypeName(12), "short, normalised");
-    EXPECT_STREQ(QMXTModelTVODataTypeName(9), "fixed 16.16");
-
-    CTVOData d;
-    d.eType = EQMXTDataShort;
-    d.n = 3;
-    EXPECT_EQ(QMXTModelTVODataStride(d), 6u);
-}
-
 // Each row writes values and compares the bytes, then nothing past them may change.
 TEST(VertexDataTypes, WritesClampScaleSaturateAndPackToGoldenBytes)
 {
