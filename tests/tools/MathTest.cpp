@@ -41,21 +41,13 @@ TEST(Math, InversesUndoTheTransformAndSingularMatricesGiveIdentity)
     QMXTMatrixRotationYF(r, 0.7f);
     QMXTMatrixTranslationF(t, 5, -6, 7);
     QMXTMatrixMultiplyF(m, QMXTMatrixMultiplyF(tmp, s, r), t);
-    QMXTMATRIXf inv, invEx, prod, id;
+    QMXTMATRIXf inv, prod, id;
     float det = 0;
     QMXTMatrixInverseF(inv, m, &det);
     EXPECT_NEAR(det, 24.0f, 1e-4f);
-    ASSERT_TRUE(QMXTMatrixInverseExF(invEx, m));
     QMXTMatrixIdentityF(id);
     ExpectMatrixNear(QMXTMatrixMultiplyF(prod, m, inv), id);
-    ExpectMatrixNear(invEx, inv);
-    QMXTVECTOR3f q, back;
-    QMXTTransformBack(back, QMXTTransform(q, {1, 2, 3}, m), m);
-    EXPECT_NEAR(back.z, 3.0f, 1e-5f);
-
     QMXTMatrixScalingF(s, 1, 0, 1);
-    EXPECT_FALSE(QMXTMatrixInverseExF(invEx, s));
-    ExpectMatrixNear(invEx, id, 0.0f);
     ExpectMatrixNear(QMXTMatrixInverseF(inv, s), id, 0.0f);
 }
 
@@ -77,11 +69,6 @@ TEST(Math, QuaternionOfAMatrixGivesTheMatrixBackInEveryBranch)
     QMXTQUATERNIONf q;
     QMXTMatrixQuaternionRotationAxisF(q, {0, 0, 1}, -0.8f);
     ExpectMatrixNear(QMXTMatrixRotationQuaternionF(a, q), QMXTMatrixRotationZF(b, 0.8f));
-    QMXTVECTOR3f axis;
-    float angle;
-    QMXTMatrixQuaternionToAxisAngleF(q, axis, angle);
-    EXPECT_NEAR(angle, 0.8f, 1e-5f);
-    EXPECT_NEAR(axis.z, -1.0f, 1e-5f);
 }
 
 TEST(Math, SlerpFollowsTheShortArcAtConstantSpeed)
@@ -96,8 +83,6 @@ TEST(Math, SlerpFollowsTheShortArcAtConstantSpeed)
     QMXTMatrixQuaternionSlerpF(r2, a, {-b.x, -b.y, -b.z, -b.w}, 0.25f);
     QMXTMATRIXf m1, m2;
     ExpectMatrixNear(QMXTMatrixRotationQuaternionF(m1, r), QMXTMatrixRotationQuaternionF(m2, r2));
-    QMXTMatrixQuaternionMultiplyF(r, b, b);
-    EXPECT_NEAR(r.y, 1.0f, 1e-6f); // two quarter turns are a half turn
 }
 
 TEST(Math, VectorsAndBoxes)
@@ -118,20 +103,4 @@ TEST(Math, VectorsAndBoxes)
     EXPECT_EQ(box.Point[0].y, -2.0f);
     EXPECT_EQ(box.Point[7].z, 9.0f);
     EXPECT_EQ(box.Point[1].x, 1.0f);
-    float inter[8] = {99, 1, 2, 3, 99, -1, 7, 0}; // positions at offset 4 of 16-byte vertices
-    QMXTBoundingBoxComputeInterleaved(box, inter, 2, 4, 16);
-    EXPECT_EQ(box.Point[0].x, -1.0f);
-    EXPECT_EQ(box.Point[7].y, 7.0f);
-
-    QMXTMATRIXf view, proj, vp;
-    QMXTMatrixLookAtRHF(view, {0, 0, 10}, {0, 0, 0}, {0, 1, 0});
-    QMXTMatrixPerspectiveFovRHF(proj, kPi / 3, 1.0f, 1.0f, 100.0f);
-    QMXTMatrixMultiplyF(vp, view, proj);
-    bool clip = true;
-    const QMXTVECTOR3f unit[2] = {{-1, -1, -1}, {1, 1, 1}}, behind[2] = {{-1, -1, 20}, {1, 1, 22}};
-    QMXTBoundingBoxCompute(box, unit, 2);
-    EXPECT_TRUE(QMXTBoundingBoxIsVisible(box, vp, clip));
-    EXPECT_FALSE(clip);
-    QMXTBoundingBoxCompute(box, behind, 2);
-    EXPECT_FALSE(QMXTBoundingBoxIsVisible(box, vp, clip));
 }

