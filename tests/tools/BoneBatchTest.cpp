@@ -30,8 +30,8 @@ struct SLayout
 struct SSkin
 {
     std::vector<uint8_t> vertices;
-    std::vector<uint32_t> bone;   // per vertex and slot, the original bone
-    std::vector<float> weight;    // per vertex and slot
+    std::vector<uint32_t> bone; // per vertex and slot, the original bone
+    std::vector<float> weight;  // per vertex and slot
 };
 
 // Vertices tagged with their number; each influence a bone of the pool, some with zero weight.
@@ -75,13 +75,14 @@ SBatched Batch(const SSkin& s, uint32_t nVertex, std::vector<uint32_t> idx, cons
     CQMXTBoneBatches batches;
     uint8_t* out = nullptr;
     r.nResult = batches.Create(&r.nVertexNum, &out, idx.data(), nVertex, s.vertices.data(), l.nStride,
-                               l.nOffsetWeight, l.eTypeWeight, l.nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3),
-                               limit, l.nBonesPerVtx);
+                               l.nOffsetWeight, l.eTypeWeight, l.nOffsetIdx, l.eTypeIdx,
+                               uint32_t(idx.size() / 3), limit, l.nBonesPerVtx);
     r.idx = idx;
     if (r.nResult == 0)
     {
         r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
-        r.bones.assign(batches.pnBatches, batches.pnBatches + size_t(batches.nBatchCnt) * batches.nBatchBoneMax);
+        r.bones.assign(batches.pnBatches,
+                       batches.pnBatches + size_t(batches.nBatchCnt) * batches.nBatchBoneMax);
         r.counts.assign(batches.pnBatchBoneCnt, batches.pnBatchBoneCnt + batches.nBatchCnt);
         r.offsets.assign(batches.pnBatchOffset, batches.pnBatchOffset + batches.nBatchCnt);
         EXPECT_EQ(batches.nBatchBoneMax, limit);
@@ -104,7 +105,8 @@ uint32_t TagOf(const SBatched& r, const SLayout& l, uint32_t v)
 }
 
 // Every output vertex's local indices lead, through its batch, back to its original bones.
-void ExpectInfluencesResolve(const SSkin& s, const SBatched& r, const SLayout& l, uint32_t limit, uint32_t nTri)
+void ExpectInfluencesResolve(const SSkin& s, const SBatched& r, const SLayout& l, uint32_t limit,
+                             uint32_t nTri)
 {
     ASSERT_FALSE(r.offsets.empty());
     EXPECT_EQ(r.offsets[0], 0u);
@@ -135,11 +137,12 @@ void ExpectInfluencesResolve(const SSkin& s, const SBatched& r, const SLayout& l
 
 TEST(BoneBatch, MatchesGoldenDigestsAndResolvesEveryInfluence)
 {
-    CGoldenDigests golden("bone-batch.txt",
-                          "# Digests of CQMXTBoneBatches output (result, indices, vertices, batch table) for the\n"
-                          "# skinned meshes of tests/tools/BoneBatchTest.cpp, one line per eight meshes. Written by\n"
-                          "# the test with OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled\n"
-                          "# the former quadratic reference implementation on these meshes.\n");
+    CGoldenDigests golden(
+        "bone-batch.txt",
+        "# Digests of CQMXTBoneBatches output (result, indices, vertices, batch table) for the\n"
+        "# skinned meshes of tests/tools/BoneBatchTest.cpp, one line per eight meshes. Written by\n"
+        "# the test with OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled\n"
+        "# the former quadratic reference implementation on these meshes.\n");
     const SLayout layouts[] = {SLayout(EQMXTDataFloat, EQMXTDataFloat, 4),
                                SLayout(EQMXTDataUnsignedByteNorm, EQMXTDataUBYTE4, 3),
                                SLayout(EQMXTDataFloat, EQMXTDataUnsignedShort, 2),
@@ -204,8 +207,9 @@ TEST(BoneBatch, RejectsBadArgumentsWithoutTouchingTheIndices)
         uint32_t n = 77;
         uint8_t* out = nullptr;
         std::vector<uint32_t> idx = r.idx;
-        EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, r.skin.vertices.data(), l.nStride, l.nOffsetWeight, r.eTypeWeight,
-                           r.nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3), 9, r.nBonesPerVtx),
+        EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, r.skin.vertices.data(), l.nStride, l.nOffsetWeight,
+                           r.eTypeWeight, r.nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3), 9,
+                           r.nBonesPerVtx),
                   CQMXTBoneBatches::eFailed);
         EXPECT_EQ(idx, r.idx);
         EXPECT_EQ(n, 77u);

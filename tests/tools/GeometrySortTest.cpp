@@ -47,8 +47,8 @@ SSorted Sort(const SIndexMesh& m, uint32_t nVtxMax, uint32_t nTriMax, uint32_t f
 {
     SSorted s{0, m.idx, TaggedVertices(m.nVertexNum), std::vector<uint32_t>(m.TriNum() + 1)};
     uint32_t nBlocks = 0;
-    s.nResult = QMXTGeometrySort(s.vertices.data(), s.idx.data(), kStride, m.nVertexNum, m.TriNum(), nVtxMax, nTriMax,
-                                 flags, &nBlocks, s.blocks.data());
+    s.nResult = QMXTGeometrySort(s.vertices.data(), s.idx.data(), kStride, m.nVertexNum, m.TriNum(), nVtxMax,
+                                 nTriMax, flags, &nBlocks, s.blocks.data());
     s.blocks.resize(nBlocks);
     return s;
 }
@@ -67,18 +67,20 @@ std::vector<uint32_t> OriginalIndices(const SSorted& s)
 // the grid, so that a candidate closes several triangles at once) under small and large block limits.
 TEST(GeometrySort, MatchesGoldenDigests)
 {
-    CGoldenDigests golden("geometry-sort.txt",
-                          "# Digests of QMXTGeometrySort output (indices, block sizes, used vertex records) for the\n"
-                          "# meshes of tests/tools/GeometrySortTest.cpp, one line a mesh. Written by the test with\n"
-                          "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
-                          "# quadratic reference implementation on these meshes.\n");
+    CGoldenDigests golden(
+        "geometry-sort.txt",
+        "# Digests of QMXTGeometrySort output (indices, block sizes, used vertex records) for the\n"
+        "# meshes of tests/tools/GeometrySortTest.cpp, one line a mesh. Written by the test with\n"
+        "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
+        "# quadratic reference implementation on these meshes.\n");
     struct SCase
     {
         uint32_t nVtx, nTri, flags;
     };
     const SCase zooCases[] = {{32, 64, 1}, {4, 1, 3}, {6, 5, 1}, {8, 12, 3}, {12, 7, 1}, {16, 30, 3}};
     const SCase bookCases[] = {{32, 64, 3}, {6, 3, 1}, {8, 5, 3}, {12, 2, 3}, {5, 7, 3}};
-    auto digest = [&](const SIndexMesh& m, const SCase& c) {
+    auto digest = [&](const SIndexMesh& m, const SCase& c)
+    {
         const SSorted s = Sort(m, c.nVtx, c.nTri, c.flags);
         ASSERT_EQ(s.nResult, 0);
         golden.Add(s.idx);

@@ -62,7 +62,7 @@ TEST(ModelTVO, SetFrameBlendsOnlyWhenAnimatedAndSaturatesOutsideTheIntegerRange)
     s.SetFrame(5.0e9f);
     s.GetTranslation(v, s.pNode[0]);
     EXPECT_EQ(v.x, 20.0f); // the last key
-    s.SetFrame(-2.0f); // integer frame 0: the keys read are the first ones
+    s.SetFrame(-2.0f);     // integer frame 0: the keys read are the first ones
     EXPECT_EQ(s.GetFrame(), -2.0f);
     s.GetTranslation(v, s.pNode[0]);
     EXPECT_EQ(v.y, 0.0f);
@@ -104,8 +104,8 @@ TEST(ModelTVO, WorldMatrixThroughParentChainAtFractionalFrames)
 
     // A matrix channel replaces the decomposed channels and is not interpolated.
     child.nAnimationFlags |= eTVOHasMatrixAnimation;
-    child.pfAnimMatrix = HeapCopy<float>({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 7, 0, 1,   //
-                                 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 9, 0, 1});
+    child.pfAnimMatrix = HeapCopy<float>({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 7, 0, 1, //
+                                          1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 9, 0, 1});
     s.SetFrame(0.75f);
     QMXTMATRIXf local;
     s.GetTransformationMatrix(local, child);
@@ -226,4 +226,3 @@ TEST(ModelTVO, SkinWeightsRoundUpToExactly255OrFailUntouched)
     EXPECT_FALSE(CQMXTModelTVO::CreateSkinIdxWeight(idx, w, 0, bones, half));
     EXPECT_EQ(std::vector<uint8_t>(w, w + 4), (std::vector<uint8_t>(4, 0)));
 }
-

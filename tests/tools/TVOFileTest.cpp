@@ -393,17 +393,20 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
         CBytes file;
         std::string reason;
     } rows[] = {
-        {"longer version", CBytes().LeafStr(1000, "AB.TVO.2.0x").Append(Scene(0)), "version block of 12 bytes"},
+        {"longer version", CBytes().LeafStr(1000, "AB.TVO.2.0x").Append(Scene(0)),
+         "version block of 12 bytes"},
         {"other version", CBytes().LeafStr(1000, "AB.TVO.1.0").Append(Scene(0)), ""},
         {"no version", Scene(0), ""},
         {"fewer nodes", withScene(Scene(2, emptyNode)), "1 nodes for a count of 2"},
         {"more nodes", withScene(Scene(1, twoNodes)), "more nodes than their count 1"},
-        {"fewer UVW", meshFile(fewerUVW), "end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"},
+        {"fewer UVW", meshFile(fewerUVW),
+         "end of block 2012 (mesh) in 1001 (scene): 1 UVW blocks for a UVW count of 2"},
         {"bad index", meshFile(badIndex), "index 5 at position 2 is not below the vertex count 3"},
         {"short stream", meshFile(shortStream), "positions: 36 bytes of data for 4 vertices of 12 bytes"},
         {"strips", meshFile(strips), "strips of 4 triangles for a face count of 3"},
         {"overlap", meshFile(overlap), "interleaved streams that overlap"},
-        {"animation", withScene(Scene(1, animated, 3)), "node 0: 6 position floats where the animation needs 9"},
+        {"animation", withScene(Scene(1, animated, 3)),
+         "node 0: 6 position floats where the animation needs 9"},
         {"tiny huge count", tinyHugeCount, ""},
         {"huge count", withScene(hugeCount), "268435456 records cannot fit in the 16 bytes left"},
         {"huge length", withScene(hugeLength), "unexpected end of data (4294967280 bytes needed, 4 left)"},

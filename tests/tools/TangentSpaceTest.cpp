@@ -70,10 +70,10 @@ SResult Generate(const std::vector<uint8_t>& data, uint32_t nVertex, std::vector
 {
     SResult r;
     uint8_t* out = nullptr;
-    r.nResult = QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(), l.nStride,
-                                               l.nOffsetPos, l.eTypePos, l.nOffsetNor, l.eTypeNor, l.nOffsetUV,
-                                               l.eTypeUV, l.nOffsetTan, l.eTypeTan, l.nOffsetBin, l.eTypeBin,
-                                               uint32_t(idx.size() / 3), split);
+    r.nResult = QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(),
+                                               l.nStride, l.nOffsetPos, l.eTypePos, l.nOffsetNor, l.eTypeNor,
+                                               l.nOffsetUV, l.eTypeUV, l.nOffsetTan, l.eTypeTan, l.nOffsetBin,
+                                               l.eTypeBin, uint32_t(idx.size() / 3), split);
     r.idx = idx;
     if (r.nResult == 0)
         r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
@@ -92,18 +92,22 @@ QMXTVECTOR3f Read(const SResult& r, const STangentLayout& l, uint32_t v, uint32_
 std::vector<SVertex> Square()
 {
     const QMXTVECTOR3f n = {0, 0, 1};
-    return {{{0, 0, 0}, n, {0, 0, 0}}, {{1, 0, 0}, n, {1, 0, 0}}, {{1, 1, 0}, n, {1, 1, 0}}, {{0, 1, 0}, n, {0, 1, 0}}};
+    return {{{0, 0, 0}, n, {0, 0, 0}},
+            {{1, 0, 0}, n, {1, 0, 0}},
+            {{1, 1, 0}, n, {1, 1, 0}},
+            {{0, 1, 0}, n, {0, 1, 0}}};
 }
 } // namespace
 
 TEST(TangentSpace, MatchesGoldenDigests)
 {
-    CGoldenDigests golden("tangent-space.txt",
-                          "# Digests of QMXTVertexGenerateTangentSpace output (result, indices, and per output vertex\n"
-                          "# its source vertex and its tangent and binormal rounded to 1/1000) for the meshes of\n"
-                          "# tests/tools/TangentSpaceTest.cpp, one line per eight meshes. Written by the test with\n"
-                          "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
-                          "# quadratic reference implementation on these meshes.\n");
+    CGoldenDigests golden(
+        "tangent-space.txt",
+        "# Digests of QMXTVertexGenerateTangentSpace output (result, indices, and per output vertex\n"
+        "# its source vertex and its tangent and binormal rounded to 1/1000) for the meshes of\n"
+        "# tests/tools/TangentSpaceTest.cpp, one line per eight meshes. Written by the test with\n"
+        "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
+        "# quadratic reference implementation on these meshes.\n");
     const STangentLayout layouts[] = {Layout(EQMXTDataFloat), Layout(EQMXTDataShortNorm),
                                       Layout(EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm)};
     std::mt19937 rng(51);
@@ -132,7 +136,8 @@ TEST(TangentSpace, MatchesGoldenDigests)
             for (uint32_t k = 0; r.nResult == 0 && k < r.nVertexNum; ++k)
             {
                 golden.Add(&r.vertices[size_t(k) * l.nStride + l.nStride - 4], 4);
-                for (const QMXTVECTOR3f& f : {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeBin)})
+                for (const QMXTVECTOR3f& f :
+                     {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeBin)})
                     for (float c : {f.x, f.y, f.z})
                         golden.AddValue(uint64_t(std::lround(c * 1000.0f)));
             }
@@ -155,12 +160,14 @@ TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
 {
     QMXTVECTOR3f t, b;
     // u along +x, v along +y on a plane facing +z.
-    QMXTVertexTangentBitangent(t, b, {0, 0, 1}, {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+    QMXTVertexTangentBitangent(t, b, {0, 0, 1}, {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, {0, 0, 0}, {1, 0, 0},
+                               {0, 1, 0});
     EXPECT_NEAR(t.x, 1.0f, 1e-6f);
     EXPECT_NEAR(b.y, 1.0f, 1e-6f);
     // A tilted normal: both vectors become perpendicular to it and to each other.
     const QMXTVECTOR3f n = {0.3f, 0.2f, 0.9f};
-    QMXTVertexTangentBitangent(t, b, n, {0, 0, 0}, {1, 0.2f, 0}, {0.1f, 1, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0});
+    QMXTVertexTangentBitangent(t, b, n, {0, 0, 0}, {1, 0.2f, 0}, {0.1f, 1, 0}, {0, 0, 0}, {1, 0, 0},
+                               {0, 1, 0});
     EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, n), 0.0f, 1e-6f);
     EXPECT_NEAR(QMXTMatrixVec3DotProductF(b, n), 0.0f, 1e-6f);
     EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, b), 0.0f, 1e-6f);
@@ -170,8 +177,8 @@ TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
     for (const QMXTVECTOR3f& normal : {QMXTVECTOR3f{0, 0, 1}, QMXTVECTOR3f{0, 0, 0}})
         for (const QMXTVECTOR3f& p1 : {QMXTVECTOR3f{1, 0, 0}, QMXTVECTOR3f{0, 0, 0}})
         {
-            QMXTVertexTangentBitangent(t, b, normal, {0, 0, 0}, p1, {0, 1, 0}, {0.5f, 0.5f, 0}, {0.5f, 0.5f, 0},
-                                       {0.5f, 0.5f, 0});
+            QMXTVertexTangentBitangent(t, b, normal, {0, 0, 0}, p1, {0, 1, 0}, {0.5f, 0.5f, 0},
+                                       {0.5f, 0.5f, 0}, {0.5f, 0.5f, 0});
             EXPECT_NEAR(QMXTMatrixVec3LengthF(t), 1.0f, 1e-5f);
             EXPECT_NEAR(QMXTMatrixVec3LengthF(b), 1.0f, 1e-5f);
         }
@@ -182,7 +189,9 @@ TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
     const STangentLayout l = Layout(EQMXTDataFloat);
     std::vector<SVertex> v(40);
     for (uint32_t i = 0; i < v.size(); ++i)
-        v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0}, {0, 0, 1}, {std::cos(i * 0.15f), std::sin(i * 0.15f), 0}};
+        v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0},
+                {0, 0, 1},
+                {std::cos(i * 0.15f), std::sin(i * 0.15f), 0}};
     v[0] = {{0, 0, 0}, {0, 0, 1}, {0, 0, 0}};
     const std::vector<uint8_t> data = Pack(v, l);
     EXPECT_EQ(Generate(data, 40, {5, 5, 7}, l, 0.0f).nResult, 1);
@@ -202,15 +211,16 @@ TEST(TangentSpace, RejectsBadArguments)
     std::vector<uint32_t> idx = {0, 1, 4};
     uint32_t n = 9;
     uint8_t* out = nullptr;
-    auto run = [&](uint32_t tanOffset, EQMXTDataType tanType) {
-        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, l.nOffsetPos, l.eTypePos,
-                                              l.nOffsetNor, l.eTypeNor, l.nOffsetUV, l.eTypeUV, tanOffset, tanType,
-                                              l.nOffsetBin, l.eTypeBin, 1, 0.0f);
+    auto run = [&](uint32_t tanOffset, EQMXTDataType tanType)
+    {
+        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, l.nOffsetPos,
+                                              l.eTypePos, l.nOffsetNor, l.eTypeNor, l.nOffsetUV, l.eTypeUV,
+                                              tanOffset, tanType, l.nOffsetBin, l.eTypeBin, 1, 0.0f);
     };
     EXPECT_EQ(run(l.nOffsetTan, l.eTypeTan), 1); // index past the vertices
     idx = {0, 1, 2};
-    EXPECT_EQ(run(l.nStride - 4, l.eTypeTan), 1);    // tangent past the record
-    EXPECT_EQ(run(l.nOffsetTan, EQMXTDataNone), 1);  // no type
+    EXPECT_EQ(run(l.nStride - 4, l.eTypeTan), 1);   // tangent past the record
+    EXPECT_EQ(run(l.nOffsetTan, EQMXTDataNone), 1); // no type
     EXPECT_EQ(n, 9u);
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(idx, (std::vector<uint32_t>{0, 1, 2}));

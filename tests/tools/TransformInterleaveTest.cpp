@@ -19,15 +19,15 @@ struct SStreamKind
 // Nine streams of mixed element sizes: positions, normals, tangents, binormals, two UVW sets,
 // colours, bone indices, bone weights.
 const SStreamKind kKinds[9] = {
-    {EQMXTDataFloat, 3, -10, 10},        {EQMXTDataShortNorm, 3, -1, 1},    {EQMXTDataByteNorm, 3, -1, 1},
-    {EQMXTDataDEC3N, 1, -1, 1},          {EQMXTDataUnsignedShort, 2, 0, 900}, {EQMXTDataUnsignedByte, 3, 0, 200},
-    {EQMXTDataRGBA, 1, 0, 1},            {EQMXTDataUnsignedByte, 4, 0, 20}, {EQMXTDataUnsignedByteNorm, 3, 0, 1},
+    {EQMXTDataFloat, 3, -10, 10}, {EQMXTDataShortNorm, 3, -1, 1},      {EQMXTDataByteNorm, 3, -1, 1},
+    {EQMXTDataDEC3N, 1, -1, 1},   {EQMXTDataUnsignedShort, 2, 0, 900}, {EQMXTDataUnsignedByte, 3, 0, 200},
+    {EQMXTDataRGBA, 1, 0, 1},     {EQMXTDataUnsignedByte, 4, 0, 20},   {EQMXTDataUnsignedByteNorm, 3, 0, 1},
 };
 
 std::vector<CTVOData*> Streams(STVOMesh& m)
 {
-    return {&m.sVertex, &m.sNormals, &m.sTangents, &m.sBinormals, &m.psUVW[0], &m.psUVW[1],
-            &m.sVtxColours, &m.sBoneIdx, &m.sBoneWeight};
+    return {&m.sVertex,  &m.sNormals,    &m.sTangents, &m.sBinormals, &m.psUVW[0],
+            &m.psUVW[1], &m.sVtxColours, &m.sBoneIdx,  &m.sBoneWeight};
 }
 
 // Fills the streams whose bit is set in mask with random values; returns each stream's bytes.
@@ -146,8 +146,8 @@ TEST(TransformDeIndex, EveryCornerGetsACopyOfItsVertex)
             m.nNumVertex = 4;
             m.sVertex = MakeStream(EQMXTDataFloat, 3, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
             m.sVtxColours = MakeStream(EQMXTDataUnsignedByte, 4, {{1}, {2}, {3}, {4}});
-            const std::vector<uint32_t> idx = strips ? std::vector<uint32_t>{0, 1, 3, 2}
-                                                     : std::vector<uint32_t>{0, 1, 2, 2, 3, 0, 3, 3, 1};
+            const std::vector<uint32_t> idx =
+                strips ? std::vector<uint32_t>{0, 1, 3, 2} : std::vector<uint32_t>{0, 1, 2, 2, 3, 0, 3, 3, 1};
             m.sFaces = MakeIndices(strips ? EQMXTDataUnsignedInt : EQMXTDataUnsignedShort, idx);
             m.nNumFaces = strips ? 2 : 3;
             if (strips)

@@ -60,11 +60,12 @@ std::vector<uint32_t> DecodeStrips(const SStrips& s)
 
 TEST(TriStrip, MatchesGoldenDigests)
 {
-    CGoldenDigests golden("tri-strip.txt",
-                          "# Digests of QMXTTriStrip (strip lengths and indices) and QMXTTriStripList output for\n"
-                          "# the meshes of tests/tools/TriStripTest.cpp, one line per eight meshes. Written by the\n"
-                          "# test with OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the\n"
-                          "# former quadratic reference implementation on these meshes.\n");
+    CGoldenDigests golden(
+        "tri-strip.txt",
+        "# Digests of QMXTTriStrip (strip lengths and indices) and QMXTTriStripList output for\n"
+        "# the meshes of tests/tools/TriStripTest.cpp, one line per eight meshes. Written by the\n"
+        "# test with OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the\n"
+        "# former quadratic reference implementation on these meshes.\n");
     for (uint32_t seed = 21; seed <= 24; ++seed)
     {
         const std::vector<SIndexMesh> zoo = MeshZoo(seed, 160, 40);

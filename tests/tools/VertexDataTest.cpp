@@ -37,11 +37,13 @@ TEST(VertexDataTypes, WritesClampScaleSaturateAndPackToGoldenBytes)
     };
     for (const SRow& r : rows)
     {
-        SCOPED_TRACE(std::string(QMXTModelTVODataTypeName(r.type)) + ", first value " + std::to_string(r.in[0]));
+        SCOPED_TRACE(std::string(QMXTModelTVODataTypeName(r.type)) + ", first value " +
+                     std::to_string(r.in[0]));
         std::vector<uint8_t> out(r.bytes.size() + 4, 0xEE);
         QMXTVertexWrite(out.data(), r.type, r.count, r.in.data());
         EXPECT_EQ(std::vector<uint8_t>(out.begin(), out.begin() + r.bytes.size()), r.bytes);
-        EXPECT_EQ(std::vector<uint8_t>(out.begin() + r.bytes.size(), out.end()), std::vector<uint8_t>(4, 0xEE));
+        EXPECT_EQ(std::vector<uint8_t>(out.begin() + r.bytes.size(), out.end()),
+                  std::vector<uint8_t>(4, 0xEE));
     }
 }
 
@@ -62,13 +64,14 @@ TEST(VertexDataTypes, ReadsScaleBackInTheirByteOrder)
         {EQMXTDataUBYTE4, 4, {255, 0, 17, 255}, {255, 0, 17, 255}},
         {EQMXTDataDEC3N, 4, {0xFF, 0x01, 0x00, 0x00}, {1, 0, 0, 1}},
         {EQMXTDataDEC3N, 3, {0x7F, 0x04, 0x18, 0x30}, {127 * d, -511 * d, -255 * d, 1}}, // sign-extended
-        {EQMXTDataUnsignedInt, 1, {0x00, 0x00, 0x00, 0xF0}, {4026531840.0f, 0, 0, 1}},  // positive above 2^31
+        {EQMXTDataUnsignedInt, 1, {0x00, 0x00, 0x00, 0xF0}, {4026531840.0f, 0, 0, 1}}, // positive above 2^31
         {EQMXTDataShortNorm, 2, {0xFF, 0x7F, 0x01, 0x80}, {1, -1, 0, 1}},
         {EQMXTDataFixed16_16, 1, {0x00, 0xC0, 0xFD, 0xFF}, {-2.25f, 0, 0, 1}},
     };
     for (const SRow& r : rows)
     {
-        SCOPED_TRACE(std::string(QMXTModelTVODataTypeName(r.type)) + " from byte " + std::to_string(r.bytes[0]));
+        SCOPED_TRACE(std::string(QMXTModelTVODataTypeName(r.type)) + " from byte " +
+                     std::to_string(r.bytes[0]));
         float v[4] = {9, 9, 9, 9};
         QMXTVertexRead(v, r.bytes.data(), r.type, r.count);
         for (int c = 0; c < 4; ++c)
