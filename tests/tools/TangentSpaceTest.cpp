@@ -87,16 +87,6 @@ QMXTVECTOR3f Read(const SResult& r, const STangentLayout& l, uint32_t v, uint32_
     QMXTVertexRead(f, &r.vertices[size_t(v) * l.nStride + offset], type, 3);
     return {f[0], f[1], f[2]};
 }
-
-// A unit square in the xy plane facing +z, split along 0-2; UV = position unless mirrored.
-std::vector<SVertex> Square()
-{
-    const QMXTVECTOR3f n = {0, 0, 1};
-    return {{{0, 0, 0}, n, {0, 0, 0}},
-            {{1, 0, 0}, n, {1, 0, 0}},
-            {{1, 1, 0}, n, {1, 1, 0}},
-            {{0, 1, 0}, n, {0, 1, 0}}};
-}
 } // namespace
 
 TEST(TangentSpace, MatchesGoldenDigests)
@@ -207,7 +197,7 @@ TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 TEST(TangentSpace, RejectsBadArguments)
 {
     const STangentLayout l = Layout(EQMXTDataFloat);
-    const std::vector<uint8_t> data = Pack(Square(), l);
+    const std::vector<uint8_t> data = Pack(std::vector<SVertex>(4), l);
     std::vector<uint32_t> idx = {0, 1, 4};
     uint32_t n = 9;
     uint8_t* out = nullptr;
