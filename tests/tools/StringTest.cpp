@@ -36,6 +36,8 @@ TEST(String, EditsIncludingWithItsOwnTextAndClampsPositions)
     EXPECT_TRUE(CQMXTString("ab") < CQMXTString("abc"));
     EXPECT_TRUE(CQMXTString("a\0b", 3) > CQMXTString("a\0a", 3));
     EXPECT_FALSE(CQMXTString("a\0b", 3) == "a");
+    s = nullptr;
+    EXPECT_TRUE(s.empty());
 }
 
 TEST(String, FindFamilies)
@@ -86,8 +88,11 @@ TEST(String, SplitsPaths)
         {"/home/u.v1/scene", "/home/u.v1/", "scene", ""},
         {"/home/u.v1/", "/home/u.v1/", "", ""},
         {"C:\\maps\\wood.grain.png", "C:\\maps\\", "wood.grain.png", "png"},
+        {"scene.TVO", "", "scene.TVO", "TVO"},
         {"/a/.profile", "/a/", ".profile", ""},
+        {"/a/.hidden.txt", "/a/", ".hidden.txt", "txt"},
         {"name.", "", "name.", ""},
+        {"/", "/", "", ""},
         {"", "", "", ""},
     };
     for (const Case& c : cases)
@@ -96,5 +101,6 @@ TEST(String, SplitsPaths)
         EXPECT_STREQ(QMXTStringGetContainingDirectoryPath(p).c_str(), c.dir) << c.path;
         EXPECT_STREQ(QMXTStringGetFileName(p).c_str(), c.name) << c.path;
         EXPECT_STREQ(QMXTStringGetFileExtension(p).c_str(), c.ext) << c.path;
+        EXPECT_EQ(QMXTStringGetContainingDirectoryPath(p) + QMXTStringGetFileName(p), p) << c.path;
     }
 }

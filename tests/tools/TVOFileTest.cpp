@@ -168,6 +168,7 @@ TEST(TVOFile, InterleavedStreamWithoutComponentsCarriesNoOffset)
     EXPECT_EQ(Save(r2), again);
 }
 
+// The values read back, including those a symmetric omission in writer and reader would lose.
 TEST(TVOFile, ReadRestoresTheSceneValues)
 {
     CQMXTModelTVO s;
