@@ -1,15 +1,12 @@
 // Resource files and the memory file system: disk reads, the read path, memory fall-back, registration
-// (copied or not), lookup order, the release at exit and scenes read by name from memory.
+// (copied or not), lookup order and the release at exit.
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <string>
 
 #include "QMXTMemoryFileSystem.h"
-#include "QMXTModelTVO.h"
 #include "QMXTResourceFile.h"
-#include "QMXTSink.h"
-#include "TVOTestScenes.h"
 
 namespace
 {
@@ -101,24 +98,4 @@ TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
     }
     EXPECT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), 0u);
     EXPECT_FALSE(CQMXTMemoryFileSystem::GetFile("mfs-copied.bin"));
-}
-
-TEST(MemoryFileSystem, RegisteredSceneLoadsByNameLikeADiskFile)
-{
-    CQMXTModelTVO s;
-    tvotest::MakeRichScene(s);
-    CSinkMemory sink;
-    ASSERT_EQ(s.SaveTVO(sink, "opt=1\n", nullptr), 0);
-    // Registered under its base name, as generated source does (copied here, since the bytes are local).
-    ASSERT_TRUE(CQMXTMemoryFileSystem::RegisterMemoryFile("mfs-embedded.tvo", sink.Data().data(),
-                                                          static_cast<uint32_t>(sink.Data().size()), true));
-    CQMXTModelTVO fromMemory;
-    char options[16] = {};
-    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo", options, sizeof options), 0);
-    EXPECT_STREQ(options, "opt=1\n");
-    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo"), 0);
-    CSinkMemory again;
-    ASSERT_EQ(fromMemory.SaveTVO(again, "opt=1\n", nullptr), 0);
-    EXPECT_EQ(again.Data(), sink.Data());
-    EXPECT_EQ(fromMemory.ReadFromFile("mfs-absent.tvo"), 1);
 }
