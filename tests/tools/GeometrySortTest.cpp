@@ -1,5 +1,5 @@
-// Vertex-cache triangle order: golden output digests, block limits, kept triangles,
-// packing of small pieces, renumbering and bad arguments.
+// Vertex-cache triangle order: golden output digests, block limits, kept triangles (also under no
+// triangle limit), renumbering and bad arguments.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -47,8 +47,8 @@ SSorted Sort(const SIndexMesh& m, uint32_t nVtxMax, uint32_t nTriMax, uint32_t f
 {
     SSorted s{0, m.idx, TaggedVertices(m.nVertexNum), std::vector<uint32_t>(m.TriNum() + 1)};
     uint32_t nBlocks = 0;
-    s.nResult = QMXTGeometrySort(s.vertices.data(), s.idx.data(), kStride, m.nVertexNum, m.TriNum(), nVtxMax, nTriMax,
-                                 flags, &nBlocks, s.blocks.data());
+    s.nResult = QMXTGeometrySort(s.vertices.data(), s.idx.data(), kStride, m.nVertexNum, m.TriNum(), nVtxMax,
+                                 nTriMax, flags, &nBlocks, s.blocks.data());
     s.blocks.resize(nBlocks);
     return s;
 }
@@ -67,18 +67,20 @@ std::vector<uint32_t> OriginalIndices(const SSorted& s)
 // the grid, so that a candidate closes several triangles at once) under small and large block limits.
 TEST(GeometrySort, MatchesGoldenDigests)
 {
-    CGoldenDigests golden("geometry-sort.txt",
-                          "# Digests of QMXTGeometrySort output (indices, block sizes, used vertex records) for the\n"
-                          "# meshes of tests/tools/GeometrySortTest.cpp, one line a mesh. Written by the test with\n"
-                          "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
-                          "# quadratic reference implementation on these meshes.\n");
+    CGoldenDigests golden(
+        "geometry-sort.txt",
+        "# Digests of QMXTGeometrySort output (indices, block sizes, used vertex records) for the\n"
+        "# meshes of tests/tools/GeometrySortTest.cpp, one line a mesh. Written by the test with\n"
+        "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
+        "# quadratic reference implementation on these meshes.\n");
     struct SCase
     {
         uint32_t nVtx, nTri, flags;
     };
     const SCase zooCases[] = {{32, 64, 1}, {4, 1, 3}, {6, 5, 1}, {8, 12, 3}, {12, 7, 1}, {16, 30, 3}};
     const SCase bookCases[] = {{32, 64, 3}, {6, 3, 1}, {8, 5, 3}, {12, 2, 3}, {5, 7, 3}};
-    auto digest = [&](const SIndexMesh& m, const SCase& c) {
+    auto digest = [&](const SIndexMesh& m, const SCase& c)
+    {
         const SSorted s = Sort(m, c.nVtx, c.nTri, c.flags);
         ASSERT_EQ(s.nResult, 0);
         golden.Add(s.idx);
@@ -127,6 +129,8 @@ TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
     meshes.push_back(DamagedGrid(rng, 50, 20));
     for (const SIndexMesh& m : meshes)
     {
+        // A triangle limit far beyond the mesh needs no memory by that limit.
+        EXPECT_EQ(WindingKeys(Sort(m, 32, UINT32_MAX, 3).idx), WindingKeys(m.idx)) << m.sName;
         const SSorted s = Sort(m, 32, 64, 3);
         ASSERT_EQ(s.nResult, 0);
         EXPECT_EQ(WindingKeys(s.idx), WindingKeys(m.idx)) << m.sName;
@@ -141,58 +145,6 @@ TEST(GeometrySort, KeepsEveryTriangleOnceWithinTheBlockLimits)
         }
         EXPECT_EQ(total, m.TriNum()) << m.sName;
     }
-}
-
-TEST(GeometrySort, SmallShapesKeepTheirTriangles)
-{
-    // One triangle, a quad in both windings of its second triangle.
-    for (const std::vector<uint32_t>& idx : {std::vector<uint32_t>{2, 0, 1}, std::vector<uint32_t>{0, 1, 2, 2, 1, 3},
-                                             std::vector<uint32_t>{0, 1, 2, 1, 2, 3}})
-    {
-        SIndexMesh m;
-        m.idx = idx;
-        m.nVertexNum = 4;
-        const SSorted s = Sort(m, 32, 64, 3);
-        EXPECT_EQ(WindingKeys(s.idx), WindingKeys(idx));
-        EXPECT_EQ(s.blocks, std::vector<uint32_t>{m.TriNum()});
-    }
-    // A triangle limit far beyond the mesh needs no memory by that limit.
-    const SIndexMesh grid = Grid(5, 4);
-    const SSorted unlimited = Sort(grid, 32, UINT32_MAX, 3);
-    ASSERT_EQ(unlimited.nResult, 0);
-    EXPECT_EQ(WindingKeys(unlimited.idx), WindingKeys(grid.idx));
-    SIndexMesh one;
-    one.idx = {2, 0, 1};
-    one.nVertexNum = 3;
-    EXPECT_EQ(Sort(one, 32, 64, 3).idx, one.idx);
-}
-
-TEST(GeometrySort, PacksSmallPiecesWholeIntoBlocks)
-{
-    // Twenty pieces of 3 to 31 vertices: each piece's triangles end up in a single block.
-    std::mt19937 rng(3);
-    std::vector<SIndexMesh> parts;
-    for (uint32_t k = 0; k < 20; ++k)
-        parts.push_back(k % 3 == 0 ? Fan(1 + k) : k % 3 == 1 ? Grid(1 + k % 4, 1 + k % 3) : Strip(1 + k));
-    const SIndexMesh m = Concatenate(parts, &rng);
-    std::vector<uint32_t> pieceOf(m.nVertexNum);
-    for (uint32_t p = 0, base = 0; p < parts.size(); base += parts[p].nVertexNum, ++p)
-    {
-        ASSERT_LE(parts[p].nVertexNum, 31u);
-        std::fill(pieceOf.begin() + base, pieceOf.begin() + base + parts[p].nVertexNum, p);
-    }
-    const SSorted s = Sort(m, 32, 64, 3);
-    std::vector<int> blockOfPiece(parts.size(), -1);
-    uint32_t t = 0;
-    for (size_t b = 0; b < s.blocks.size(); ++b)
-        for (uint32_t k = 0; k < s.blocks[b]; ++k, ++t)
-        {
-            int& owner = blockOfPiece[pieceOf[s.idx[t * 3]]];
-            if (owner < 0)
-                owner = int(b);
-            EXPECT_EQ(owner, int(b)) << "piece split over blocks";
-        }
-    EXPECT_LT(s.blocks.size(), parts.size());
 }
 
 TEST(GeometrySort, RenumbersVerticesByFirstUse)

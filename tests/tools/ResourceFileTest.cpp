@@ -3,14 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 #include "QMXTMemoryFileSystem.h"
-#include "QMXTModelTVO.h"
 #include "QMXTResourceFile.h"
-#include "QMXTSink.h"
-#include "TVOTestScenes.h"
 
 namespace
 {
@@ -64,29 +60,6 @@ TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFile)
     std::remove((dir + "res-empty.bin").c_str());
 }
 
-TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
-{
-    static int releases = 0;
-    static const char bytes[] = "custom";
-    CQMXTResourceFile::SetLoadReleaseFunctions(
-        [](const char* path, const void** data, uint32_t* size) -> void*
-        {
-            if (std::strcmp(path, "custom.bin") != 0)
-                return nullptr;
-            *data = bytes;
-            *size = 6;
-            return const_cast<char*>(bytes);
-        },
-        [](void* handle) { releases += handle == bytes; });
-    {
-        CQMXTResourceFile f("custom.bin");
-        EXPECT_TRUE(f.IsOpen());
-        EXPECT_EQ(Contents(f), "custom");
-    }
-    EXPECT_EQ(releases, 1);
-    CQMXTResourceFile::SetLoadReleaseFunctions(nullptr, nullptr);
-}
-
 TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
 {
     const uint32_t before = CQMXTMemoryFileSystem::GetNumFiles();
@@ -125,30 +98,4 @@ TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
     }
     EXPECT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), 0u);
     EXPECT_FALSE(CQMXTMemoryFileSystem::GetFile("mfs-copied.bin"));
-}
-
-TEST(MemoryFileSystem, RegisteredSceneLoadsByNameLikeADiskFile)
-{
-    CQMXTModelTVO s;
-    tvotest::MakeRichScene(s);
-    const std::string disk = testing::TempDir() + "mfs-scene.tvo";
-    ASSERT_EQ(s.SaveTVO(disk.c_str(), "opt=1\n", nullptr), 0);
-    CSinkMemory sink;
-    ASSERT_EQ(s.SaveTVO(sink, "opt=1\n", nullptr), 0);
-    // Registered under its base name, as generated source does (copied here, since the bytes are local).
-    ASSERT_TRUE(CQMXTMemoryFileSystem::RegisterMemoryFile("mfs-embedded.tvo", sink.Data().data(),
-                                                          static_cast<uint32_t>(sink.Data().size()), true));
-
-    CQMXTModelTVO fromDisk, fromMemory;
-    ASSERT_EQ(fromDisk.ReadFromFile(disk.c_str()), 0);
-    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo"), 0);
-    CSinkMemory a, b;
-    ASSERT_EQ(fromDisk.SaveTVO(a), 0);
-    ASSERT_EQ(fromMemory.SaveTVO(b), 0);
-    EXPECT_EQ(a.Data(), b.Data());
-    char options[16] = {};
-    ASSERT_EQ(fromMemory.ReadFromFile("mfs-embedded.tvo", options, sizeof options), 0);
-    EXPECT_STREQ(options, "opt=1\n");
-    EXPECT_EQ(fromMemory.ReadFromFile("mfs-absent.tvo"), 1);
-    std::remove(disk.c_str());
 }

@@ -94,23 +94,6 @@ TEST(TransformStrips, AStripNeverCrossesABoneBatch)
     EXPECT_EQ(HardwareStripTriangles(ReadIndices(m), Lengths(m)), ListTriangles(Band(6)));
 }
 
-TEST(TransformStrips, StripsToListToStripsKeepsEveryTriangleWithItsWinding)
-{
-    SMeshHolder h;
-    STVOMesh& m = h.mesh();
-    SetList(m, {5, 6, 7, 8, 9, 10, 1, 2, 3, 4});
-    m.nNumFaces = 6;
-    m.nNumStrips = 2;
-    m.pnStripLength = HeapCopy(std::vector<uint32_t>{4, 2});
-    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
-    const std::vector<Tri> list = ListTriangles(ReadIndices(m));
-    ASSERT_EQ(list.size(), 6u);
-    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
-    EXPECT_EQ(HardwareStripTriangles(ReadIndices(m), Lengths(m)), list);
-    ASSERT_EQ(QMXTModelTVOToggleStrips(m), 0);
-    EXPECT_EQ(ListTriangles(ReadIndices(m)), list);
-}
-
 TEST(TransformStrips, BadInputFails)
 {
     SMeshHolder h;
