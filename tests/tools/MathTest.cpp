@@ -103,4 +103,43 @@ TEST(Math, VectorsAndBoxes)
     EXPECT_EQ(box.Point[0].y, -2.0f);
     EXPECT_EQ(box.Point[7].z, 9.0f);
     EXPECT_EQ(box.Point[1].x, 1.0f);
+    const float inter[8] = {99, 1, 2, 3, 99, -1, 7, 0}; // positions at offset 4 of 16-byte vertices
+    QMXTBoundingBoxComputeInterleaved(box, inter, 2, 4, 16);
+    EXPECT_EQ(box.Point[0].x, -1.0f);
+    EXPECT_EQ(box.Point[7].y, 7.0f);
+
+    // A unit box ten units in front of the camera is visible inside the frustum; one behind it is not.
+    QMXTMATRIXf view, proj, vp;
+    QMXTMatrixLookAtRHF(view, {0, 0, 10}, {0, 0, 0}, {0, 1, 0});
+    QMXTMatrixPerspectiveFovRHF(proj, kPi / 3, 1.0f, 1.0f, 100.0f);
+    QMXTMatrixMultiplyF(vp, view, proj);
+    const QMXTVECTOR3f inside[2] = {{-1, -1, -1}, {1, 1, 1}}, behind[2] = {{-1, -1, 20}, {1, 1, 22}};
+    bool clip = true;
+    EXPECT_TRUE(QMXTBoundingBoxIsVisible(QMXTBoundingBoxCompute(box, inside, 2), vp, clip));
+    EXPECT_FALSE(clip);
+    EXPECT_FALSE(QMXTBoundingBoxIsVisible(QMXTBoundingBoxCompute(box, behind, 2), vp, clip));
+}
+
+TEST(Math, GeneralInverseTransformBackAndAxisAngle)
+{
+    QMXTMATRIXf s, r, m, inv, invEx, id;
+    QMXTMatrixMultiplyF(m, QMXTMatrixScalingF(s, 2, 3, 4), QMXTMatrixRotationYF(r, 0.7f));
+    m[12] = 5;
+    ASSERT_TRUE(QMXTMatrixInverseExF(invEx, m));
+    ExpectMatrixNear(invEx, QMXTMatrixInverseF(inv, m));
+    QMXTVECTOR3f q, back;
+    QMXTTransformBack(back, QMXTTransform(q, {1, 2, 3}, m), m);
+    EXPECT_NEAR(back.z, 3.0f, 1e-5f);
+    EXPECT_FALSE(QMXTMatrixInverseExF(invEx, QMXTMatrixScalingF(s, 1, 0, 1)));
+    ExpectMatrixNear(invEx, QMXTMatrixIdentityF(id), 0.0f);
+
+    QMXTQUATERNIONf a, twice;
+    QMXTMatrixQuaternionRotationAxisF(a, {0, 1, 0}, kPi / 2);
+    QMXTMatrixQuaternionMultiplyF(twice, a, a);
+    EXPECT_NEAR(twice.y, 1.0f, 1e-6f); // two quarter turns are a half turn
+    QMXTVECTOR3f axis;
+    float angle;
+    QMXTMatrixQuaternionToAxisAngleF(a, axis, angle);
+    EXPECT_NEAR(angle, kPi / 2, 1e-5f);
+    EXPECT_NEAR(axis.y, 1.0f, 1e-5f);
 }

@@ -99,3 +99,25 @@ TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
     EXPECT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), 0u);
     EXPECT_FALSE(CQMXTMemoryFileSystem::GetFile("mfs-copied.bin"));
 }
+
+TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
+{
+    static int releases = 0;
+    static const char bytes[] = "custom";
+    CQMXTResourceFile::SetLoadReleaseFunctions(
+        [](const char* path, const void** data, uint32_t* size) -> void*
+        {
+            if (std::string(path) != "custom.bin")
+                return nullptr;
+            *data = bytes;
+            *size = 6;
+            return const_cast<char*>(bytes);
+        },
+        [](void* handle) { releases += handle == bytes; });
+    {
+        CQMXTResourceFile f("custom.bin");
+        EXPECT_EQ(Contents(f), "custom");
+    }
+    EXPECT_EQ(releases, 1);
+    CQMXTResourceFile::SetLoadReleaseFunctions(nullptr, nullptr);
+}

@@ -104,3 +104,32 @@ TEST(String, SplitsPaths)
         EXPECT_EQ(QMXTStringGetContainingDirectoryPath(p) + QMXTStringGetFileName(p), p) << c.path;
     }
 }
+
+TEST(String, SubstitutesWalksOccurrencesAndStripsWhiteSpace)
+{
+    CQMXTString s("a-b-c");
+    EXPECT_STREQ(s.substitute('-', '/').c_str(), "a/b-c");
+    EXPECT_STREQ(s.substitute('-', '/', true).toUpper().c_str(), "A/B/C");
+    s = "x.y.x.y";
+    EXPECT_EQ(s.substitute("x", "xx", true), 0); // inserted text is not searched again
+    EXPECT_STREQ(s.c_str(), "xx.y.xx.y");
+    s = "aaa";
+    EXPECT_EQ(s.substitute("aa", "b", true), 0);
+    EXPECT_STREQ(s.c_str(), "ba");
+
+    s = "a,,b,c";
+    std::string walked;
+    for (size_t p = s.find_next_occurance_of(',', CQMXTString::npos); p != CQMXTString::npos;
+         p = s.find_next_occurance_of(',', p))
+        walked += std::to_string(p);
+    EXPECT_EQ(walked, "124");
+    EXPECT_EQ(s.find_previous_occurance_of(',', 4), 2u);
+    EXPECT_EQ(s.find_first_ofn(",", 3), 4u);
+    EXPECT_EQ(s.find_first_ofn(",", 4), CQMXTString::npos);
+
+    s = " \t key = value \v\f\n";
+    EXPECT_STREQ(QMXTStringStripWhiteSpaceFromEndOf(QMXTStringStripWhiteSpaceFromStartOf(s)).c_str(),
+                 "key = value");
+    s = " \t \n";
+    EXPECT_TRUE(QMXTStringStripWhiteSpaceFromEndOf(s).empty());
+}
