@@ -85,7 +85,7 @@ TEST(ConsoleSink, EachVerbosityShowsItsLevelsOneLineAMessage)
             << "terminal " << row.terminal << ", verbosity " << row.verbosity;
 }
 
-TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsTheBar)
+TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsAndEndsTheBar)
 {
     const std::string out = RunScript(true, eVerbosityNormal);
     EXPECT_NE(out.find("\033[32mExported\033[0m\n"), std::string::npos);
@@ -99,15 +99,11 @@ TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsTheBar)
     EXPECT_NE(out.find("\r\033[K[############------------------]  40% Export stage 2"), std::string::npos);
     EXPECT_NE(out.find("\r\033[K[##############################] 100% Complete\n"), std::string::npos);
     EXPECT_EQ(out.back(), '\n');
-}
 
-TEST(ConsoleSink, OpenBarLineIsEndedWhenTheSinkGoes)
-{
-    CMemoryStream stream;
+    CMemoryStream stream; // an open bar line is ended when the sink goes
     {
         CConsoleSink sink(stream.File(), true, eVerbosityNormal);
         sink.OnProgress(75, "Final export stage");
     }
-    const std::string out = stream.Text();
-    EXPECT_EQ(out, "\r\033[K[######################--------]  75% Final export stage\n");
+    EXPECT_EQ(stream.Text(), "\r\033[K[######################--------]  75% Final export stage\n");
 }
