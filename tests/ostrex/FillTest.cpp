@@ -6,7 +6,9 @@
 #include <assimp/material.h>
 #include <assimp/texture.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 #include <set>
 #include <cstring>
 
@@ -18,6 +20,104 @@
 
 namespace
 {
+// Appends an item to an array the importer's structures own (allocated with new[], count entries).
+template <class T> void Append(T*& array, unsigned& count, T item)
+{
+    T* grown = new T[count + 1];
+    std::copy(array, array + count, grown);
+    grown[count++] = item;
+    delete[] array;
+    array = grown;
+}
+
+// Builds an aiScene; the scene owns everything added.
+class CSceneKit
+{
+  public:
+    CSceneKit() : m_scene(new aiScene) { m_scene->mRootNode = new aiNode("Root"); }
+    aiScene& Scene() { return *m_scene; }
+    aiNode* Root() { return m_scene->mRootNode; }
+    aiMesh& Mesh(unsigned i) { return *m_scene->mMeshes[i]; }
+
+    aiNode* AddNode(aiNode* parent, const std::string& name, const aiMatrix4x4& local = aiMatrix4x4())
+    {
+        aiNode* node = new aiNode(name);
+        node->mTransformation = local;
+        node->mParent = parent;
+        Append(parent->mChildren, parent->mNumChildren, node);
+        return node;
+    }
+    // A mesh of the given vertices and faces (each face a list of vertex indices); returns its index.
+    unsigned AddMesh(const std::vector<aiVector3D>& vertices, const std::vector<std::vector<unsigned>>& faces,
+                     unsigned material = 0)
+    {
+        aiMesh* mesh = new aiMesh;
+        mesh->mNumVertices = static_cast<unsigned>(vertices.size());
+        mesh->mVertices = new aiVector3D[vertices.size()];
+        std::copy(vertices.begin(), vertices.end(), mesh->mVertices);
+        mesh->mNumFaces = static_cast<unsigned>(faces.size());
+        mesh->mFaces = new aiFace[faces.size()];
+        for (size_t f = 0; f < faces.size(); ++f)
+        {
+            mesh->mFaces[f].mNumIndices = static_cast<unsigned>(faces[f].size());
+            mesh->mFaces[f].mIndices = new unsigned[faces[f].size()];
+            std::copy(faces[f].begin(), faces[f].end(), mesh->mFaces[f].mIndices);
+        }
+        mesh->mMaterialIndex = material;
+        mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE;
+        Append(m_scene->mMeshes, m_scene->mNumMeshes, mesh);
+        return m_scene->mNumMeshes - 1;
+    }
+    void AttachMesh(aiNode* node, unsigned mesh) { Append(node->mMeshes, node->mNumMeshes, mesh); }
+    void AddMaterial(aiMaterial* material) { Append(m_scene->mMaterials, m_scene->mNumMaterials, material); }
+    aiLight& AddLight(const std::string& node, aiLightSourceType type)
+    {
+        aiLight* light = new aiLight;
+        light->mName = node;
+        light->mType = type;
+        Append(m_scene->mLights, m_scene->mNumLights, light);
+        return *light;
+    }
+    aiCamera& AddCamera(const std::string& node)
+    {
+        aiCamera* camera = new aiCamera;
+        camera->mName = node;
+        Append(m_scene->mCameras, m_scene->mNumCameras, camera);
+        return *camera;
+    }
+    aiAnimation& AddAnimation(const std::string& name, double duration, double ticksPerSecond)
+    {
+        aiAnimation* anim = new aiAnimation;
+        anim->mName = name;
+        anim->mDuration = duration;
+        anim->mTicksPerSecond = ticksPerSecond;
+        Append(m_scene->mAnimations, m_scene->mNumAnimations, anim);
+        return *anim;
+    }
+    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node)
+    {
+        aiNodeAnim* channel = new aiNodeAnim;
+        channel->mNodeName = node;
+        Append(anim.mChannels, anim.mNumChannels, channel);
+        return *channel;
+    }
+    void AddBone(unsigned mesh, const std::string& node, const aiMatrix4x4& offset,
+                 const std::vector<std::pair<unsigned, float>>& weights)
+    {
+        aiBone* bone = new aiBone;
+        bone->mName = node;
+        bone->mOffsetMatrix = offset;
+        bone->mNumWeights = static_cast<unsigned>(weights.size());
+        bone->mWeights = new aiVertexWeight[weights.size()];
+        for (size_t i = 0; i < weights.size(); ++i)
+            bone->mWeights[i] = aiVertexWeight(weights[i].first, weights[i].second);
+        Append(Mesh(mesh).mBones, Mesh(mesh).mNumBones, bone);
+    }
+
+  private:
+    std::unique_ptr<aiScene> m_scene;
+};
+
 const float kPi = 3.14159265f;
 
 aiMatrix4x4 TRS(const aiVector3D& t, const aiQuaternion& r = aiQuaternion(), const aiVector3D& s = {1, 1, 1})
@@ -139,8 +239,6 @@ TEST(AssimpFill, MeshesBecomeIndexedTrianglesWithChannelsColoursAndMaterialIds)
     EXPECT_EQ(g.faces[1].material, 0);
     EXPECT_EQ(g.faces[2].material, 1);
     EXPECT_EQ(content.materials[1].name, "Second");
-    for (const SFace& f : g.faces)
-        EXPECT_EQ(f.group, -1);
     // Colours: the quad's corners point at their colours, the triangle has none.
     ASSERT_EQ(g.colours.size(), 4u);
     EXPECT_EQ(g.colours[g.faces[1].colour[2]].w, 0.5f);
@@ -282,7 +380,7 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndJoints)
     kit.AddMaterial(new aiMaterial);
     // Offsets: mesh space to bone space at the bind pose (globals before animation).
     auto offset = [&](const char* bone)
-    { return aiMatrix4x4(GlobalOf(FindNode(kit.Scene(), bone))).Inverse() * GlobalOf(arm); };
+    { return aiMatrix4x4(GlobalOf(kit.Root()->FindNode(bone))).Inverse() * GlobalOf(arm); };
     kit.AddBone(mesh, "B1", offset("B1"), {{0, 1.0f}, {2, 0.5f}, {4, 0.1f}});
     kit.AddBone(mesh, "B2", offset("B2"), {{1, 1.0f}, {2, 0.5f}, {4, 0.3f}});
     kit.AddBone(mesh, "B3", offset("B3"), {{4, 0.05f}});
@@ -363,90 +461,34 @@ TEST(AssimpFill, SkinNamingAMissingJointIsReportedAndLeftOut)
     EXPECT_EQ(body.geom.positions[1].x, 1.0f);
 }
 
-TEST(AssimpFill, LightsGiveTheImportersPositionDirectionAndSettings)
+TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
 {
     CSceneKit kit;
     aiNode* rig = kit.AddNode(kit.Root(), "Rig", TRS({1, 2, 3}, Turn({0, 1, 0}, 0.7f), {2, 2, 2}));
-    kit.AddNode(rig, "Lamp", TRS({0, 1, 0}));
-    kit.AddNode(kit.Root(), "Spot", TRS({4, 0, 0}, Turn({1, 0, 1}, 1.3f)));
+    const aiNode* lampNode = kit.AddNode(rig, "Lamp", TRS({0, 1, 0}));
+    const aiNode* spotNode = kit.AddNode(kit.Root(), "Spot", TRS({4, 0, 0}, Turn({1, 0, 1}, 1.3f)));
     kit.AddNode(kit.Root(), "Spot.Target", TRS({9, 9, 9}));
-    aiNode* sun = kit.AddNode(kit.Root(), "Sun", TRS({0, 10, 0}, Turn({1, 0, 0}, -0.4f)));
-    kit.AttachMesh(sun, Triangle(kit));
+    aiNode* sunNode = kit.AddNode(kit.Root(), "Sun", TRS({0, 10, 0}, Turn({1, 0, 0}, -0.4f)));
+    kit.AttachMesh(sunNode, Triangle(kit));
+    const aiNode* camNode = kit.AddNode(rig, "Cam", TRS({1, 0, 0}, Turn({0, 1, 0}, 0.5f)));
+    kit.AddNode(kit.AddNode(kit.Root(), "Eye", TRS({0, 2, 0})), "Lens");
+    kit.AddNode(kit.Root(), "Eye.Target", TRS({0, 0, -4}));
+    kit.AddNode(kit.Root(), "Flat");
     kit.AddMaterial(new aiMaterial);
     aiLight& lamp = kit.AddLight("Lamp", aiLightSource_POINT);
     lamp.mPosition = {0.5f, 0, 0};
-    lamp.mDirection = {0, 0, -1};
     lamp.mAttenuationLinear = 0; // no falloff at all
     lamp.mColorDiffuse = {1, 0.5f, 0.25f};
     aiLight& spot = kit.AddLight("Spot", aiLightSource_SPOT);
     spot.mDirection = {1, 0, 0};
-    spot.mUp = {0, 0, 0};
+    spot.mUp = {0, 0, 0}; // no usable up
     spot.mAngleOuterCone = 0.8f;
     spot.mAttenuationConstant = 1;
     spot.mAttenuationLinear = 0.1f;
-    spot.mAttenuationQuadratic = 0.01f;
-    aiLight& sunLight = kit.AddLight("Sun", aiLightSource_DIRECTIONAL);
-    sunLight.mDirection = {0, -1, 0};
-    sunLight.mUp = {0, 0, 1};
+    kit.AddLight("Sun", aiLightSource_DIRECTIONAL).mDirection = {0, -1, 0};
     kit.AddLight("Sky", aiLightSource_AMBIENT).mColorAmbient = {0.1f, 0.2f, 0.3f};
     kit.AddLight("Panel", aiLightSource_AREA);
     kit.AddLight("Orphan", aiLightSource_POINT);
-
-    CRecordingLogSink log;
-    const SContent content = Fill(kit);
-    EXPECT_TRUE(log.Has(
-        eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
-    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Orphan' has no node; it is not exported."));
-    EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
-
-    CBuiltScene built(content);
-    ASSERT_TRUE(built.Ok());
-    int lights = 0;
-    for (size_t i = 0; i < content.nodes.size(); ++i)
-    {
-        const CNode& n = content.nodes[i];
-        if (n.type != eNodeLight)
-            continue;
-        ++lights;
-        const aiLight& src = n.name == "Lamp" ? lamp : (n.name == "Spot" ? spot : sunLight);
-        const aiMatrix4x4 g = GlobalOf(FindNode(kit.Scene(), n.name));
-        QMXTVECTOR3f pos, dir;
-        ASSERT_TRUE(built.Light(n.name, pos, dir)) << n.name;
-        ExpectVecNear(pos, g * src.mPosition, 1e-4f, n.name + " position");
-        ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(g) * src.mDirection), 1e-5f, n.name + " direction");
-    }
-    EXPECT_EQ(lights, 3);
-    const CNode& lampNode = content.nodes[ContentIndex(content, "Lamp")];
-    EXPECT_EQ(lampNode.type, eNodeLight); // a leaf: the node itself
-    EXPECT_EQ(lampNode.light.lightType, eTVOLightPoint);
-    EXPECT_EQ(lampNode.light.colour[1], 0.5f);
-    EXPECT_EQ(lampNode.light.constantAttenuation, 1.0f); // the file had no falloff at all
-    const CNode& spotNode = content.nodes[ContentIndex(content, "Spot")];
-    EXPECT_EQ(spotNode.light.lightType, eTVOLightSpot);
-    EXPECT_EQ(spotNode.light.falloffAngle, 0.8f);
-    EXPECT_EQ(spotNode.light.linearAttenuation, 0.1f);
-    EXPECT_EQ(spotNode.light.target, ContentIndex(content, "Spot.Target"));
-    // A light on a mesh node is a child of it, named after the light.
-    const int sunMesh = ContentIndex(content, "Sun");
-    EXPECT_EQ(content.nodes[sunMesh].type, eNodeMesh);
-    const int sunLightNode = ChildOfType(content, sunMesh, eNodeLight);
-    ASSERT_GE(sunLightNode, 0);
-    EXPECT_EQ(content.nodes[sunLightNode].name, "Sun");
-    EXPECT_EQ(content.nodes[sunLightNode].light.lightType, eTVOLightDirectional);
-    EXPECT_EQ(content.nodes[sunLightNode].light.target, -1);
-}
-
-TEST(AssimpFill, CamerasGiveTheImportersViewFieldOfViewAndTarget)
-{
-    CSceneKit kit;
-    aiNode* rig = kit.AddNode(kit.Root(), "CamRig", TRS({0, 0, 10}, Turn({1, 0, 0}, 0.3f), {3, 3, 3}));
-    kit.AddNode(rig, "Cam", TRS({1, 0, 0}, Turn({0, 1, 0}, 0.5f)));
-    aiNode* eye = kit.AddNode(kit.Root(), "Eye", TRS({0, 2, 0}));
-    kit.AddNode(eye, "Lens");
-    kit.AddNode(kit.Root(), "Eye.Target", TRS({0, 0, -4}));
-    kit.AddNode(kit.Root(), "Flat");
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Box"), Triangle(kit));
-    kit.AddMaterial(new aiMaterial);
     aiCamera& cam = kit.AddCamera("Cam");
     cam.mPosition = {1, 2, 3};
     cam.mLookAt = {2, 0, 0};
@@ -455,49 +497,73 @@ TEST(AssimpFill, CamerasGiveTheImportersViewFieldOfViewAndTarget)
     cam.mAspect = 1.5f;
     cam.mClipPlaneNear = 0.5f;
     cam.mClipPlaneFar = 500;
-    aiCamera& eyeCam = kit.AddCamera("Eye");
-    eyeCam.mLookAt = {0, 0, -1};
+    kit.AddCamera("Eye").mLookAt = {0, 0, -1};
     kit.AddCamera("Flat").mOrthographicWidth = 2;
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
+    EXPECT_TRUE(log.Has(
+        eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
+    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Orphan' has no node; it is not exported."));
     EXPECT_TRUE(log.Has(eLogWarning, "Warning: Camera 'Flat' is orthographic; it is not exported."));
-    CBuiltScene built(content);
+    EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
+    const CNode& lampLight = content.nodes[ContentIndex(content, "Lamp")];
+    EXPECT_EQ(lampLight.type, eNodeLight); // a leaf: the node itself
+    EXPECT_EQ(lampLight.light.lightType, eTVOLightPoint);
+    EXPECT_EQ(lampLight.light.colour[1], 0.5f);
+    EXPECT_EQ(lampLight.light.constantAttenuation, 1.0f); // the file had no falloff at all
+    const SLightData& spotLight = content.nodes[ContentIndex(content, "Spot")].light;
+    EXPECT_EQ(spotLight.lightType, eTVOLightSpot);
+    EXPECT_EQ(spotLight.falloffAngle, 0.8f);
+    EXPECT_EQ(spotLight.linearAttenuation, 0.1f);
+    EXPECT_EQ(spotLight.target, ContentIndex(content, "Spot.Target"));
+    // A light on a mesh node, or a camera on a node with children, is a child named after the node;
+    // an existing ".Target" node is its target.
+    const int sunMesh = ContentIndex(content, "Sun"), eye = ContentIndex(content, "Eye");
+    EXPECT_EQ(content.nodes[sunMesh].type, eNodeMesh);
+    const int sunLight = ChildOfType(content, sunMesh, eNodeLight);
+    ASSERT_GE(sunLight, 0);
+    EXPECT_EQ(content.nodes[sunLight].name, "Sun");
+    EXPECT_EQ(content.nodes[sunLight].light.lightType, eTVOLightDirectional);
+    EXPECT_EQ(content.nodes[eye].type, eNodePlain);
+    const int eyeCam = ChildOfType(content, eye, eNodeCamera);
+    ASSERT_GE(eyeCam, 0);
+    EXPECT_EQ(content.nodes[eyeCam].camera.target, ContentIndex(content, "Eye.Target"));
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Flat")].type, eNodePlain);
     const int camIndex = ContentIndex(content, "Cam");
-    const CNode& camNode = content.nodes[camIndex];
-    ASSERT_EQ(camNode.type, eNodeCamera);
-    EXPECT_FLOAT_EQ(camNode.camera.fov, 2.0f * std::atan(std::tan(0.6f) / 1.5f));
-    EXPECT_EQ(camNode.camera.nearPlane, 0.5f);
-    EXPECT_EQ(camNode.camera.farPlane, 500.0f);
-    QMXTVECTOR3f from, to, up;
+    const SCameraData& camera = content.nodes[camIndex].camera;
+    EXPECT_FLOAT_EQ(camera.fov, 2.0f * std::atan(std::tan(0.6f) / 1.5f)); // vertical, from the horizontal
+    EXPECT_EQ(camera.nearPlane, 0.5f);
+    EXPECT_EQ(camera.farPlane, 500.0f);
+
+    // The builder's scene model places them where the importer does.
+    CBuiltScene built(content);
+    QMXTVECTOR3f pos, dir, from, to, up;
     float fov = 0;
+    ASSERT_TRUE(built.Light("Lamp", pos, dir));
+    ExpectVecNear(pos, GlobalOf(lampNode) * lamp.mPosition, 1e-4f, "lamp position");
+    ASSERT_TRUE(built.Light("Spot", pos, dir));
+    ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(GlobalOf(spotNode)) * spot.mDirection), 1e-5f,
+                  "spot direction");
+    ASSERT_TRUE(built.Light("Sun", pos, dir));
+    ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(GlobalOf(sunNode)) * aiVector3D(0, -1, 0)), 1e-5f,
+                  "sun direction");
     ASSERT_TRUE(built.Camera("Cam", from, to, up, fov));
-    EXPECT_EQ(fov, camNode.camera.fov);
-    const aiMatrix4x4 g = GlobalOf(FindNode(kit.Scene(), "Cam"));
-    const aiVector3D wantFrom = g * cam.mPosition;
-    const aiVector3D wantDir = Unit(aiMatrix3x3(g) * cam.mLookAt);
-    ExpectVecNear(from, wantFrom, 1e-4f, "from");
+    EXPECT_EQ(fov, camera.fov);
+    const aiMatrix4x4 g = GlobalOf(camNode);
+    const aiVector3D wantDir = Unit(aiMatrix3x3(g) * cam.mLookAt), upWorld = aiMatrix3x3(g) * cam.mUp;
+    ExpectVecNear(from, g * cam.mPosition, 1e-4f, "from");
     ExpectVecNear(UnitQ({to.x - from.x, to.y - from.y, to.z - from.z}), wantDir, 1e-5f, "view");
-    const aiVector3D upWorld = aiMatrix3x3(g) * cam.mUp;
     ExpectVecNear(UnitQ(up), Unit(upWorld - wantDir * (upWorld * wantDir)), 1e-5f, "up");
     // Without a target node one is made ahead of the camera, as far as its look-at vector reaches.
-    const int target = camNode.camera.target;
-    ASSERT_GE(target, 0);
-    EXPECT_EQ(content.nodes[target].name, "Cam.Target");
-    EXPECT_EQ(content.nodes[target].parent, camIndex);
-    const QMXTMATRIXf tw = ContentWorld(content, target);
+    ASSERT_GE(camera.target, 0);
+    EXPECT_EQ(content.nodes[camera.target].name, "Cam.Target");
+    EXPECT_EQ(content.nodes[camera.target].parent, camIndex);
+    const QMXTMATRIXf tw = ContentWorld(content, camera.target);
     ExpectVecNear({tw[12], tw[13], tw[14]}, g * (cam.mPosition + cam.mLookAt), 1e-4f, "target");
-    // A camera on a node with children is a child node; an existing ".Target" node is its target.
-    const int eyeIndex = ContentIndex(content, "Eye");
-    EXPECT_EQ(content.nodes[eyeIndex].type, eNodePlain);
-    const int eyeCamNode = ChildOfType(content, eyeIndex, eNodeCamera);
-    ASSERT_GE(eyeCamNode, 0);
-    EXPECT_EQ(content.nodes[eyeCamNode].camera.target, ContentIndex(content, "Eye.Target"));
-    ASSERT_GE(ContentIndex(content, "Flat"), 0);
-    EXPECT_EQ(content.nodes[ContentIndex(content, "Flat")].type, eNodePlain);
 }
 
-TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
+TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerpAtItsOwnOrAChosenRate)
 {
     CSceneKit kit;
     aiNode* mover = kit.AddNode(kit.Root(), "Mover", TRS({5, 5, 5}));
@@ -513,6 +579,10 @@ TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
     ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {24, {24, 0, 0}}};
     ch.mNumRotationKeys = 2;
     ch.mRotationKeys = new aiQuatKey[2]{{0, aiQuaternion()}, {24, Turn({0, 1, 0}, kPi / 2)}};
+    aiAnimation& ms = kit.AddAnimation("Ms", 2000, 1000); // milliseconds: no frame rate of its own
+    aiNodeAnim& msKeys = kit.AddChannel(ms, "Mover");
+    msKeys.mNumPositionKeys = 2;
+    msKeys.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {2000, {2, 0, 0}}};
 
     SAssimpFillSettings settings;
     settings.animation = "Move";
@@ -548,10 +618,22 @@ TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerp)
     EXPECT_EQ(r.animation, 0);
     EXPECT_EQ(content.FrameCount(), 6);
 
+    settings.animation = "Ms";
+    r = FillContentFromAssimp(kit.Scene(), settings, content);
+    EXPECT_EQ(content.info.fps, 30);
+    EXPECT_EQ(content.FrameCount(), 61);
+    EXPECT_NEAR(content.nodes[ContentIndex(content, "Mover")].frames[15].pos[0], 0.5f, 1e-5f);
+    ms.mDuration = 1e12;
+    msKeys.mPositionKeys[1].mTime = 1e12;
+    const std::string error = FillError(kit, settings);
+    EXPECT_NE(error.find("the animation 'Ms' is too long to sample"), std::string::npos) << error;
+    EXPECT_NE(error.find("choose a lower --fps"), std::string::npos) << error;
+
     settings.animation = "Run";
-    EXPECT_EQ(FillError(kit, settings), "no animation 'Run' (the file has 2 animations: 0 'Idle', 1 'Move')");
-    settings.animation = "2";
-    EXPECT_NE(FillError(kit, settings).find("no animation '2'"), std::string::npos);
+    EXPECT_EQ(FillError(kit, settings),
+              "no animation 'Run' (the file has 3 animations: 0 'Idle', 1 'Move', 2 'Ms')");
+    settings.animation = "3";
+    EXPECT_NE(FillError(kit, settings).find("no animation '3'"), std::string::npos);
 }
 
 // Frame times computed in double meet key times stored in float precision (seconds, as glTF keeps
@@ -593,27 +675,6 @@ TEST(AssimpFill, AlternatingPosesSampleToIdenticalKeysAndIndexToTwo)
     }
 }
 
-TEST(AssimpFill, AnimationRateFromTicksAndRefusalOfHugeAnimations)
-{
-    CSceneKit kit;
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Mover"), Triangle(kit));
-    kit.AddMaterial(new aiMaterial);
-    aiAnimation& anim = kit.AddAnimation("Ms", 2000, 1000); // milliseconds: no frame rate of its own
-    aiNodeAnim& ch = kit.AddChannel(anim, "Mover");
-    ch.mNumPositionKeys = 2;
-    ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {2000, {2, 0, 0}}};
-    SContent content = Fill(kit);
-    EXPECT_EQ(content.info.fps, 30);
-    EXPECT_EQ(content.FrameCount(), 61);
-    EXPECT_NEAR(content.nodes[ContentIndex(content, "Mover")].frames[15].pos[0], 0.5f, 1e-5f);
-
-    anim.mDuration = 1e12;
-    ch.mPositionKeys[1].mTime = 1e12;
-    const std::string error = FillError(kit);
-    EXPECT_NE(error.find("the animation 'Ms' is too long to sample"), std::string::npos) << error;
-    EXPECT_NE(error.find("choose a lower --fps"), std::string::npos) << error;
-}
-
 TEST(AssimpFill, SelectionKeepsSubtreesWithAncestorsAsPlainTransforms)
 {
     CSceneKit kit;
@@ -638,7 +699,7 @@ TEST(AssimpFill, SelectionKeepsSubtreesWithAncestorsAsPlainTransforms)
     EXPECT_EQ(content.nodes[2].type, eNodeMesh);
     EXPECT_EQ(content.nodes[3].name, "Hand");
     EXPECT_EQ(content.nodes[3].parent, 2);
-    ExpectMatrixNear(ContentWorld(content, 3), RowLayout(GlobalOf(FindNode(kit.Scene(), "Hand"))), 1e-6f,
+    ExpectMatrixNear(ContentWorld(content, 3), RowLayout(GlobalOf(kit.Root()->FindNode("Hand"))), 1e-6f,
                      "Hand");
 
     settings.selection = {"Arm", "Nobody"};

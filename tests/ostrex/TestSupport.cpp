@@ -21,120 +21,6 @@ extern "C" const char* __lsan_default_suppressions()
     return "leak:libassimp.so\n";
 }
 
-namespace
-{
-template <class T> void Append(T**& array, unsigned& count, T* item)
-{
-    T** grown = new T*[count + 1];
-    for (unsigned i = 0; i < count; ++i)
-        grown[i] = array[i];
-    grown[count] = item;
-    delete[] array;
-    array = grown;
-    ++count;
-}
-} // namespace
-
-CSceneKit::CSceneKit() : m_scene(new aiScene)
-{
-    m_scene->mRootNode = new aiNode("Root");
-}
-
-aiNode* CSceneKit::AddNode(aiNode* parent, const std::string& name, const aiMatrix4x4& local)
-{
-    aiNode* node = new aiNode(name);
-    node->mTransformation = local;
-    node->mParent = parent;
-    Append(parent->mChildren, parent->mNumChildren, node);
-    return node;
-}
-
-unsigned CSceneKit::AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces,
-                            unsigned material)
-{
-    aiMesh* mesh = new aiMesh;
-    mesh->mNumVertices = static_cast<unsigned>(vertices.size());
-    mesh->mVertices = new aiVector3D[vertices.size()];
-    std::copy(vertices.begin(), vertices.end(), mesh->mVertices);
-    mesh->mNumFaces = static_cast<unsigned>(faces.size());
-    mesh->mFaces = new aiFace[faces.size()];
-    for (size_t f = 0; f < faces.size(); ++f)
-    {
-        mesh->mFaces[f].mNumIndices = static_cast<unsigned>(faces[f].size());
-        mesh->mFaces[f].mIndices = new unsigned[faces[f].size()];
-        std::copy(faces[f].begin(), faces[f].end(), mesh->mFaces[f].mIndices);
-    }
-    mesh->mMaterialIndex = material;
-    mesh->mPrimitiveTypes = aiPrimitiveType_TRIANGLE;
-    Append(m_scene->mMeshes, m_scene->mNumMeshes, mesh);
-    return m_scene->mNumMeshes - 1;
-}
-
-void CSceneKit::AttachMesh(aiNode* node, unsigned mesh)
-{
-    unsigned* grown = new unsigned[node->mNumMeshes + 1];
-    for (unsigned i = 0; i < node->mNumMeshes; ++i)
-        grown[i] = node->mMeshes[i];
-    grown[node->mNumMeshes++] = mesh;
-    delete[] node->mMeshes;
-    node->mMeshes = grown;
-}
-
-unsigned CSceneKit::AddMaterial(aiMaterial* material)
-{
-    Append(m_scene->mMaterials, m_scene->mNumMaterials, material);
-    return m_scene->mNumMaterials - 1;
-}
-
-aiLight& CSceneKit::AddLight(const std::string& node, aiLightSourceType type)
-{
-    aiLight* light = new aiLight;
-    light->mName = node;
-    light->mType = type;
-    Append(m_scene->mLights, m_scene->mNumLights, light);
-    return *light;
-}
-
-aiCamera& CSceneKit::AddCamera(const std::string& node)
-{
-    aiCamera* camera = new aiCamera;
-    camera->mName = node;
-    Append(m_scene->mCameras, m_scene->mNumCameras, camera);
-    return *camera;
-}
-
-aiAnimation& CSceneKit::AddAnimation(const std::string& name, double duration, double ticksPerSecond)
-{
-    aiAnimation* anim = new aiAnimation;
-    anim->mName = name;
-    anim->mDuration = duration;
-    anim->mTicksPerSecond = ticksPerSecond;
-    Append(m_scene->mAnimations, m_scene->mNumAnimations, anim);
-    return *anim;
-}
-
-aiNodeAnim& CSceneKit::AddChannel(aiAnimation& anim, const std::string& node)
-{
-    aiNodeAnim* channel = new aiNodeAnim;
-    channel->mNodeName = node;
-    Append(anim.mChannels, anim.mNumChannels, channel);
-    return *channel;
-}
-
-void CSceneKit::AddBone(unsigned mesh, const std::string& node, const aiMatrix4x4& offset,
-                        std::vector<std::pair<unsigned, float>> weights)
-{
-    aiBone* bone = new aiBone;
-    bone->mName = node;
-    bone->mOffsetMatrix = offset;
-    bone->mNumWeights = static_cast<unsigned>(weights.size());
-    bone->mWeights = new aiVertexWeight[weights.size()];
-    for (size_t i = 0; i < weights.size(); ++i)
-        bone->mWeights[i] = aiVertexWeight(weights[i].first, weights[i].second);
-    aiMesh& m = Mesh(mesh);
-    Append(m.mBones, m.mNumBones, bone);
-}
-
 aiMatrix4x4 GlobalOf(const aiNode* node)
 {
     aiMatrix4x4 global = node->mTransformation;
@@ -150,11 +36,6 @@ QMXTMATRIXf RowLayout(const aiMatrix4x4& m)
         for (int c = 0; c < 4; ++c)
             out(r, c) = m[c][r];
     return out;
-}
-
-const aiNode* FindNode(const aiScene& scene, const std::string& name)
-{
-    return scene.mRootNode ? scene.mRootNode->FindNode(name.c_str()) : nullptr;
 }
 
 QMXTMATRIXf ContentWorld(const SContent& content, int index, int frame)

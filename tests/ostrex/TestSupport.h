@@ -1,6 +1,5 @@
-// Helpers for the ostrex tests: scenes built in code with the importer's own structures, reference
-// transforms straight from the importer's data, world matrices of filled content, the
-// builder's scene model of it, and a runner of the program.
+// Helpers for the ostrex tests: reference transforms straight from the importer's data, world
+// matrices of filled content, the builder's scene model of it, and a runner of the program.
 #pragma once
 
 #include "TempFiles.h"
@@ -8,7 +7,6 @@
 #include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,36 +14,10 @@
 #include "QMXTModelTVO.h"
 #include "TVO.h"
 
-// Builds an aiScene; the scene owns everything added.
-class CSceneKit
-{
-  public:
-    CSceneKit();
-    aiScene& Scene() { return *m_scene; }
-    aiNode* Root() { return m_scene->mRootNode; }
-    aiNode* AddNode(aiNode* parent, const std::string& name, const aiMatrix4x4& local = aiMatrix4x4());
-    // A mesh of the given vertices and faces (each face a list of vertex indices); returns its index.
-    unsigned AddMesh(std::vector<aiVector3D> vertices, std::vector<std::vector<unsigned>> faces,
-                     unsigned material = 0);
-    aiMesh& Mesh(unsigned i) { return *m_scene->mMeshes[i]; }
-    void AttachMesh(aiNode* node, unsigned mesh);
-    unsigned AddMaterial(aiMaterial* material);
-    aiLight& AddLight(const std::string& node, aiLightSourceType type);
-    aiCamera& AddCamera(const std::string& node);
-    aiAnimation& AddAnimation(const std::string& name, double duration, double ticksPerSecond);
-    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node);
-    void AddBone(unsigned mesh, const std::string& node, const aiMatrix4x4& offset,
-                 std::vector<std::pair<unsigned, float>> weights);
-
-  private:
-    std::unique_ptr<aiScene> m_scene;
-};
-
 // The importer's global transform of a node: its matrix times those of its ancestors.
 aiMatrix4x4 GlobalOf(const aiNode* node);
 // The importer's matrix in the scene model's row-vector layout.
 QMXTMATRIXf RowLayout(const aiMatrix4x4& m);
-const aiNode* FindNode(const aiScene& scene, const std::string& name);
 
 // World matrix of a content node at a frame (the still sample when the node has no frames), rebuilt
 // from the samples as the scene model rebuilds local matrices.

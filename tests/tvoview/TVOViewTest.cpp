@@ -396,20 +396,14 @@ TEST_F(TVOView, BadFilesAndNoContextAreRefusedWithOneLine)
     mesh.sBoneIdx.pData[0] = 7; // the batch holds fewer bones
     ASSERT_EQ(model.SaveTVO((dir / "bone.tvo").c_str()), 0);
     mesh.sBoneIdx.pData[0] = 0;
-    const int32_t parent = model.pNode[1].nIdxParent;
-    ASSERT_EQ(model.pNode[0].nIdxParent, parent);
+    ASSERT_EQ(model.pNode[0].nIdxParent, model.pNode[1].nIdxParent);
     model.pNode[0].nIdxParent = 1, model.pNode[1].nIdxParent = 0; // two nodes name each other
     ASSERT_EQ(model.SaveTVO((dir / "loop.tvo").c_str()), 0);
-    model.pNode[0].nIdxParent = model.pNode[1].nIdxParent = parent;
-    ASSERT_EQ(mesh.sFaces.eType, EQMXTDataUnsignedShort);
-    reinterpret_cast<uint16_t*>(mesh.sFaces.pData)[4] = 999;
-    ASSERT_EQ(model.SaveTVO((dir / "index.tvo").c_str()), 0);
 
     const std::pair<const char*, const char*> cases[] = {
         {"truncated.tvo", ""},
         {"bone.tvo", "vertex 0 uses bone 7 beyond the palette of"},
         {"loop.tvo", "its parents form a loop"},
-        {"index.tvo", "index 999 at position 4 is not below the vertex count"},
         {"absent.tvo", "cannot open the file"},
         {"good.tvo", "no OpenGL ES context can be made"}, // EGL without its Mesa vendor library
     };
