@@ -19,20 +19,8 @@ using O = COptionsData;
 class ExportOptionsTest : public ::testing::Test
 {
   protected:
-    void SetUp() override
-    {
-        const char* home = std::getenv("HOME");
-        m_hadHome = home != nullptr;
-        m_oldHome = home ? home : "";
-        setenv("HOME", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        if (m_hadHome)
-            setenv("HOME", m_oldHome.c_str(), 1);
-        else
-            unsetenv("HOME");
-    }
+    void SetUp() override { setenv("HOME", m_dir.c_str(), 1); }
+    void TearDown() override { setenv("HOME", m_oldHome.c_str(), 1); }
 
     SCommandLine Line(const std::string& output, std::vector<std::string> settings = {})
     {
@@ -46,8 +34,7 @@ class ExportOptionsTest : public ::testing::Test
 
     CTempDir m_home;
     const std::string m_dir = m_home.Path();
-    std::string m_oldHome;
-    bool m_hadHome = false;
+    const std::string m_oldHome = std::getenv("HOME") ? std::getenv("HOME") : "";
 };
 } // namespace
 
