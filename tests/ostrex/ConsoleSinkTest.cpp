@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "ConsoleSink.h"
@@ -11,35 +10,23 @@
 
 namespace
 {
-// A memory stream for the sink; Text() returns what was written so far.
-class CMemoryStream
+// What was written to a temporary stream; closes it.
+std::string Drain(std::FILE* file)
 {
-  public:
-    CMemoryStream() { m_pFile = open_memstream(&m_pBuffer, &m_size); }
-    ~CMemoryStream()
-    {
-        std::fclose(m_pFile);
-        std::free(m_pBuffer);
-    }
-    std::FILE* File() { return m_pFile; }
-    std::string Text()
-    {
-        std::fflush(m_pFile);
-        return std::string(m_pBuffer, m_size);
-    }
-
-  private:
-    std::FILE* m_pFile = nullptr;
-    char* m_pBuffer = nullptr;
-    size_t m_size = 0;
-};
+    std::string text;
+    std::rewind(file);
+    for (int c; (c = std::fgetc(file)) != EOF;)
+        text += static_cast<char>(c);
+    std::fclose(file);
+    return text;
+}
 
 // Runs one scripted export's messages through a sink.
 std::string RunScript(bool terminal, EVerbosity verbosity)
 {
-    CMemoryStream stream;
+    std::FILE* stream = std::tmpfile();
     {
-        CConsoleSink sink(stream.File(), terminal, verbosity);
+        CConsoleSink sink(stream, terminal, verbosity);
         ILogSink* previous = SetLogSink(&sink);
         ProgressUpdate(0, "Export stage 1");
         Log(eLogInfo, "Complete");
@@ -52,7 +39,7 @@ std::string RunScript(bool terminal, EVerbosity verbosity)
         ProgressUpdate(100, "Complete");
         SetLogSink(previous);
     }
-    return stream.Text();
+    return Drain(stream);
 }
 } // namespace
 
@@ -76,10 +63,10 @@ TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsAndEndsTheBar)
         RunScript(false, eVerbosityVerbose).find("\n\"Box\": pos anim: removed\n[ 40%] Export stage 2\n"),
         std::string::npos);
 
-    CMemoryStream stream; // an open bar line is ended when the sink goes
+    std::FILE* stream = std::tmpfile(); // an open bar line is ended when the sink goes
     {
-        CConsoleSink sink(stream.File(), true, eVerbosityNormal);
+        CConsoleSink sink(stream, true, eVerbosityNormal);
         sink.OnProgress(75, "Final export stage");
     }
-    EXPECT_EQ(stream.Text(), "\r\033[K[######################--------]  75% Final export stage\n");
+    EXPECT_EQ(Drain(stream), "\r\033[K[######################--------]  75% Final export stage\n");
 }
