@@ -6,10 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -18,6 +16,7 @@
 #include "QMXTModelTVO.h"
 #include "QMXTSink.h"
 #include "TVOTestScenes.h"
+#include "TempFiles.h"
 
 namespace
 {
@@ -27,26 +26,28 @@ struct SRun
     std::string out, err;
 };
 
-std::string Slurp(const std::string& path)
+// Runs tvoinfo on files in a fresh folder; its streams are captured there too.
+class TVOInfo : public ::testing::Test
 {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
+  protected:
+    SRun RunTvoinfo(const std::string& args)
+    {
+        const std::string out = m_dir / "stdout", err = m_dir / "stderr";
+        const int raw =
+            std::system((std::string(TVOINFO_PATH) + " " + args + " >" + out + " 2>" + err).c_str());
+        return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadAll(out), ReadAll(err)};
+    }
+    std::string WriteRich(const char* name, const char* options, const char* history)
+    {
+        CQMXTModelTVO s;
+        tvotest::MakeRichScene(s);
+        const std::string path = m_dir / name;
+        EXPECT_EQ(s.SaveTVO(path.c_str(), options, history), 0);
+        return path;
+    }
 
-SRun RunTvoinfo(const std::string& args)
-{
-    // Per-test capture files: CTest runs the tests of this binary in parallel processes.
-    const std::string stem =
-        testing::TempDir() + "tvoinfo-" + testing::UnitTest::GetInstance()->current_test_info()->name();
-    const std::string out = stem + ".out", err = stem + ".err";
-    const std::string command = std::string(TVOINFO_PATH) + " " + args + " >" + out + " 2>" + err;
-    SRun r;
-    const int raw = std::system(command.c_str());
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = Slurp(out);
-    r.err = Slurp(err);
-    return r;
-}
+    CTempDir m_dir;
+};
 
 std::vector<std::string> Lines(const std::string& text)
 {
@@ -62,15 +63,6 @@ bool HasLine(const std::string& text, const std::string& line)
     return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
 }
 
-std::string WriteRich(const char* name, const char* options, const char* history)
-{
-    CQMXTModelTVO s;
-    tvotest::MakeRichScene(s);
-    const std::string path = testing::TempDir() + name;
-    EXPECT_EQ(s.SaveTVO(path.c_str(), options, history), 0);
-    return path;
-}
-
 QJsonObject Json(const std::string& text)
 {
     QJsonParseError error;
@@ -81,7 +73,7 @@ QJsonObject Json(const std::string& text)
 }
 } // namespace
 
-TEST(TVOInfo, SummaryAndJsonNameCountsNodesStreamsMaterialsLightsCamerasAndTexts)
+TEST_F(TVOInfo, SummaryAndJsonNameCountsNodesStreamsMaterialsLightsCamerasAndTexts)
 {
     const std::string path = WriteRich("info-rich.tvo", "bOpt=1\nfScale=2\n", "exported by a test");
     const SRun r = RunTvoinfo(path);
@@ -137,26 +129,24 @@ TEST(TVOInfo, SummaryAndJsonNameCountsNodesStreamsMaterialsLightsCamerasAndTexts
     EXPECT_TRUE(j["cameras"].toArray()[0].toObject()["fovAnimated"].toBool());
     EXPECT_EQ(j["options"].toString(), "bOpt=1\nfScale=2\n");
     EXPECT_EQ(j["history"].toString(), "exported by a test");
-    std::remove(path.c_str());
 }
 
-TEST(TVOInfo, JsonStaysValidForAnyNameBytes)
+TEST_F(TVOInfo, JsonStaysValidForAnyNameBytes)
 {
     CQMXTModelTVO s;
     tvotest::MakeBigScene(s, 3, false);
     std::free(s.pNode[0].pszName);
     s.pNode[0].pszName = tvotest::Str("q\"uote\\ tab\t nl\n \x01 caf\xc3\xa9 bad\xff");
-    const std::string path = testing::TempDir() + "info-names.tvo";
+    const std::string path = m_dir / "info-names.tvo";
     ASSERT_EQ(s.SaveTVO(path.c_str()), 0);
     const SRun r = RunTvoinfo("--json " + path);
     ASSERT_EQ(r.status, 0);
     const QJsonObject j = Json(r.out);
     EXPECT_EQ(j["nodes"].toArray()[0].toObject()["name"].toString(),
               QString::fromUtf8("q\"uote\\ tab\t nl\n \x01 caf\xc3\xa9 bad") + QChar(0xFF));
-    std::remove(path.c_str());
 }
 
-TEST(TVOInfo, BlocksListsTheRawTreeWithOffsets)
+TEST_F(TVOInfo, BlocksListsTheRawTreeWithOffsets)
 {
     const std::string path = WriteRich("info-blocks.tvo", "o=1\n", nullptr);
     const SRun r = RunTvoinfo("--blocks " + path);
@@ -168,13 +158,12 @@ TEST(TVOInfo, BlocksListsTheRawTreeWithOffsets)
     EXPECT_EQ(lines[3], "        48  1001 scene");
     EXPECT_EQ(lines[4], "        56    2000 clear colour, 12 bytes");
     EXPECT_TRUE(HasLine(r.out, "      2257      6014 interleaved data, 264 bytes")) << r.out;
-    std::remove(path.c_str());
 }
 
-TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
+TEST_F(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
 {
     const std::string path = WriteRich("info-bad.tvo", nullptr, nullptr);
-    const std::string bytes = Slurp(path);
+    const std::string bytes = ReadAll(path);
     std::ofstream(path, std::ios::binary) << bytes.substr(0, bytes.size() - 100);
     for (const char* mode : {"", "--json ", "--blocks "})
     {
@@ -188,7 +177,7 @@ TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
     }
     EXPECT_EQ(RunTvoinfo(path).out, "");
 
-    const SRun missing = RunTvoinfo(testing::TempDir() + "info-missing.tvo");
+    const SRun missing = RunTvoinfo(m_dir / "info-missing.tvo");
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(Lines(missing.err).size(), 1u);
     // Something that is no .tvo at all says so rather than naming a damaged block.
@@ -206,5 +195,4 @@ TEST(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
     EXPECT_EQ(RunTvoinfo("").status, 2);
     EXPECT_EQ(RunTvoinfo("--bogus " + path).status, 2);
     EXPECT_EQ(RunTvoinfo(path + " " + path).status, 2);
-    std::remove(path.c_str());
 }

@@ -229,11 +229,6 @@ double MeanDifference(const QImage& a, const QImage& b)
         }
     return sum / (3.0 * a.width() * a.height());
 }
-
-void WriteBytes(const std::string& path, const std::string& bytes)
-{
-    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 } // namespace
 
 TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
@@ -387,7 +382,7 @@ TEST_F(TVOView, BadFilesAndNoContextAreRefusedWithOneLine)
     options.SetOption(COptionsData::eVcOptBoneInd, CVectorOpt::eDataType, EQMXTDataUnsignedByte);
     ASSERT_TRUE(ExportScene(SkinnedBar(), options, dir / "good.tvo"));
     const std::string good = ReadAll(dir / "good.tvo");
-    WriteBytes(dir / "truncated.tvo", good.substr(0, good.size() / 2));
+    std::ofstream(dir / "truncated.tvo", std::ios::binary) << good.substr(0, good.size() / 2);
 
     CQMXTModelTVO model;
     ASSERT_EQ(model.ReadFromFile((dir / "good.tvo").c_str()), 0);
