@@ -1,7 +1,6 @@
-// Parsing of the ostrex command line: values, repeated options, usage errors, output kinds.
+// Parsing of the ostrex command line: values, repeated options, batches, usage errors, output kinds.
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,27 +9,19 @@
 
 namespace
 {
-SCommandLine Parse(std::initializer_list<const char*> args)
+SCommandLine Parse(std::vector<const char*> args)
 {
-    std::vector<const char*> argv = {"ostrex"};
-    argv.insert(argv.end(), args.begin(), args.end());
-    return ParseCommandLine(static_cast<int>(argv.size()), argv.data());
-}
-
-void ExpectUsageError(std::initializer_list<const char*> args, const std::string& fragment)
-{
-    const SCommandLine cl = Parse(args);
-    EXPECT_EQ(cl.action, eCommandUsageError) << fragment;
-    EXPECT_NE(cl.error.find(fragment), std::string::npos) << "error was: " << cl.error;
+    args.insert(args.begin(), "ostrex");
+    return ParseCommandLine(static_cast<int>(args.size()), args.data());
 }
 } // namespace
 
-TEST(CommandLine, FullExportLineKeepsEveryValueInOrder)
+TEST(CommandLine, ExportAndBatchLinesKeepEveryValueInOrder)
 {
-    const SCommandLine cl =
+    SCommandLine cl =
         Parse({"scene.gltf", "out/scene.tvo", "--config", "base.h", "--set", "bExportSkin=1", "--select",
                "Arm", "--set=sScriptFile=a=b", "--profile", "Mobile", "--select=Leg", "--fps", "24",
-               "--animation", "Walk", "--verbose"});
+               "--animation", "Walk", "--verbose", "--threads=3"});
     ASSERT_EQ(cl.action, eCommandExport) << cl.error;
     EXPECT_EQ(cl.input, "scene.gltf");
     EXPECT_EQ(cl.output, "out/scene.tvo");
@@ -41,83 +32,83 @@ TEST(CommandLine, FullExportLineKeepsEveryValueInOrder)
     EXPECT_EQ(cl.fps, 24);
     EXPECT_EQ(cl.animation, "Walk");
     EXPECT_EQ(cl.verbosity, eVerbosityVerbose);
-}
+    EXPECT_EQ(cl.threads, 3);
 
-TEST(CommandLine, DefaultsAndPositionalsAfterDoubleDash)
-{
-    const SCommandLine cl = Parse({"--", "-odd name.obj", "--out.tvo"});
+    cl = Parse({"-q", "--", "-odd name.obj", "--out.tvo"});
     ASSERT_EQ(cl.action, eCommandExport) << cl.error;
     EXPECT_EQ(cl.input, "-odd name.obj");
     EXPECT_EQ(cl.output, "--out.tvo");
     EXPECT_EQ(cl.fps, 0);
-    EXPECT_TRUE(cl.animation.empty());
     EXPECT_TRUE(cl.settings.empty());
-    EXPECT_EQ(cl.verbosity, eVerbosityNormal);
-    EXPECT_EQ(Parse({"a", "b", "-q"}).verbosity, eVerbosityQuiet);
+    EXPECT_EQ(cl.verbosity, eVerbosityQuiet);
+    EXPECT_EQ(Parse({"a", "b"}).verbosity, eVerbosityNormal);
+
+    cl = Parse({"--out-dir", "out", "-j", "3", "--format=h", "a.gltf", "b c.obj"});
+    ASSERT_EQ(cl.action, eCommandBatch) << cl.error;
+    EXPECT_EQ(cl.inputs, (std::vector<std::string>{"a.gltf", "b c.obj"}));
+    EXPECT_EQ(cl.jobs, 3);
+    EXPECT_EQ(cl.format, "h");
 }
 
-TEST(CommandLine, HelpWinsOverEverythingElse)
+TEST(CommandLine, HelpWinsAndListOptionsTakesOnlyOptionSources)
 {
     EXPECT_EQ(Parse({"--help"}).action, eCommandHelp);
     EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp);
-    const std::string help = CommandLineHelp();
-    for (const char* option :
-         {"--config", "--set", "--profile", "--select", "--fps", "--animation", "--quiet", "--verbose",
-          "--list-options", "--help", ".cpp", ".h", "Exit status"})
-        EXPECT_NE(help.find(option), std::string::npos) << option;
-}
-
-TEST(CommandLine, ListOptionsTakesOnlyOptionSources)
-{
     const SCommandLine cl = Parse({"--list-options", "--config", "x.tvo", "--set", "bMerge=1"});
     EXPECT_EQ(cl.action, eCommandListOptions) << cl.error;
     EXPECT_EQ(cl.configFile, "x.tvo");
-    ExpectUsageError({"--list-options", "in.obj"}, "takes no INPUT");
-    ExpectUsageError({"--list-options", "--fps", "10"}, "only combines");
 }
 
-TEST(CommandLine, UsageErrors)
+TEST(CommandLine, UsageErrorsNameTheReason)
 {
-    ExpectUsageError({}, "missing INPUT and OUTPUT");
-    ExpectUsageError({"in.obj"}, "missing OUTPUT");
-    ExpectUsageError({"in.obj", "out.tvo", "extra"}, "unexpected argument 'extra'");
-    ExpectUsageError({"in.obj", "out.tvo", "--frobnicate"}, "unknown option '--frobnicate'");
-    ExpectUsageError({"in.obj", "out.tvo", "-x"}, "unknown option '-x'");
-    ExpectUsageError({"in.obj", "out.tvo", "--fps"}, "--fps needs a value");
-    ExpectUsageError({"in.obj", "out.tvo", "--config="}, "non-empty value");
-    ExpectUsageError({"in.obj", "out.tvo", "--quiet=1"}, "takes no value");
-    ExpectUsageError({"in.obj", "out.tvo", "-q", "-v"}, "exclude each other");
-    ExpectUsageError({"in.obj", "out.tvo", "--config", "a", "--config", "b"}, "more than once");
-    ExpectUsageError({"in.obj", "out.tvo", "--animation", "a", "--animation", "b"}, "more than once");
-    ExpectUsageError({"", "out.tvo"}, "must not be empty");
-}
-
-TEST(CommandLine, FpsMustBeAWholeNumberInRange)
-{
+    std::vector<std::pair<std::vector<const char*>, std::string>> rows = {
+        {{}, "missing INPUT and OUTPUT"},
+        {{"in.obj"}, "missing OUTPUT"},
+        {{"a", "b", "extra"}, "unexpected argument 'extra'"},
+        {{"a", "b", "--frobnicate"}, "unknown option '--frobnicate'"},
+        {{"a", "b", "-x"}, "unknown option '-x'"},
+        {{"a", "b", "--fps"}, "--fps needs a value"},
+        {{"a", "b", "--config="}, "non-empty value"},
+        {{"a", "b", "--quiet=1"}, "takes no value"},
+        {{"a", "b", "-q", "-v"}, "exclude each other"},
+        {{"a", "b", "--config", "a", "--config", "b"}, "more than once"},
+        {{"a", "b", "--animation", "a", "--animation", "b"}, "more than once"},
+        {{"", "b"}, "must not be empty"},
+        {{"--list-options", "in.obj"}, "takes no INPUT"},
+        {{"--list-options", "--fps", "10"}, "only combines"},
+        {{"a", "b", "--set", "bMerge"}, "KEY=VALUE"},
+        {{"a", "b", "--set", "=1"}, "KEY=VALUE"},
+        {{"--out-dir", "o"}, "--out-dir needs at least one SCENE"},
+        {{"--out-dir", "o", "-j", "0", "a"}, "-j needs a whole number from 1 to 256, not '0'"},
+        {{"--out-dir", "o", "--format", "obj", "a"}, "--format needs tvo, h or cpp, not 'obj'"},
+        {{"--out-dir", "o", "--depfile", "d", "a"},
+         "--depfile, --report-json and --view name one export; they do not combine with --out-dir"},
+        {{"a", "b", "-j", "2"}, "-j and --format only apply with --out-dir"},
+        {{"a", "b", "--depfile", "x", "--depfile", "y"}, "--depfile given more than once"},
+    };
     for (const char* bad : {"0", "-5", "2.5", "abc", "24fps", "1001", "99999999999"})
-        ExpectUsageError({"in.obj", "out.tvo", "--fps", bad}, "--fps needs a whole number");
-    EXPECT_EQ(Parse({"in.obj", "out.tvo", "--fps", "1"}).fps, 1);
-    EXPECT_EQ(Parse({"in.obj", "out.tvo", "--fps=1000"}).fps, 1000);
+        rows.push_back({{"a", "b", "--fps", bad}, "--fps needs a whole number"});
     for (const char* bad : {"0", "-1", "257", "two"})
-        ExpectUsageError({"in.obj", "out.tvo", "--threads", bad}, "--threads needs a whole number from 1 to 256");
-    EXPECT_EQ(Parse({"in.obj", "out.tvo", "--threads=3"}).threads, 3);
+        rows.push_back({{"a", "b", "--threads", bad}, "--threads needs a whole number from 1 to 256"});
+    for (const auto& [args, reason] : rows)
+    {
+        const SCommandLine cl = Parse(args);
+        EXPECT_EQ(cl.action, eCommandUsageError) << reason;
+        EXPECT_NE(cl.error.find(reason), std::string::npos) << "error was: " << cl.error;
+    }
+    EXPECT_EQ(Parse({"a", "b", "--fps=1000"}).fps, 1000);
+    EXPECT_EQ(Parse({"a", "b", "--fps", "1"}).fps, 1);
 }
 
-TEST(CommandLine, SetNeedsKeyEqualsValue)
+TEST(CommandLine, SettingsSplitAtTheFirstEqualsAndTheOutputKindFollowsTheExtension)
 {
-    ExpectUsageError({"in.obj", "out.tvo", "--set", "bMerge"}, "KEY=VALUE");
-    ExpectUsageError({"in.obj", "out.tvo", "--set", "=1"}, "KEY=VALUE");
     std::string key, value;
     ASSERT_TRUE(SplitSetting("sClPostArgs=-a=b", key, value));
     EXPECT_EQ(key, "sClPostArgs");
     EXPECT_EQ(value, "-a=b");
     ASSERT_TRUE(SplitSetting("bMerge=", key, value)); // an empty value is the options text's business
     EXPECT_EQ(value, "");
-}
-
-TEST(CommandLine, OutputKindFollowsTheLowerCasedExtension)
-{
-    // A dot in the first place is no extension.
+    // Lower-cased; a dot in the first place is no extension.
     const std::pair<const char*, int> rows[] = {
         {"scene.cpp", 2}, {"dir/SCENE.CPP", 2}, {"scene.h", 1}, {"scene.H", 1},
         {"scene.tvo", 0}, {"scene.hpp", 0},     {"scene", -1},  {".h", -1}};

@@ -6,16 +6,12 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <sys/wait.h>
-
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <algorithm>
 #include <set>
 
-#include "CommandLine.h"
 #include "DependencyFile.h"
 #include "QMXTMath.h"
 #include "QMXTMeshStreams.h"
@@ -28,25 +24,11 @@ namespace fs = std::filesystem;
 const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
 const std::string kBox = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/";
 
-struct SRun
-{
-    int code = -1;
-    std::string out, err;
-};
-
 class Pipeline : public ::testing::Test
 {
   protected:
-    SRun Run(const std::vector<std::string>& args)
-    {
-        std::string command = "cd '" + m_dir + "' && '" OSTREX_EXECUTABLE "'";
-        for (const std::string& a : args)
-            command += " '" + a + "'"; // the tests' arguments hold no quote
-        command += " >'" + m_streams / "out" + "' 2>'" + m_streams / "err" + "' </dev/null";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadAll(m_streams / "out"), ReadAll(m_streams / "err")};
-    }
-    CTempDir m_work, m_streams;
+    SRun Run(const std::vector<std::string>& args) { return RunOstrex(m_dir, args); }
+    CTempDir m_work;
     const std::string m_dir = m_work.Path();
 };
 
@@ -112,14 +94,16 @@ TEST_F(Pipeline, DepfileNamesEverythingTheExportRead)
     gltf.replace(gltf.find("CesiumLogoFlat.png"), 18, "logo%20%C3%BC.png");
     std::ofstream(models + "/BoxTextured.gltf") << gltf;
     std::ofstream(m_dir + "/opts #1.txt") << "bExportMappingChannels=1\n";
-    const SRun run = Run({models + "/BoxTextured.gltf", "out ü.tvo", "--config", "opts #1.txt", "--depfile", "out ü.d"});
+    const SRun run =
+        Run({models + "/BoxTextured.gltf", "out ü.tvo", "--config", "opts #1.txt", "--depfile", "out ü.d"});
     ASSERT_EQ(run.code, 0) << run.err;
     std::string dir;
     for (char c : m_dir)
         dir += c == ' ' ? std::string("\\ ") : std::string(1, c);
-    EXPECT_EQ(ReadAll(m_dir + "/out ü.d"), "out\\ ü.tvo: \\\n  " + dir + "/models\\ ü/BoxTextured.gltf \\\n  " + dir +
-                                                "/models\\ ü/BoxTextured0.bin \\\n  " + dir +
-                                                "/models\\ ü/logo\\ ü.png \\\n  " + dir + "/opts\\ \\#1.txt\n");
+    EXPECT_EQ(ReadAll(m_dir + "/out ü.d"),
+              "out\\ ü.tvo: \\\n  " + dir + "/models\\ ü/BoxTextured.gltf \\\n  " + dir +
+                  "/models\\ ü/BoxTextured0.bin \\\n  " + dir + "/models\\ ü/logo\\ ü.png \\\n  " + dir +
+                  "/opts\\ \\#1.txt\n");
     CQMXTModelTVO scene;
     ASSERT_EQ(scene.ReadFromFile((m_dir + "/out ü.tvo").c_str()), 0);
     ASSERT_EQ(scene.nNumTexture, 1u);
@@ -159,7 +143,8 @@ TEST_F(Pipeline, ReportMatchesTheManualAndTheFile)
     const QJsonArray meshes = report["meshDetails"].toArray();
     ASSERT_EQ(meshes.size(), static_cast<qsizetype>(scene.nNumMesh));
     const std::vector<double> errors = PositionErrors(m_dir + "/float.tvo", m_dir + "/byte.tvo");
-    EXPECT_GT(*std::max_element(errors.begin(), errors.end()), 0.0) << "byte positions of a cylinder lose something";
+    EXPECT_GT(*std::max_element(errors.begin(), errors.end()), 0.0)
+        << "byte positions of a cylinder lose something";
     for (qsizetype m = 0; m < meshes.size(); ++m)
     {
         const QJsonObject mesh = meshes[m].toObject();
@@ -178,16 +163,19 @@ TEST_F(Pipeline, StrictAndRefusedOptionsFailWithAReport)
 {
     std::ofstream(m_dir + "/launch.txt") << "sClPostTarget=true\n";
     ASSERT_EQ(Run({kSample, "lenient.tvo", "--config", "launch.txt"}).code, 0);
-    const SRun run = Run({kSample, "strict.tvo", "--config", "launch.txt", "--strict", "--report-json", "r.json"});
+    const SRun run =
+        Run({kSample, "strict.tvo", "--config", "launch.txt", "--strict", "--report-json", "r.json"});
     EXPECT_EQ(run.code, 1);
-    EXPECT_NE(run.err.find("ostrex: error: strict.tvo: --strict: 1 warning, so nothing was written\n"), std::string::npos)
+    EXPECT_NE(run.err.find("ostrex: error: strict.tvo: --strict: 1 warning, so nothing was written\n"),
+              std::string::npos)
         << run.err;
     EXPECT_FALSE(fs::exists(m_dir + "/strict.tvo"));
     const QJsonObject report = Json(ReadAll(m_dir + "/r.json"));
     EXPECT_FALSE(report["ok"].toBool());
     EXPECT_EQ(report["error"].toObject()["subject"].toString(), "strict.tvo");
     ASSERT_EQ(report["warnings"].toArray().size(), 1);
-    EXPECT_TRUE(report["warnings"][0].toString().startsWith("Warning: 'launch.txt' carries a post-export command"));
+    EXPECT_TRUE(
+        report["warnings"][0].toString().startsWith("Warning: 'launch.txt' carries a post-export command"));
 
     EXPECT_EQ(Run({kSample, "refused.tvo", "--set", "nope=1", "--report-json", "r.json"}).code, 2);
     EXPECT_EQ(Json(ReadAll(m_dir + "/r.json"))["error"].toObject()["subject"].toString(), "options");
@@ -208,7 +196,8 @@ TEST_F(Pipeline, BatchIsolatesScenesAndKeepsBytesExact)
         EXPECT_EQ(run.code, 1);
         EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 5) << run.err;
         EXPECT_NE(run.err.find("ostrex: error: broken.gltf: "), std::string::npos) << run.err;
-        EXPECT_NE(run.err.find("Wrote out " + std::string(jobs) + "/crate ü.tvo: "), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find("Wrote out " + std::string(jobs) + "/crate ü.tvo: "), std::string::npos)
+            << run.err;
         const std::string last = "ostrex: 1 of 4 scenes failed; 3 written to out " + std::string(jobs) + "\n";
         EXPECT_EQ(run.err.substr(run.err.size() - std::min(run.err.size(), last.size())), last);
     }
@@ -217,53 +206,6 @@ TEST_F(Pipeline, BatchIsolatesScenesAndKeepsBytesExact)
         EXPECT_TRUE(ReadAll(m_dir + "/out 1/" + name) == ReadAll(m_dir + "/out 4/" + name)) << name;
     EXPECT_TRUE(ReadAll(m_dir + "/out 1/sample.tvo") == ReadAll(m_dir + "/single.tvo"));
 
-    // The importer's own OBJ test files, good and bad: each gets its one line, and only failures fail.
-    std::vector<std::string> args = {"--out-dir", "obj", "-j", "2"};
-    for (const auto& entry : fs::directory_iterator(std::string(OSTREX_ASSIMP_MODELS) + "/OBJ"))
-        if (entry.path().extension() == ".obj")
-            args.push_back(entry.path());
-    const SRun run = Run(args);
-    const size_t objFiles = args.size() - 4;
-    int written = 0, failed = 0;
-    for (size_t at = 0; at < run.err.size(); at = run.err.find('\n', at) + 1)
-    {
-        written += run.err.compare(at, 10, "Wrote obj/") == 0;
-        failed += run.err.compare(at, 15, "ostrex: error: ") == 0;
-    }
-    EXPECT_EQ(static_cast<size_t>(written + failed), objFiles) << run.err;
-    EXPECT_EQ(run.code, failed ? 1 : 0);
-    EXPECT_EQ(static_cast<int>(std::distance(fs::directory_iterator(m_dir + "/obj"), fs::directory_iterator())), written);
-
     EXPECT_EQ(Run({"--out-dir", "twice", kSample, kSample}).code, 2);
     EXPECT_FALSE(fs::exists(m_dir + "/twice"));
-}
-
-// Batch options parse into the scene list; combinations that name one export, or batch options
-// without a batch, are usage errors with the reason.
-TEST(PipelineCommandLine, BatchOptionsAndTheirConflicts)
-{
-    const char* batch[] = {"ostrex", "--out-dir", "out", "-j", "3", "--format=h", "a.gltf", "b c.obj"};
-    const SCommandLine cl = ParseCommandLine(8, batch);
-    ASSERT_EQ(cl.action, eCommandBatch) << cl.error;
-    EXPECT_EQ(cl.inputs, (std::vector<std::string>{"a.gltf", "b c.obj"}));
-    EXPECT_EQ(cl.jobs, 3);
-    EXPECT_EQ(cl.format, "h");
-
-    const std::pair<std::vector<const char*>, std::string> rows[] = {
-        {{"--out-dir", "o"}, "--out-dir needs at least one SCENE"},
-        {{"--out-dir", "o", "-j", "0", "a"}, "-j needs a whole number from 1 to 256, not '0'"},
-        {{"--out-dir", "o", "--format", "obj", "a"}, "--format needs tvo, h or cpp, not 'obj'"},
-        {{"--out-dir", "o", "--depfile", "d", "a"},
-         "--depfile, --report-json and --view name one export; they do not combine with --out-dir"},
-        {{"a", "b", "-j", "2"}, "-j and --format only apply with --out-dir"},
-        {{"a", "b", "--depfile", "x", "--depfile", "y"}, "--depfile given more than once"},
-    };
-    for (const auto& [args, reason] : rows)
-    {
-        std::vector<const char*> argv = {"ostrex"};
-        argv.insert(argv.end(), args.begin(), args.end());
-        const SCommandLine bad = ParseCommandLine(static_cast<int>(argv.size()), argv.data());
-        EXPECT_EQ(bad.action, eCommandUsageError) << reason;
-        EXPECT_EQ(bad.error, reason);
-    }
 }
