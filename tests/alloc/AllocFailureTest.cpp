@@ -6,6 +6,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -72,6 +73,12 @@ struct SOptionSet
     const char* text;
     const char* file;
 };
+
+// Test names and listings show the output file, not the record's bytes (which change from run to run).
+void PrintTo(const SOptionSet& set, std::ostream* out)
+{
+    *out << set.file;
+}
 
 class AllocFailure : public ::testing::TestWithParam<SOptionSet>
 {
