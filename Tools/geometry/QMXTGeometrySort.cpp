@@ -20,7 +20,8 @@
 //   and per edge (third corner in the option) give every candidate's ratio directly, so only the
 //   candidates with the best ratio are appraised; one that closes only itself is scored from its
 //   own edges, others from the triangle lists of its new corners, the result kept until a
-//   triangle at those corners gets a corner in the option (per-vertex change counters);
+//   triangle at those corners gets a corner in the option (per-vertex change counters); the
+//   winner's triangles come from the same lists, sorted into the order of the plain walk;
 // - otherwise, or when the triangle cap cuts a closing short, the plain appraisal walk decides.
 #include "QMXTGeometrySort.h"
 #include "QMXTLargeArray.h"
@@ -649,6 +650,60 @@ class CGeometrySorter
         return true;
     }
 
+    // What Appraise(t, s, false) gives, from the triangle lists of t's new corners only: exact under
+    // the conditions of AppraiseFast. Its walk meets the triangles by the first of t's corners they
+    // touch, then in triangle order (the order of the lists), which the sort restores. False when
+    // it cannot decide.
+    bool AppraiseNewCorners(int32_t t, SOption& s)
+    {
+        if (m_nClosedOutside != 0)
+            return false;
+        const uint32_t* tv = Tri(t);
+        s.Clear();
+        for (int c = 0; c < 3; ++c)
+            if (!InWork(tv[c]))
+                s.vtx.push_back(static_cast<int32_t>(tv[c]));
+        const size_t nNew = s.vtx.size();
+        if (nNew == 0 || nNew == 3 || m_nVtxMax - m_work.vtx.size() < nNew)
+            return false;
+        const uint32_t nv[2] = {uint32_t(s.vtx[0]), nNew == 2 ? uint32_t(s.vtx[1]) : UINT32_MAX};
+        const size_t cap = m_nTriMax - m_work.tri.size();
+        for (size_t i = 0; i < nNew; ++i)
+            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
+            {
+                const STriangle& u = m_tri[*p];
+                if (u.bUsed || u.nWork == m_workStamp)
+                    continue;
+                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
+                    continue; // met in the first new vertex's list
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
+                if (!closes)
+                    continue;
+                if (s.tri.size() == cap)
+                    return false;
+                s.tri.push_back(*p);
+            }
+        auto walkKey = [&](int32_t u) {
+            const uint32_t* uv = Tri(u);
+            uint64_t c = 0;
+            while (uv[0] != tv[c] && uv[1] != tv[c] && uv[2] != tv[c])
+                ++c;
+            return (c << 32) | uint64_t(u);
+        };
+        for (size_t i = 1; i < s.tri.size(); ++i)
+        {
+            const int32_t u = s.tri[i];
+            const uint64_t key = walkKey(u);
+            size_t j = i;
+            for (; j > 0 && walkKey(s.tri[j - 1]) > key; --j)
+                s.tri[j] = s.tri[j - 1];
+            s.tri[j] = u;
+        }
+        return true;
+    }
+
     // Six times the triangles-per-vertex ratio of appraising t, from the counts of triangles that
     // close at its new corners and on the edge between two new corners (all the fast appraisal
     // takes), or UINT64_MAX when those do not decide the appraisal. False when t's new corners do
@@ -804,9 +859,9 @@ class CGeometrySorter
                     keptScore = score;
                 }
             }
-            // The winner's full appraisal gives its triangles in walk order (it cannot be refused
-            // here: its score was taken under the same option).
-            if (kept < 0 || !Appraise(kept, m_scratch[0], false))
+            // The winner's triangles in the appraisal's walk order (it cannot be refused here: its
+            // score was taken under the same option).
+            if (kept < 0 || (!AppraiseNewCorners(kept, m_scratch[0]) && !Appraise(kept, m_scratch[0], false)))
                 break;
             const size_t nOld = m_work.vtx.size();
             for (int32_t v : m_scratch[0].vtx)
