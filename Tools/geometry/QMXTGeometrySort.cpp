@@ -169,13 +169,13 @@ bool IsBetterThan(const SScore& a, const SScore& b)
 // A candidate triangle of the current growth and its cached fast appraisal.
 struct SCandidate
 {
+    uint64_t nRatio = 0; // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
+    SScore score{};
     int32_t nTriangle = 0;
-    uint64_t nRatio = 0;   // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
     uint32_t nClosing = 0; // sum of the closing counters of its new corners
     uint32_t nCap = 0;
-    uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
-    bool bFast = false;   // the score below is from the fast appraisal (otherwise not kept)
-    SScore score{};
+    uint8_t nNewVtx = 0; // corners of the triangle not yet in the option
+    bool bFast = false;  // the score above is from the fast appraisal (otherwise not kept)
 };
 
 // A full block grown from one start vertex, kept while none of the vertices it looked at changed.
@@ -623,7 +623,7 @@ class CGeometrySorter
                     continue; // met in the first new vertex's list
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
+                    closes = u.v[k] == nv[0] || u.v[k] == nv[1] || InWork(u.v[k]);
                 if (!closes)
                     continue;
                 if (++count > cap)
@@ -678,7 +678,7 @@ class CGeometrySorter
                     continue; // met in the first new vertex's list
                 bool closes = true;
                 for (int k = 0; k < 3 && closes; ++k)
-                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
+                    closes = u.v[k] == nv[0] || u.v[k] == nv[1] || InWork(u.v[k]);
                 if (!closes)
                     continue;
                 if (s.tri.size() == cap)
@@ -779,7 +779,7 @@ class CGeometrySorter
         }
         c.nClosing = closing;
         c.nCap = static_cast<uint32_t>(cap);
-        c.nNewVtx = static_cast<uint32_t>(nNewVtx);
+        c.nNewVtx = static_cast<uint8_t>(nNewVtx);
         c.score = score;
         return accepted;
     }
