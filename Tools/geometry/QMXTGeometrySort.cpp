@@ -217,6 +217,9 @@ class CGeometrySorter
         m_depHead.assign(nVtx, -1);
         m_fastEdgeIds.resize(size_t(std::min(nTriMax, nTri)) * 3);
         m_fastEdgeUses.resize(size_t(std::min(nTriMax, nTri)) * 3);
+        m_fastTris.reserve(std::min(nTriMax, nTri));
+        m_walkKeys.reserve(std::min(nTriMax, nTri));
+        m_keptTris.reserve(std::min(nTriMax, nTri));
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.
@@ -579,6 +582,48 @@ class CGeometrySorter
         s.nClosedDelta += EdgeTerm(m_edges[e].nRem, 1);
     }
 
+    // The unwritten triangles outside the option at the new corners nv (one or two) whose corners
+    // are all in the option or among nv, each once, in the order of the corners' lists. False when
+    // there are more than cap.
+    bool CollectClosing(const uint32_t* nv, uint32_t nNew, size_t cap, std::vector<int32_t>& out) const
+    {
+        out.clear();
+        for (uint32_t i = 0; i < nNew; ++i)
+        {
+            const uint32_t self = nv[i], other = nNew == 2 ? nv[1 - i] : UINT32_MAX;
+            for (const int32_t *p = TrisBegin(int32_t(self)), *end = TrisEnd(int32_t(self)); p != end; ++p)
+            {
+                const STriangle& u = m_tri[*p];
+                if (u.bUsed || u.nWork == m_workStamp)
+                    continue;
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = u.v[k] == other ? i == 0 /* else met in the first list */
+                                             : u.v[k] == self || InWork(u.v[k]);
+                if (!closes)
+                    continue;
+                if (out.size() == cap)
+                    return false;
+                out.push_back(*p);
+            }
+        }
+        return true;
+    }
+
+    // The count of t's corners not in the option; the first two of them go to nv in corner order.
+    uint32_t NewCorners(const uint32_t* tv, uint32_t* nv) const
+    {
+        uint32_t nNew = 0;
+        for (int c = 0; c < 3; ++c)
+            if (!InWork(tv[c]))
+            {
+                if (nNew < 2)
+                    nv[nNew] = tv[c];
+                ++nNew;
+            }
+        return nNew;
+    }
+
     // The score of appraising t from the triangle lists of its new vertices only. Exact while no
     // triangle outside the option has all its corners in it (then every triangle the walk would
     // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
@@ -587,17 +632,9 @@ class CGeometrySorter
     {
         if (m_nClosedOutside != 0)
             return false;
-        const uint32_t* tv = Tri(t);
-        uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
-        uint32_t nNew = 0;
-        for (int c = 0; c < 3; ++c)
-            if (!InWork(tv[c]))
-            {
-                if (nNew == 2)
-                    return false;
-                nv[nNew++] = tv[c];
-            }
-        if (nNew == 0)
+        uint32_t nv[2];
+        const uint32_t nNew = NewCorners(Tri(t), nv);
+        if (nNew == 0 || nNew == 3)
             return false;
         nNewVtx = nNew;
         if (m_nVtxMax - m_work.vtx.size() < nNew)
@@ -606,102 +643,77 @@ class CGeometrySorter
             score = Score(0, nNew, 0);
             return true;
         }
-        const size_t cap = m_nTriMax - m_work.tri.size();
-        size_t count = 0;
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), m_fastTris))
+            return false;
         // Distinct edges of the triangles taken and their use counts; the closed-edge delta is summed
         // at the end. Few triangles close at once, so a linear search is cheapest.
         int32_t* edgeIds = m_fastEdgeIds.data();
         int32_t* edgeUses = m_fastEdgeUses.data();
         size_t nEdges = 0;
-        for (uint32_t i = 0; i < nNew; ++i)
-            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
+        for (int32_t u : m_fastTris)
+            for (int k = 0; k < 3; ++k)
             {
-                const STriangle& u = m_tri[*p];
-                if (u.bUsed || u.nWork == m_workStamp)
-                    continue;
-                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
-                    continue; // met in the first new vertex's list
-                bool closes = true;
-                for (int k = 0; k < 3 && closes; ++k)
-                    closes = u.v[k] == nv[0] || u.v[k] == nv[1] || InWork(u.v[k]);
-                if (!closes)
-                    continue;
-                if (++count > cap)
-                    return false;
-                for (int k = 0; k < 3; ++k)
+                const int32_t e = m_triEdge[size_t(u) * 3 + k];
+                size_t j = 0;
+                while (j < nEdges && edgeIds[j] != e)
+                    ++j;
+                if (j == nEdges)
                 {
-                    const int32_t e = m_triEdge[size_t(*p) * 3 + k];
-                    size_t j = 0;
-                    while (j < nEdges && edgeIds[j] != e)
-                        ++j;
-                    if (j == nEdges)
-                    {
-                        edgeIds[nEdges] = e;
-                        edgeUses[nEdges++] = 0;
-                    }
-                    ++edgeUses[j];
+                    edgeIds[nEdges] = e;
+                    edgeUses[nEdges++] = 0;
                 }
+                ++edgeUses[j];
             }
         int delta = 0;
         for (size_t j = 0; j < nEdges; ++j)
             delta += EdgeTerm(m_edges[edgeIds[j]].nRem, edgeUses[j]);
         accepted = true;
-        score = Score(count, nNew, delta);
+        score = Score(m_fastTris.size(), nNew, delta);
         return true;
     }
 
     // What Appraise(t, s, false) gives, from the triangle lists of t's new corners only: exact under
-    // the conditions of AppraiseFast. Its walk meets the triangles by the first of t's corners they
-    // touch, then in triangle order (the order of the lists), which the sort restores. False when
-    // it cannot decide.
+    // the conditions of AppraiseFast. False when it cannot decide.
     bool AppraiseNewCorners(int32_t t, SOption& s)
     {
         if (m_nClosedOutside != 0)
             return false;
+        uint32_t nv[2];
+        const uint32_t nNew = NewCorners(Tri(t), nv);
+        if (nNew == 0 || nNew == 3 || m_nVtxMax - m_work.vtx.size() < nNew)
+            return false;
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), m_keptTris))
+            return false;
+        TakeInWalkOrder(t, m_keptTris, s);
+        return true;
+    }
+
+    // Sets s to what Appraise(t, s, false) gives when tris are the triangles it takes. Its walk
+    // meets them by the first of t's corners they touch, then in triangle order (the order of the
+    // lists), which the sort restores.
+    void TakeInWalkOrder(int32_t t, const std::vector<int32_t>& tris, SOption& s)
+    {
         const uint32_t* tv = Tri(t);
         s.Clear();
         for (int c = 0; c < 3; ++c)
             if (!InWork(tv[c]))
                 s.vtx.push_back(static_cast<int32_t>(tv[c]));
-        const size_t nNew = s.vtx.size();
-        if (nNew == 0 || nNew == 3 || m_nVtxMax - m_work.vtx.size() < nNew)
-            return false;
-        const uint32_t nv[2] = {uint32_t(s.vtx[0]), nNew == 2 ? uint32_t(s.vtx[1]) : UINT32_MAX};
-        const size_t cap = m_nTriMax - m_work.tri.size();
-        for (size_t i = 0; i < nNew; ++i)
-            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
-            {
-                const STriangle& u = m_tri[*p];
-                if (u.bUsed || u.nWork == m_workStamp)
-                    continue;
-                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
-                    continue; // met in the first new vertex's list
-                bool closes = true;
-                for (int k = 0; k < 3 && closes; ++k)
-                    closes = u.v[k] == nv[0] || u.v[k] == nv[1] || InWork(u.v[k]);
-                if (!closes)
-                    continue;
-                if (s.tri.size() == cap)
-                    return false;
-                s.tri.push_back(*p);
-            }
-        auto walkKey = [&](int32_t u) {
+        m_walkKeys.clear();
+        for (int32_t u : tris)
+        {
             const uint32_t* uv = Tri(u);
             uint64_t c = 0;
             while (uv[0] != tv[c] && uv[1] != tv[c] && uv[2] != tv[c])
                 ++c;
-            return (c << 32) | uint64_t(u);
-        };
-        for (size_t i = 1; i < s.tri.size(); ++i)
-        {
-            const int32_t u = s.tri[i];
-            const uint64_t key = walkKey(u);
-            size_t j = i;
-            for (; j > 0 && walkKey(s.tri[j - 1]) > key; --j)
-                s.tri[j] = s.tri[j - 1];
-            s.tri[j] = u;
+            const uint64_t key = (c << 32) | uint64_t(u);
+            size_t j = m_walkKeys.size();
+            m_walkKeys.push_back(key);
+            for (; j > 0 && m_walkKeys[j - 1] > key; --j)
+                m_walkKeys[j] = m_walkKeys[j - 1];
+            m_walkKeys[j] = key;
         }
-        return true;
+        for (uint64_t key : m_walkKeys)
+            s.tri.push_back(int32_t(key & 0xFFFFFFFFu));
     }
 
     // Six times the triangles-per-vertex ratio of appraising t, from the counts of triangles that
@@ -756,9 +768,11 @@ class CGeometrySorter
             for (int k = 0; k < 3; ++k)
                 delta += EdgeTerm(m_edges[m_triEdge[size_t(c.nTriangle) * 3 + k]].nRem, 1);
             score = Score(1, nNew, delta);
+            m_scoredFrom = eScoredAlone;
             return true;
         }
         const size_t cap = m_nTriMax - m_work.tri.size();
+        m_scoredFrom = eScoredElse;
         if (c.bFast && m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nClosing == closing)
         {
             if (c.nNewVtx > m_nVtxMax - m_work.vtx.size())
@@ -772,7 +786,9 @@ class CGeometrySorter
         bool accepted;
         size_t nNewVtx = 0;
         c.bFast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
-        if (!c.bFast)
+        if (c.bFast)
+            m_scoredFrom = eScoredFast;
+        else
         {
             accepted = Appraise(c.nTriangle, m_scratch[1]);
             score = Score(m_scratch[1]);
@@ -848,6 +864,7 @@ class CGeometrySorter
             // best ratio of all, and ratios that differ are never within 0.1 of each other here).
             int32_t kept = -1;
             SScore keptScore{};
+            bool keptTrisKnown = false;
             for (SCandidate& c : m_candidates)
             {
                 SScore score;
@@ -857,11 +874,21 @@ class CGeometrySorter
                 {
                     kept = c.nTriangle;
                     keptScore = score;
+                    // Keep the triangles the score was taken from when they are at hand.
+                    keptTrisKnown = m_scoredFrom != eScoredElse;
+                    if (m_scoredFrom == eScoredAlone)
+                        m_keptTris.assign(1, kept);
+                    else if (m_scoredFrom == eScoredFast)
+                        std::swap(m_keptTris, m_fastTris);
                 }
             }
             // The winner's triangles in the appraisal's walk order (it cannot be refused here: its
             // score was taken under the same option).
-            if (kept < 0 || (!AppraiseNewCorners(kept, m_scratch[0]) && !Appraise(kept, m_scratch[0], false)))
+            if (kept < 0)
+                break;
+            if (keptTrisKnown)
+                TakeInWalkOrder(kept, m_keptTris, m_scratch[0]);
+            else if (!AppraiseNewCorners(kept, m_scratch[0]) && !Appraise(kept, m_scratch[0], false))
                 break;
             const size_t nOld = m_work.vtx.size();
             for (int32_t v : m_scratch[0].vtx)
@@ -1201,6 +1228,17 @@ class CGeometrySorter
     std::vector<SCandidate> m_candidates; // of the current growth
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
+    std::vector<int32_t> m_fastTris;                    // the triangles of the last fast appraisal
+    std::vector<int32_t> m_keptTris;                    // the triangles of the growth's next winner
+    // Where CandidateScore took its last score from: a fresh fast appraisal (its triangles are in
+    // m_fastTris), the candidate alone, or elsewhere (cache or full appraisal).
+    enum EScoredFrom
+    {
+        eScoredFast,
+        eScoredAlone,
+        eScoredElse
+    } m_scoredFrom = eScoredElse;
+    std::vector<uint64_t> m_walkKeys;                   // sort keys of the winner's triangles
     uint32_t m_growth = 0; // stamps the candidates listed by the current growth
     int32_t m_nBestBlock = -1; // grown block that is the best so far, not yet taken into m_best
 };
