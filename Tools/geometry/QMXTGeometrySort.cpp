@@ -440,20 +440,26 @@ class CGeometrySorter
         return s.nClosedStamp == m_workStamp ? s.nClosed : 0;
     }
 
-    void WorkAddVertex(int32_t v)
+    // Adds v to the option. With bCandidates (a growth step whose joining triangles carry the
+    // scratch stamp), also does what AddCandidates(v, footprint) would do once they joined.
+    template <bool bCandidates = false> void WorkAddVertex(int32_t v, std::vector<int32_t>* footprint = nullptr)
     {
         if (InWork(v))
             return;
         m_vState[v].nWork = m_workStamp;
         m_work.vtx.push_back(v);
+        if (bCandidates && footprint)
+            Footprint(*footprint, v);
         // Every unwritten triangle at v outside the option may now close against it: the triangles a
         // fast appraisal at its other corners can take change (their counters move). Triangles whose
         // corners are now all in the option but that it does not hold yet are counted.
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
         {
-            const STriangle& u = m_tri[*p];
+            STriangle& u = m_tri[*p];
             if (u.bUsed || u.nWork == m_workStamp)
                 continue;
+            if (bCandidates && u.nScratch != m_scratchStamp && u.nCandidate != m_growth)
+                AddCandidate(*p, footprint);
             const int c = u.v[0] == uint32_t(v) ? 0 : u.v[1] == uint32_t(v) ? 1 : 2;
             const uint32_t a = u.v[(c + 1) % 3], b = u.v[(c + 2) % 3];
             const bool inA = InWork(a), inB = InWork(b);
@@ -808,17 +814,21 @@ class CGeometrySorter
             Footprint(*footprint, v);
         for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
         {
-            STriangle& u = m_tri[*p];
-            if (u.bUsed || u.nWork == m_workStamp || u.nCandidate == m_growth)
-                continue;
-            u.nCandidate = m_growth;
-            SCandidate c{};
-            c.nTriangle = *p;
-            m_candidates.push_back(c);
-            if (footprint)
-                for (int k = 0; k < 3; ++k)
-                    Footprint(*footprint, int32_t(u.v[k]));
+            const STriangle& u = m_tri[*p];
+            if (!u.bUsed && u.nWork != m_workStamp && u.nCandidate != m_growth)
+                AddCandidate(*p, footprint);
         }
+    }
+    void AddCandidate(int32_t t, std::vector<int32_t>* footprint)
+    {
+        STriangle& u = m_tri[t];
+        u.nCandidate = m_growth;
+        SCandidate c{};
+        c.nTriangle = t;
+        m_candidates.push_back(c);
+        if (footprint)
+            for (int k = 0; k < 3; ++k)
+                Footprint(*footprint, int32_t(u.v[k]));
     }
 
     // Grows the working option by the best appraised candidate until nothing fits: the first
@@ -890,13 +900,15 @@ class CGeometrySorter
                 TakeInWalkOrder(kept, m_keptTris, m_scratch[0]);
             else if (!AppraiseNewCorners(kept, m_scratch[0]) && !Appraise(kept, m_scratch[0], false))
                 break;
-            const size_t nOld = m_work.vtx.size();
+            // The new vertices list their triangles that stay outside as candidates, in the order
+            // of the vertices and their lists.
+            ++m_scratchStamp;
+            for (int32_t t : m_scratch[0].tri)
+                m_tri[t].nScratch = m_scratchStamp;
             for (int32_t v : m_scratch[0].vtx)
-                WorkAddVertex(v);
+                WorkAddVertex<true>(v, footprint);
             for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
-            for (size_t i = nOld; i < m_work.vtx.size(); ++i)
-                AddCandidates(m_work.vtx[i], footprint);
         }
     }
 
