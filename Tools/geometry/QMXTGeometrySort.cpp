@@ -300,7 +300,7 @@ class CGeometrySorter
         QMXTLargeVector<int32_t> number(m_nVtx);
         int32_t nEdges = 0;
         for (uint32_t a = 0; a < m_nVtx; ++a)
-            for (const int32_t* p = TrisBegin(int32_t(a)); p != TrisEnd(int32_t(a)); ++p)
+            for (const int32_t *p = TrisBegin(int32_t(a)), *end = TrisEnd(int32_t(a)); p != end; ++p)
             {
                 const uint32_t* u = Tri(*p);
                 const int c = u[0] == a ? 0 : u[1] == a ? 1 : 2;
@@ -339,7 +339,7 @@ class CGeometrySorter
             placed[v] = 1;
             m_list[end++] = static_cast<int32_t>(v);
             for (uint32_t k = start; k < end; ++k)
-                for (const int32_t* p = TrisBegin(m_list[k]); p != TrisEnd(m_list[k]); ++p)
+                for (const int32_t *p = TrisBegin(m_list[k]), *pEnd = TrisEnd(m_list[k]); p != pEnd; ++p)
                     for (int c = 0; c < 3; ++c)
                     {
                         const uint32_t w = Tri(*p)[c];
@@ -453,7 +453,7 @@ class CGeometrySorter
         // Every unwritten triangle at v outside the option may now close against it: the triangles a
         // fast appraisal at its other corners can take change (their counters move). Triangles whose
         // corners are now all in the option but that it does not hold yet are counted.
-        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end; ++p)
         {
             STriangle& u = m_tri[*p];
             if (u.bUsed || u.nWork == m_workStamp)
@@ -556,7 +556,7 @@ class CGeometrySorter
         for (int c = 0; c < 3; ++c)
         {
             const int32_t v = static_cast<int32_t>(tv[c]);
-            for (const int32_t* p = TrisBegin(v); p != TrisEnd(v) && s.tri.size() < cap; ++p)
+            for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end && s.tri.size() < cap; ++p)
             {
                 const int32_t u = *p;
                 if (m_tri[u].bUsed || m_tri[u].nWork == m_workStamp || m_tri[u].nScratch == m_scratchStamp)
@@ -812,7 +812,7 @@ class CGeometrySorter
     {
         if (footprint)
             Footprint(*footprint, v);
-        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end; ++p)
         {
             const STriangle& u = m_tri[*p];
             if (!u.bUsed && u.nWork != m_workStamp && u.nCandidate != m_growth)
