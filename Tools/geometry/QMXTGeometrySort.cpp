@@ -590,8 +590,9 @@ class CGeometrySorter
 
     // The unwritten triangles outside the option at the new corners nv (one or two) whose corners
     // are all in the option or among nv, each once, in the order of the corners' lists. False when
-    // there are more than cap.
-    bool CollectClosing(const uint32_t* nv, uint32_t nNew, size_t cap, std::vector<int32_t>& out) const
+    // there are more than cap. The walk stops once it has the count known from the closing
+    // counters (SIZE_MAX when not known).
+    bool CollectClosing(const uint32_t* nv, uint32_t nNew, size_t cap, size_t nKnown, std::vector<int32_t>& out) const
     {
         out.clear();
         for (uint32_t i = 0; i < nNew; ++i)
@@ -611,9 +612,18 @@ class CGeometrySorter
                 if (out.size() == cap)
                     return false;
                 out.push_back(*p);
+                if (out.size() == nKnown)
+                    return true;
             }
         }
         return true;
+    }
+
+    // The count of triangles the appraisal of a candidate with nNew new corners takes, when its
+    // ratio from Ratio is known (the closing counters count exactly those), else SIZE_MAX.
+    static size_t KnownCount(uint64_t nRatio, uint32_t nNew)
+    {
+        return nRatio == UINT64_MAX ? SIZE_MAX : size_t(nRatio * nNew / 6);
     }
 
     // The count of t's corners not in the option; the first two of them go to nv in corner order.
@@ -634,7 +644,7 @@ class CGeometrySorter
     // triangle outside the option has all its corners in it (then every triangle the walk would
     // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
     // order does not matter). False when it cannot decide.
-    bool AppraiseFast(int32_t t, bool& accepted, size_t& nNewVtx, SScore& score)
+    bool AppraiseFast(int32_t t, uint64_t nRatio, bool& accepted, size_t& nNewVtx, SScore& score)
     {
         if (m_nClosedOutside != 0)
             return false;
@@ -649,7 +659,7 @@ class CGeometrySorter
             score = Score(0, nNew, 0);
             return true;
         }
-        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), m_fastTris))
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), KnownCount(nRatio, nNew), m_fastTris))
             return false;
         // Distinct edges of the triangles taken and their use counts; the closed-edge delta is summed
         // at the end. Few triangles close at once, so a linear search is cheapest.
@@ -680,7 +690,7 @@ class CGeometrySorter
 
     // What Appraise(t, s, false) gives, from the triangle lists of t's new corners only: exact under
     // the conditions of AppraiseFast. False when it cannot decide.
-    bool AppraiseNewCorners(int32_t t, SOption& s)
+    bool AppraiseNewCorners(int32_t t, uint64_t nRatio, SOption& s)
     {
         if (m_nClosedOutside != 0)
             return false;
@@ -688,7 +698,7 @@ class CGeometrySorter
         const uint32_t nNew = NewCorners(Tri(t), nv);
         if (nNew == 0 || nNew == 3 || m_nVtxMax - m_work.vtx.size() < nNew)
             return false;
-        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), m_keptTris))
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), KnownCount(nRatio, nNew), m_keptTris))
             return false;
         TakeInWalkOrder(t, m_keptTris, s);
         return true;
@@ -791,7 +801,7 @@ class CGeometrySorter
         }
         bool accepted;
         size_t nNewVtx = 0;
-        c.bFast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
+        c.bFast = AppraiseFast(c.nTriangle, c.nRatio, accepted, nNewVtx, score);
         if (c.bFast)
             m_scoredFrom = eScoredFast;
         else
@@ -875,6 +885,7 @@ class CGeometrySorter
             int32_t kept = -1;
             SScore keptScore{};
             bool keptTrisKnown = false;
+            uint64_t keptRatio = UINT64_MAX;
             for (SCandidate& c : m_candidates)
             {
                 SScore score;
@@ -884,6 +895,7 @@ class CGeometrySorter
                 {
                     kept = c.nTriangle;
                     keptScore = score;
+                    keptRatio = c.nRatio;
                     // Keep the triangles the score was taken from when they are at hand.
                     keptTrisKnown = m_scoredFrom != eScoredElse;
                     if (m_scoredFrom == eScoredAlone)
@@ -898,7 +910,7 @@ class CGeometrySorter
                 break;
             if (keptTrisKnown)
                 TakeInWalkOrder(kept, m_keptTris, m_scratch[0]);
-            else if (!AppraiseNewCorners(kept, m_scratch[0]) && !Appraise(kept, m_scratch[0], false))
+            else if (!AppraiseNewCorners(kept, keptRatio, m_scratch[0]) && !Appraise(kept, m_scratch[0], false))
                 break;
             // The new vertices list their triangles that stay outside as candidates, in the order
             // of the vertices and their lists.
