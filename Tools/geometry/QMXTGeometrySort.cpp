@@ -1156,8 +1156,8 @@ class CGeometrySorter
             for (int c = 0; c < 3; ++c)
             {
                 const int32_t v = static_cast<int32_t>(Tri(t)[c]);
-                --m_rem[v];
-                UpdateBits(v);
+                if (--m_rem[v] <= 1)
+                    UpdateBits(v); // the bits only change on the way from 2 to 0
                 VertexChanged(v);
                 DropGrownBlock(v);
                 --m_edges[m_triEdge[size_t(t) * 3 + c]].nRem;
