@@ -186,6 +186,7 @@ struct SGrownBlock
     std::vector<int32_t> vtx, tri;
     std::vector<SEdgeUse> edges;
     int nClosedDelta = 0;
+    SScore score{}; // of the block, compared against the best on every walk over the front
 };
 
 bool IsDegenerate(const uint32_t* tri)
@@ -967,6 +968,7 @@ class CGeometrySorter
         b.tri = m_work.tri;
         b.edges = m_work.edges;
         b.nClosedDelta = m_work.nClosedDelta;
+        b.score = Score(m_work);
         // Each vertex read remembers the block, so that a change there invalidates it.
         for (int32_t x : m_footprintScratch)
         {
@@ -1032,7 +1034,7 @@ class CGeometrySorter
         return true;
     }
 
-    static SScore BlockScore(const SGrownBlock& b) { return Score(b.tri.size(), b.vtx.size(), b.nClosedDelta); }
+    static const SScore& BlockScore(const SGrownBlock& b) { return b.score; }
 
     // While grown blocks are compared the best of them is only named (most are beaten again soon);
     // it becomes the best option here, before anything reads the best option or drops a block.
