@@ -20,7 +20,8 @@
 //   and per edge (third corner in the option) give every candidate's ratio directly, so only the
 //   candidates with the best ratio are appraised; one that closes only itself is scored from its
 //   own edges, others from the triangle lists of its new corners, the result kept until a
-//   triangle at those corners gets a corner in the option (per-vertex change counters);
+//   triangle at those corners gets a corner in the option (per-vertex change counters); the
+//   winner's triangles come from the same lists, sorted into the order of the plain walk;
 // - otherwise, or when the triangle cap cuts a closing short, the plain appraisal walk decides.
 #include "QMXTGeometrySort.h"
 #include "QMXTLargeArray.h"
@@ -168,13 +169,13 @@ bool IsBetterThan(const SScore& a, const SScore& b)
 // A candidate triangle of the current growth and its cached fast appraisal.
 struct SCandidate
 {
+    uint64_t nRatio = 0; // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
+    SScore score{};
     int32_t nTriangle = 0;
-    uint64_t nRatio = 0;   // six times its triangles-per-vertex ratio, UINT64_MAX when unknown
     uint32_t nClosing = 0; // sum of the closing counters of its new corners
     uint32_t nCap = 0;
-    uint32_t nNewVtx = 0; // corners of the triangle not yet in the option
-    bool bFast = false;   // the score below is from the fast appraisal (otherwise not kept)
-    SScore score{};
+    uint8_t nNewVtx = 0; // corners of the triangle not yet in the option
+    bool bFast = false;  // the score above is from the fast appraisal (otherwise not kept)
 };
 
 // A full block grown from one start vertex, kept while none of the vertices it looked at changed.
@@ -185,6 +186,7 @@ struct SGrownBlock
     std::vector<int32_t> vtx, tri;
     std::vector<SEdgeUse> edges;
     int nClosedDelta = 0;
+    SScore score{}; // of the block, compared against the best on every walk over the front
 };
 
 bool IsDegenerate(const uint32_t* tri)
@@ -216,6 +218,9 @@ class CGeometrySorter
         m_depHead.assign(nVtx, -1);
         m_fastEdgeIds.resize(size_t(std::min(nTriMax, nTri)) * 3);
         m_fastEdgeUses.resize(size_t(std::min(nTriMax, nTri)) * 3);
+        m_fastTris.reserve(std::min(nTriMax, nTri));
+        m_walkKeys.reserve(std::min(nTriMax, nTri));
+        m_keptTris.reserve(std::min(nTriMax, nTri));
     }
 
     // Writes the new triangle order into out and the triangle count of each block into blocks.
@@ -296,7 +301,7 @@ class CGeometrySorter
         QMXTLargeVector<int32_t> number(m_nVtx);
         int32_t nEdges = 0;
         for (uint32_t a = 0; a < m_nVtx; ++a)
-            for (const int32_t* p = TrisBegin(int32_t(a)); p != TrisEnd(int32_t(a)); ++p)
+            for (const int32_t *p = TrisBegin(int32_t(a)), *end = TrisEnd(int32_t(a)); p != end; ++p)
             {
                 const uint32_t* u = Tri(*p);
                 const int c = u[0] == a ? 0 : u[1] == a ? 1 : 2;
@@ -335,7 +340,7 @@ class CGeometrySorter
             placed[v] = 1;
             m_list[end++] = static_cast<int32_t>(v);
             for (uint32_t k = start; k < end; ++k)
-                for (const int32_t* p = TrisBegin(m_list[k]); p != TrisEnd(m_list[k]); ++p)
+                for (const int32_t *p = TrisBegin(m_list[k]), *pEnd = TrisEnd(m_list[k]); p != pEnd; ++p)
                     for (int c = 0; c < 3; ++c)
                     {
                         const uint32_t w = Tri(*p)[c];
@@ -436,20 +441,26 @@ class CGeometrySorter
         return s.nClosedStamp == m_workStamp ? s.nClosed : 0;
     }
 
-    void WorkAddVertex(int32_t v)
+    // Adds v to the option. With bCandidates (a growth step whose joining triangles carry the
+    // scratch stamp), also does what AddCandidates(v, footprint) would do once they joined.
+    template <bool bCandidates = false> void WorkAddVertex(int32_t v, std::vector<int32_t>* footprint = nullptr)
     {
         if (InWork(v))
             return;
         m_vState[v].nWork = m_workStamp;
         m_work.vtx.push_back(v);
+        if (bCandidates && footprint)
+            Footprint(*footprint, v);
         // Every unwritten triangle at v outside the option may now close against it: the triangles a
         // fast appraisal at its other corners can take change (their counters move). Triangles whose
         // corners are now all in the option but that it does not hold yet are counted.
-        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end; ++p)
         {
-            const STriangle& u = m_tri[*p];
+            STriangle& u = m_tri[*p];
             if (u.bUsed || u.nWork == m_workStamp)
                 continue;
+            if (bCandidates && u.nScratch != m_scratchStamp && u.nCandidate != m_growth)
+                AddCandidate(*p, footprint);
             const int c = u.v[0] == uint32_t(v) ? 0 : u.v[1] == uint32_t(v) ? 1 : 2;
             const uint32_t a = u.v[(c + 1) % 3], b = u.v[(c + 2) % 3];
             const bool inA = InWork(a), inB = InWork(b);
@@ -546,7 +557,7 @@ class CGeometrySorter
         for (int c = 0; c < 3; ++c)
         {
             const int32_t v = static_cast<int32_t>(tv[c]);
-            for (const int32_t* p = TrisBegin(v); p != TrisEnd(v) && s.tri.size() < cap; ++p)
+            for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end && s.tri.size() < cap; ++p)
             {
                 const int32_t u = *p;
                 if (m_tri[u].bUsed || m_tri[u].nWork == m_workStamp || m_tri[u].nScratch == m_scratchStamp)
@@ -578,25 +589,69 @@ class CGeometrySorter
         s.nClosedDelta += EdgeTerm(m_edges[e].nRem, 1);
     }
 
-    // The score of appraising t from the triangle lists of its new vertices only. Exact while no
-    // triangle outside the option has all its corners in it (then every triangle the walk would
-    // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
-    // order does not matter). False when it cannot decide.
-    bool AppraiseFast(int32_t t, bool& accepted, size_t& nNewVtx, SScore& score)
+    // The unwritten triangles outside the option at the new corners nv (one or two) whose corners
+    // are all in the option or among nv, each once, in the order of the corners' lists. False when
+    // there are more than cap. The walk stops once it has the count known from the closing
+    // counters (SIZE_MAX when not known).
+    bool CollectClosing(const uint32_t* nv, uint32_t nNew, size_t cap, size_t nKnown, std::vector<int32_t>& out) const
     {
-        if (m_nClosedOutside != 0)
-            return false;
-        const uint32_t* tv = Tri(t);
-        uint32_t nv[2] = {UINT32_MAX, UINT32_MAX};
+        out.clear();
+        for (uint32_t i = 0; i < nNew; ++i)
+        {
+            const uint32_t self = nv[i], other = nNew == 2 ? nv[1 - i] : UINT32_MAX;
+            for (const int32_t *p = TrisBegin(int32_t(self)), *end = TrisEnd(int32_t(self)); p != end; ++p)
+            {
+                const STriangle& u = m_tri[*p];
+                if (u.bUsed || u.nWork == m_workStamp)
+                    continue;
+                bool closes = true;
+                for (int k = 0; k < 3 && closes; ++k)
+                    closes = u.v[k] == other ? i == 0 /* else met in the first list */
+                                             : u.v[k] == self || InWork(u.v[k]);
+                if (!closes)
+                    continue;
+                if (out.size() == cap)
+                    return false;
+                out.push_back(*p);
+                if (out.size() == nKnown)
+                    return true;
+            }
+        }
+        return true;
+    }
+
+    // The count of triangles the appraisal of a candidate with nNew new corners takes, when its
+    // ratio from Ratio is known (the closing counters count exactly those), else SIZE_MAX.
+    static size_t KnownCount(uint64_t nRatio, uint32_t nNew)
+    {
+        return nRatio == UINT64_MAX ? SIZE_MAX : size_t(nRatio * nNew / 6);
+    }
+
+    // The count of t's corners not in the option; the first two of them go to nv in corner order.
+    uint32_t NewCorners(const uint32_t* tv, uint32_t* nv) const
+    {
         uint32_t nNew = 0;
         for (int c = 0; c < 3; ++c)
             if (!InWork(tv[c]))
             {
-                if (nNew == 2)
-                    return false;
-                nv[nNew++] = tv[c];
+                if (nNew < 2)
+                    nv[nNew] = tv[c];
+                ++nNew;
             }
-        if (nNew == 0)
+        return nNew;
+    }
+
+    // The score of appraising t from the triangle lists of its new vertices only. Exact while no
+    // triangle outside the option has all its corners in it (then every triangle the walk would
+    // take has a corner among t's new vertices) and the count stays within the cap (so the walk's
+    // order does not matter). False when it cannot decide.
+    bool AppraiseFast(int32_t t, uint64_t nRatio, bool& accepted, size_t& nNewVtx, SScore& score)
+    {
+        if (m_nClosedOutside != 0)
+            return false;
+        uint32_t nv[2];
+        const uint32_t nNew = NewCorners(Tri(t), nv);
+        if (nNew == 0 || nNew == 3)
             return false;
         nNewVtx = nNew;
         if (m_nVtxMax - m_work.vtx.size() < nNew)
@@ -605,48 +660,77 @@ class CGeometrySorter
             score = Score(0, nNew, 0);
             return true;
         }
-        const size_t cap = m_nTriMax - m_work.tri.size();
-        size_t count = 0;
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), KnownCount(nRatio, nNew), m_fastTris))
+            return false;
         // Distinct edges of the triangles taken and their use counts; the closed-edge delta is summed
         // at the end. Few triangles close at once, so a linear search is cheapest.
         int32_t* edgeIds = m_fastEdgeIds.data();
         int32_t* edgeUses = m_fastEdgeUses.data();
         size_t nEdges = 0;
-        for (uint32_t i = 0; i < nNew; ++i)
-            for (const int32_t* p = TrisBegin(int32_t(nv[i])); p != TrisEnd(int32_t(nv[i])); ++p)
+        for (int32_t u : m_fastTris)
+            for (int k = 0; k < 3; ++k)
             {
-                const STriangle& u = m_tri[*p];
-                if (u.bUsed || u.nWork == m_workStamp)
-                    continue;
-                if (i == 1 && (u.v[0] == nv[0] || u.v[1] == nv[0] || u.v[2] == nv[0]))
-                    continue; // met in the first new vertex's list
-                bool closes = true;
-                for (int k = 0; k < 3 && closes; ++k)
-                    closes = InWork(u.v[k]) || u.v[k] == nv[0] || u.v[k] == nv[1];
-                if (!closes)
-                    continue;
-                if (++count > cap)
-                    return false;
-                for (int k = 0; k < 3; ++k)
+                const int32_t e = m_triEdge[size_t(u) * 3 + k];
+                size_t j = 0;
+                while (j < nEdges && edgeIds[j] != e)
+                    ++j;
+                if (j == nEdges)
                 {
-                    const int32_t e = m_triEdge[size_t(*p) * 3 + k];
-                    size_t j = 0;
-                    while (j < nEdges && edgeIds[j] != e)
-                        ++j;
-                    if (j == nEdges)
-                    {
-                        edgeIds[nEdges] = e;
-                        edgeUses[nEdges++] = 0;
-                    }
-                    ++edgeUses[j];
+                    edgeIds[nEdges] = e;
+                    edgeUses[nEdges++] = 0;
                 }
+                ++edgeUses[j];
             }
         int delta = 0;
         for (size_t j = 0; j < nEdges; ++j)
             delta += EdgeTerm(m_edges[edgeIds[j]].nRem, edgeUses[j]);
         accepted = true;
-        score = Score(count, nNew, delta);
+        score = Score(m_fastTris.size(), nNew, delta);
         return true;
+    }
+
+    // What Appraise(t, s, false) gives, from the triangle lists of t's new corners only: exact under
+    // the conditions of AppraiseFast. False when it cannot decide.
+    bool AppraiseNewCorners(int32_t t, uint64_t nRatio, SOption& s)
+    {
+        if (m_nClosedOutside != 0)
+            return false;
+        uint32_t nv[2];
+        const uint32_t nNew = NewCorners(Tri(t), nv);
+        if (nNew == 0 || nNew == 3 || m_nVtxMax - m_work.vtx.size() < nNew)
+            return false;
+        if (!CollectClosing(nv, nNew, m_nTriMax - m_work.tri.size(), KnownCount(nRatio, nNew), m_keptTris))
+            return false;
+        TakeInWalkOrder(t, m_keptTris, s);
+        return true;
+    }
+
+    // Sets s to what Appraise(t, s, false) gives when tris are the triangles it takes. Its walk
+    // meets them by the first of t's corners they touch, then in triangle order (the order of the
+    // lists), which the sort restores.
+    void TakeInWalkOrder(int32_t t, const std::vector<int32_t>& tris, SOption& s)
+    {
+        const uint32_t* tv = Tri(t);
+        s.Clear();
+        for (int c = 0; c < 3; ++c)
+            if (!InWork(tv[c]))
+                s.vtx.push_back(static_cast<int32_t>(tv[c]));
+        m_walkKeys.clear();
+        for (int32_t u : tris)
+        {
+            const uint32_t* uv = Tri(u);
+            uint64_t c = 0;
+            while (uv[0] != tv[c] && uv[1] != tv[c] && uv[2] != tv[c])
+                ++c;
+            const uint64_t key = (c << 32) | uint64_t(u);
+            size_t j = m_walkKeys.size();
+            m_walkKeys.push_back(key);
+            for (; j > 0 && m_walkKeys[j - 1] > key; --j)
+                m_walkKeys[j] = m_walkKeys[j - 1];
+            m_walkKeys[j] = key;
+        }
+        for (uint64_t key : m_walkKeys)
+            s.tri.push_back(int32_t(key & 0xFFFFFFFFu));
     }
 
     // Six times the triangles-per-vertex ratio of appraising t, from the counts of triangles that
@@ -701,9 +785,11 @@ class CGeometrySorter
             for (int k = 0; k < 3; ++k)
                 delta += EdgeTerm(m_edges[m_triEdge[size_t(c.nTriangle) * 3 + k]].nRem, 1);
             score = Score(1, nNew, delta);
+            m_scoredFrom = eScoredAlone;
             return true;
         }
         const size_t cap = m_nTriMax - m_work.tri.size();
+        m_scoredFrom = eScoredElse;
         if (c.bFast && m_nClosedOutside == 0 && c.nNewVtx == nNew && c.nClosing == closing)
         {
             if (c.nNewVtx > m_nVtxMax - m_work.vtx.size())
@@ -716,15 +802,17 @@ class CGeometrySorter
         }
         bool accepted;
         size_t nNewVtx = 0;
-        c.bFast = AppraiseFast(c.nTriangle, accepted, nNewVtx, score);
-        if (!c.bFast)
+        c.bFast = AppraiseFast(c.nTriangle, c.nRatio, accepted, nNewVtx, score);
+        if (c.bFast)
+            m_scoredFrom = eScoredFast;
+        else
         {
             accepted = Appraise(c.nTriangle, m_scratch[1]);
             score = Score(m_scratch[1]);
         }
         c.nClosing = closing;
         c.nCap = static_cast<uint32_t>(cap);
-        c.nNewVtx = static_cast<uint32_t>(nNewVtx);
+        c.nNewVtx = static_cast<uint8_t>(nNewVtx);
         c.score = score;
         return accepted;
     }
@@ -735,19 +823,23 @@ class CGeometrySorter
     {
         if (footprint)
             Footprint(*footprint, v);
-        for (const int32_t* p = TrisBegin(v); p != TrisEnd(v); ++p)
+        for (const int32_t *p = TrisBegin(v), *end = TrisEnd(v); p != end; ++p)
         {
-            STriangle& u = m_tri[*p];
-            if (u.bUsed || u.nWork == m_workStamp || u.nCandidate == m_growth)
-                continue;
-            u.nCandidate = m_growth;
-            SCandidate c{};
-            c.nTriangle = *p;
-            m_candidates.push_back(c);
-            if (footprint)
-                for (int k = 0; k < 3; ++k)
-                    Footprint(*footprint, int32_t(u.v[k]));
+            const STriangle& u = m_tri[*p];
+            if (!u.bUsed && u.nWork != m_workStamp && u.nCandidate != m_growth)
+                AddCandidate(*p, footprint);
         }
+    }
+    void AddCandidate(int32_t t, std::vector<int32_t>* footprint)
+    {
+        STriangle& u = m_tri[t];
+        u.nCandidate = m_growth;
+        SCandidate c{};
+        c.nTriangle = t;
+        m_candidates.push_back(c);
+        if (footprint)
+            for (int k = 0; k < 3; ++k)
+                Footprint(*footprint, int32_t(u.v[k]));
     }
 
     // Grows the working option by the best appraised candidate until nothing fits: the first
@@ -793,6 +885,8 @@ class CGeometrySorter
             // best ratio of all, and ratios that differ are never within 0.1 of each other here).
             int32_t kept = -1;
             SScore keptScore{};
+            bool keptTrisKnown = false;
+            uint64_t keptRatio = UINT64_MAX;
             for (SCandidate& c : m_candidates)
             {
                 SScore score;
@@ -802,19 +896,32 @@ class CGeometrySorter
                 {
                     kept = c.nTriangle;
                     keptScore = score;
+                    keptRatio = c.nRatio;
+                    // Keep the triangles the score was taken from when they are at hand.
+                    keptTrisKnown = m_scoredFrom != eScoredElse;
+                    if (m_scoredFrom == eScoredAlone)
+                        m_keptTris.assign(1, kept);
+                    else if (m_scoredFrom == eScoredFast)
+                        std::swap(m_keptTris, m_fastTris);
                 }
             }
-            // The winner's full appraisal gives its triangles in walk order (it cannot be refused
-            // here: its score was taken under the same option).
-            if (kept < 0 || !Appraise(kept, m_scratch[0], false))
+            // The winner's triangles in the appraisal's walk order (it cannot be refused here: its
+            // score was taken under the same option).
+            if (kept < 0)
                 break;
-            const size_t nOld = m_work.vtx.size();
+            if (keptTrisKnown)
+                TakeInWalkOrder(kept, m_keptTris, m_scratch[0]);
+            else if (!AppraiseNewCorners(kept, keptRatio, m_scratch[0]) && !Appraise(kept, m_scratch[0], false))
+                break;
+            // The new vertices list their triangles that stay outside as candidates, in the order
+            // of the vertices and their lists.
+            ++m_scratchStamp;
+            for (int32_t t : m_scratch[0].tri)
+                m_tri[t].nScratch = m_scratchStamp;
             for (int32_t v : m_scratch[0].vtx)
-                WorkAddVertex(v);
+                WorkAddVertex<true>(v, footprint);
             for (int32_t t : m_scratch[0].tri)
                 WorkAddTriangle(t);
-            for (size_t i = nOld; i < m_work.vtx.size(); ++i)
-                AddCandidates(m_work.vtx[i], footprint);
         }
     }
 
@@ -861,6 +968,7 @@ class CGeometrySorter
         b.tri = m_work.tri;
         b.edges = m_work.edges;
         b.nClosedDelta = m_work.nClosedDelta;
+        b.score = Score(m_work);
         // Each vertex read remembers the block, so that a change there invalidates it.
         for (int32_t x : m_footprintScratch)
         {
@@ -926,7 +1034,7 @@ class CGeometrySorter
         return true;
     }
 
-    static SScore BlockScore(const SGrownBlock& b) { return Score(b.tri.size(), b.vtx.size(), b.nClosedDelta); }
+    static const SScore& BlockScore(const SGrownBlock& b) { return b.score; }
 
     // While grown blocks are compared the best of them is only named (most are beaten again soon);
     // it becomes the best option here, before anything reads the best option or drops a block.
@@ -1050,8 +1158,8 @@ class CGeometrySorter
             for (int c = 0; c < 3; ++c)
             {
                 const int32_t v = static_cast<int32_t>(Tri(t)[c]);
-                --m_rem[v];
-                UpdateBits(v);
+                if (--m_rem[v] <= 1)
+                    UpdateBits(v); // the bits only change on the way from 2 to 0
                 VertexChanged(v);
                 DropGrownBlock(v);
                 --m_edges[m_triEdge[size_t(t) * 3 + c]].nRem;
@@ -1146,6 +1254,17 @@ class CGeometrySorter
     std::vector<SCandidate> m_candidates; // of the current growth
     size_t m_nClosedOutside = 0;        // triangles with all corners in the option, not in it
     std::vector<int32_t> m_fastEdgeIds, m_fastEdgeUses; // three entries a triangle under the cap
+    std::vector<int32_t> m_fastTris;                    // the triangles of the last fast appraisal
+    std::vector<int32_t> m_keptTris;                    // the triangles of the growth's next winner
+    // Where CandidateScore took its last score from: a fresh fast appraisal (its triangles are in
+    // m_fastTris), the candidate alone, or elsewhere (cache or full appraisal).
+    enum EScoredFrom
+    {
+        eScoredFast,
+        eScoredAlone,
+        eScoredElse
+    } m_scoredFrom = eScoredElse;
+    std::vector<uint64_t> m_walkKeys;                   // sort keys of the winner's triangles
     uint32_t m_growth = 0; // stamps the candidates listed by the current growth
     int32_t m_nBestBlock = -1; // grown block that is the best so far, not yet taken into m_best
 };
