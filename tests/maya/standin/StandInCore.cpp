@@ -84,13 +84,6 @@ MString MString::substring(int start, int end) const
         return MString();
     return MString(m_text.substr(static_cast<size_t>(start), static_cast<size_t>(end - start + 1)).c_str());
 }
-MString& MString::toLowerCase()
-{
-    for (char& c : m_text)
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    return *this;
-}
 // Empty pieces are dropped.
 MStatus MString::split(char delimiter, MStringArray& pieces) const
 {
@@ -210,13 +203,7 @@ MTime& MTime::operator=(const MTime&) = default;
 MTime::Unit MTime::unit() const { return m_unit; }
 double MTime::value() const { return m_value; }
 double MTime::as(Unit unit) const { return m_value / standin::FramesPerSecond(m_unit) * standin::FramesPerSecond(unit); }
-double MTime::asUnits(Unit unit) const { return as(unit); }
 MTime::Unit MTime::uiUnit() { return Scene().unit; }
-MStatus MTime::setUIUnit(Unit unit)
-{
-    Scene().unit = unit;
-    return MStatus();
-}
 
 MDagPath::MDagPath() = default;
 MDagPath::MDagPath(const MDagPath&) = default;
@@ -236,7 +223,6 @@ MStatus MDagPath::getAPathTo(const MObject& object, MDagPath& path)
     path.m_chain = chain;
     return MStatus();
 }
-bool MDagPath::isValid(MStatus*) const { return !m_chain.empty(); }
 MObject MDagPath::node(MStatus*) const { return m_chain.empty() ? MObject() : MObject::StandInNode(m_chain.back()); }
 MFn::Type MDagPath::apiType(MStatus*) const { return node().apiType(); }
 bool MDagPath::hasFn(MFn::Type type, MStatus*) const { return node().hasFn(type); }

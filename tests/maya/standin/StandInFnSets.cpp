@@ -164,8 +164,6 @@ MStatus MFnTransform::getRotation(MEulerRotation& rotation) const
     return MStatus();
 }
 
-int MFnMesh::numVertices(MStatus*) const { return static_cast<int>(NodeOf(StandInNode()).mesh.points.size()); }
-int MFnMesh::numPolygons(MStatus*) const { return static_cast<int>(NodeOf(StandInNode()).mesh.faces.size()); }
 int MFnMesh::numUVs(const MString& set, MStatus* status) const
 {
     for (const auto& uvSet : NodeOf(StandInNode()).mesh.uvSets)
@@ -224,10 +222,6 @@ MStatus MItMeshPolygon::reset()
     return MStatus();
 }
 unsigned int MItMeshPolygon::index(MStatus*) { return static_cast<unsigned int>(Face()); }
-unsigned int MItMeshPolygon::polygonVertexCount(MStatus*)
-{
-    return static_cast<unsigned int>(NodeOf(m_node).mesh.faces[Face()].size());
-}
 void MItMeshPolygon::getPoints(MPointArray& points, MSpace::Space, MStatus*)
 {
     const standin::SMesh& mesh = NodeOf(m_node).mesh;
@@ -363,7 +357,6 @@ float MFnBlinnShader::specularRollOff(MStatus*) const { return NodeOf(StandInNod
 float MFnPhongShader::cosPower(MStatus*) const { return NodeOf(StandInNode()).cosPower; }
 
 MColor MFnLight::color(MStatus*) const { return NodeOf(StandInNode()).colour; }
-float MFnLight::intensity(MStatus*) const { return 1.0f; }
 short MFnNonAmbientLight::decayRate(MStatus*) const { return NodeOf(StandInNode()).decay; }
 double MFnSpotLight::coneAngle(MStatus*) const { return NodeOf(StandInNode()).cone; }
 bool MFnCamera::isOrtho(MStatus*) const { return NodeOf(StandInNode()).ortho; }
@@ -495,12 +488,6 @@ MObject MItDependencyGraph::currentItem(MStatus* status)
         return MObject();
     }
     return MObject::StandInNode(m_items[m_at]);
-}
-MStatus MItDependencyGraph::enablePruningOnFilter()
-{
-    m_pruning = true;
-    m_built = false;
-    return MStatus();
 }
 MStatus MItDependencyGraph::disablePruningOnFilter()
 {

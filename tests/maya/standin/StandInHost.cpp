@@ -52,8 +52,6 @@ MStatus MGlobal::executeCommand(const MString& command, MCommandResult& result, 
     return MStatus();
 }
 void MGlobal::displayInfo(const MString& text) { Scene().infoLog.push_back(text.asChar()); }
-void MGlobal::displayWarning(const MString& text) { Scene().infoLog.push_back(text.asChar()); }
-void MGlobal::displayError(const MString& text) { Scene().infoLog.push_back(text.asChar()); }
 
 MCommandResult::MCommandResult(MStatus*) {}
 MCommandResult::~MCommandResult() = default;
@@ -146,9 +144,8 @@ MStatus MFileObject::setRawFullName(const MString& name)
     m_fullName = name.asChar();
     return MStatus();
 }
-MString MFileObject::rawFullName() const { return MString(m_fullName.c_str()); }
 // No environment variables are expanded in the stand-in.
-MString MFileObject::expandedFullName() const { return rawFullName(); }
+MString MFileObject::expandedFullName() const { return MString(m_fullName.c_str()); }
 
 MArgList::MArgList() = default;
 MArgList::MArgList(const MArgList&) = default;
@@ -174,9 +171,7 @@ MStatus MArgList::addArg(const MString& arg)
 
 MPxFileTranslator::MPxFileTranslator() = default;
 MPxFileTranslator::~MPxFileTranslator() = default;
-MStatus MPxFileTranslator::reader(const MFileObject&, const MString&, FileAccessMode) { return MStatus(MStatus::kFailure); }
 MStatus MPxFileTranslator::writer(const MFileObject&, const MString&, FileAccessMode) { return MStatus(MStatus::kFailure); }
-bool MPxFileTranslator::haveReadMethod() const { return false; }
 bool MPxFileTranslator::haveWriteMethod() const { return false; }
 MString MPxFileTranslator::defaultExtension() const { return MString("mb"); }
 MString MPxFileTranslator::filter() const { return MString("*.*"); }
@@ -188,7 +183,6 @@ MPxFileTranslator::MFileKind MPxFileTranslator::identifyFile(const MFileObject&,
 MPxCommand::MPxCommand() = default;
 MPxCommand::~MPxCommand() = default;
 MStatus MPxCommand::doIt(const MArgList&) { return MStatus(MStatus::kFailure); }
-bool MPxCommand::isUndoable() const { return false; }
 
 const MString MFnPlugin::kDefaultDataLocation;
 MFnPlugin::MFnPlugin() = default;

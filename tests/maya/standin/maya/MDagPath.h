@@ -21,7 +21,6 @@ class MDagPath
     static MStatus getAPathTo(const MObject&, MDagPath&);
     bool hasFn(MFn::Type, MStatus* ReturnStatus = NULL) const;
     MFn::Type apiType(MStatus* ReturnStatus = NULL) const;
-    bool isValid(MStatus* ReturnStatus = NULL) const;
     MObject node(MStatus* ReturnStatus = NULL) const;
     MMatrix inclusiveMatrix(MStatus* ReturnStatus = NULL) const;
     MString fullPathName(MStatus* ReturnStatus = NULL) const;

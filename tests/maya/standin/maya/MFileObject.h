@@ -16,7 +16,6 @@ class MFileObject
     virtual ~MFileObject();
     MFileObject& operator=(const MFileObject&);
     MStatus setRawFullName(const MString& fullName);
-    MString rawFullName() const;
     MString expandedFullName() const;
 
   private:

@@ -9,5 +9,4 @@ class MFnLight : public MFnDagNode
 {
     MAYA_STANDIN_DAG_FN_SET(MFnLight)
     MColor color(MStatus* ReturnStatus = NULL) const;
-    float intensity(MStatus* ReturnStatus = NULL) const;
 };

@@ -13,8 +13,6 @@ class MStringArray;
 class MFnMesh : public MFnDagNode
 {
     MAYA_STANDIN_DAG_FN_SET(MFnMesh)
-    int numVertices(MStatus* ReturnStatus = NULL) const;
-    int numPolygons(MStatus* ReturnStatus = NULL) const;
     int numUVs(const MString& uvSet, MStatus* ReturnStatus = NULL) const;
     MStatus getNormals(MFloatVectorArray& normals, MSpace::Space space = MSpace::kObject) const;
     MStatus getUVSetNames(MStringArray& names) const;

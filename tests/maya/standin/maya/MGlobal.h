@@ -18,6 +18,4 @@ class MGlobal
     static MStatus executeCommand(const MString& command, MCommandResult& result, bool displayEnabled = false,
                                   bool undoEnabled = false);
     static void displayInfo(const MString& text);
-    static void displayWarning(const MString& text);
-    static void displayError(const MString& text);
 };

@@ -36,7 +36,6 @@ class MItDependencyGraph
     MStatus next();
     MStatus reset();
     MObject currentItem(MStatus* ReturnStatus = NULL);
-    MStatus enablePruningOnFilter();
     MStatus disablePruningOnFilter();
 
   private:

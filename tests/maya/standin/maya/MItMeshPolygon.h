@@ -22,7 +22,6 @@ class MItMeshPolygon
     MStatus next();
     MStatus reset();
     unsigned int index(MStatus* ReturnStatus = NULL);
-    unsigned int polygonVertexCount(MStatus* ReturnStatus = NULL);
     void getPoints(MPointArray& points, MSpace::Space space = MSpace::kObject, MStatus* ReturnStatus = NULL);
     MStatus getNormal(MVector& normal, MSpace::Space space = MSpace::kObject) const;
     MStatus getNormal(unsigned int vertexIndex, MVector& normal, MSpace::Space space = MSpace::kObject) const;

@@ -11,5 +11,4 @@ class MPxCommand
     MPxCommand();
     virtual ~MPxCommand();
     virtual MStatus doIt(const MArgList& args);
-    virtual bool isUndoable() const;
 };

@@ -27,9 +27,7 @@ class MPxFileTranslator
     };
     MPxFileTranslator();
     virtual ~MPxFileTranslator();
-    virtual MStatus reader(const MFileObject& file, const MString& optionsString, FileAccessMode mode);
     virtual MStatus writer(const MFileObject& file, const MString& optionsString, FileAccessMode mode);
-    virtual bool haveReadMethod() const;
     virtual bool haveWriteMethod() const;
     virtual MString defaultExtension() const;
     virtual MString filter() const;

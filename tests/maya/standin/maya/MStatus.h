@@ -31,8 +31,6 @@ class MStatus
     bool operator!=(const MStatusCode code) const { return fStatusCode != code; }
     bool error() const { return !fSuccess; }
     void clear();
-    MStatusCode statusCode() const;
-    MString errorString() const;
     void perror(const char*) const;
     void perror(const MString&) const;
     operator bool() const { return fSuccess; }

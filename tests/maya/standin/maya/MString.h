@@ -35,7 +35,6 @@ class MString
     int rindex(char) const;
     MStatus split(char, MStringArray&) const;
     MString substring(int start, int end) const;
-    MString& toLowerCase();
 
   private:
     std::string m_text;

@@ -36,9 +36,7 @@ class MTime
     Unit unit() const;
     double value() const;
     double as(Unit unit) const;
-    double asUnits(Unit unit) const;
     static Unit uiUnit();
-    static MStatus setUIUnit(Unit unit);
 
   private:
     double m_value;

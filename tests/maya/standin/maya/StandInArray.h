@@ -11,11 +11,6 @@ template <class E> class MStandInArray
     MStandInArray() = default;
     MStandInArray(unsigned int initialSize, const E& value = E()) : m_items(initialSize, value) {}
     MStatus set(const E& element, unsigned int index);
-    MStatus setLength(unsigned int length)
-    {
-        m_items.resize(length);
-        return MStatus();
-    }
     unsigned int length() const { return static_cast<unsigned int>(m_items.size()); }
     MStatus append(const E& element)
     {
