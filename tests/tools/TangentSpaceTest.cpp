@@ -1,5 +1,5 @@
-// Tangent space: golden output digests (random, often mirrored UVs), the corner frame, the triangle
-// limit, degenerate triangles and argument failures.
+// Tangent space: golden output digests (random, often mirrored UVs), degenerate corners, the
+// triangle limit and argument failures.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -102,7 +102,6 @@ TEST(TangentSpace, MatchesGoldenDigests)
                                       Layout(EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm)};
     std::mt19937 rng(51);
     std::uniform_real_distribution<float> unit(-1.0f, 1.0f), uv(0.0f, 1.0f);
-    size_t compared = 0, failures = 0;
     for (uint32_t seed = 51; seed <= 54; ++seed)
     {
         const std::vector<SIndexMesh> zoo = MeshZoo(seed, 150, 90);
@@ -131,39 +130,17 @@ TEST(TangentSpace, MatchesGoldenDigests)
                     for (float c : {f.x, f.y, f.z})
                         golden.AddValue(uint64_t(std::lround(c * 1000.0f)));
             }
-            if (r.nResult != 0)
-            {
-                EXPECT_EQ(r.idx, m.idx);
-                ++failures;
-            }
-            ++compared;
             if (i % 8 == 7 || i + 1 == zoo.size())
                 golden.EndLine(std::to_string(seed) + "/" + std::to_string(i / 8));
         }
     }
     golden.Check();
-    EXPECT_GT(failures, 0u);
-    EXPECT_LT(failures, compared / 2);
 }
 
-TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
+// No UV area, a zero normal, a zero triangle: still finite unit vectors.
+TEST(TangentSpace, DegenerateCornersGiveUnitVectors)
 {
     QMXTVECTOR3f t, b;
-    // u along +x, v along +y on a plane facing +z.
-    QMXTVertexTangentBitangent(t, b, {0, 0, 1}, {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, {0, 0, 0}, {1, 0, 0},
-                               {0, 1, 0});
-    EXPECT_NEAR(t.x, 1.0f, 1e-6f);
-    EXPECT_NEAR(b.y, 1.0f, 1e-6f);
-    // A tilted normal: both vectors become perpendicular to it and to each other.
-    const QMXTVECTOR3f n = {0.3f, 0.2f, 0.9f};
-    QMXTVertexTangentBitangent(t, b, n, {0, 0, 0}, {1, 0.2f, 0}, {0.1f, 1, 0}, {0, 0, 0}, {1, 0, 0},
-                               {0, 1, 0});
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, n), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(b, n), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, b), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3LengthF(t), 1.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3LengthF(b), 1.0f, 1e-6f);
-    // No UV area, a zero normal, a zero triangle: still finite unit vectors.
     for (const QMXTVECTOR3f& normal : {QMXTVECTOR3f{0, 0, 1}, QMXTVECTOR3f{0, 0, 0}})
         for (const QMXTVECTOR3f& p1 : {QMXTVECTOR3f{1, 0, 0}, QMXTVECTOR3f{0, 0, 0}})
         {

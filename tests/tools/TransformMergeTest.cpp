@@ -1,4 +1,5 @@
-// Merging material settings between scenes by name.
+// Merging material settings between scenes by name (the export's merge test checks the blend
+// settings and opacity through a file).
 #include <gtest/gtest.h>
 
 #include "QMXTModelTVOTransform.h"
@@ -48,11 +49,9 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
     sw.nIdxTexture[eTVOTexBump] = 1;
     sw.nIdxTexture[eTVOTexOpacity] = 99; // out of range: ignored
     sw.eBlendSrcRGB = eTVOBlendSrcAlpha;
-    sw.eBlendDstA = eTVOBlendOneMinusSrcAlpha;
     sw.eBlendOpRGB = eTVOBlendOpMax;
     sw.pfBlendColour[3] = 0.5f;
     sw.nFlags = 5;
-    sw.fMatOpacity = 0.25f;
     sw.pszEffectFile = HeapString("lit.xef");
     sw.pszEffectName = HeapString("");
     src.pMaterial[1].nIdxTexture[eTVOTexDiffuse] = 2;
@@ -68,20 +67,17 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 
     ASSERT_EQ(QMXTModelTVOMergeMaterials(src, dst), 0);
     const STVOMaterial& dw = dst.pMaterial[1];
-    EXPECT_STREQ(dst.pTexture[0].pszName, "wood.png"); // same base name: takes the source's
+    EXPECT_STREQ(dst.pTexture[0].pszName, "wood.png");   // same base name: takes the source's
     EXPECT_STREQ(dst.pTexture[1].pszName, "chrome.png"); // another texture: kept
     ASSERT_EQ(dst.nNumTexture, 4u);                      // bump.png appended for the empty slot
     EXPECT_EQ(dw.nIdxTexture[eTVOTexBump], 3);
     EXPECT_STREQ(dst.pTexture[3].pszName, "bump.png");
     EXPECT_EQ(dw.nIdxTexture[eTVOTexOpacity], -1);
-    EXPECT_EQ(dw.eBlendSrcRGB, eTVOBlendSrcAlpha);
-    EXPECT_EQ(dw.eBlendDstA, eTVOBlendOneMinusSrcAlpha);
     EXPECT_EQ(dw.eBlendOpRGB, eTVOBlendOpMax);
     EXPECT_EQ(dw.pfBlendColour[3], 0.5f);
     EXPECT_EQ(dw.nFlags, 5u);
     EXPECT_STREQ(dw.pszEffectFile, "lit.xef");
     EXPECT_STREQ(dw.pszEffectName, "Keep"); // the source has none
-    EXPECT_EQ(dw.fMatOpacity, 1.0f);        // not merged
     EXPECT_EQ(dst.pMaterial[3].nFlags, 9u); // the second "wood" meets the second "wood"
     EXPECT_EQ(dst.pMaterial[0].nFlags, 0u); // names are case-sensitive
     EXPECT_STREQ(dst.pTexture[2].pszName, "oak.png");
