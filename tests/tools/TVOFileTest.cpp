@@ -118,53 +118,30 @@ TEST(TVOFile, WriteReadWriteIsByteIdenticalForEveryBlock)
     std::remove(path.c_str());
 }
 
-// The values read back, one of each kind a symmetric omission in writer and reader would lose.
+// The values read back that the tvoinfo summary does not show, among them those a symmetric
+// omission in writer and reader would lose.
 TEST(TVOFile, ReadRestoresTheSceneValues)
 {
     CQMXTModelTVO s;
     tvotest::MakeRichScene(s);
     CQMXTModelTVO r;
     ASSERT_EQ(Read(r, Save(s)), 0);
-
-    EXPECT_EQ(r.nNumFrame, 4u);
-    EXPECT_EQ(r.nFPS, 25u);
     EXPECT_FLOAT_EQ(r.pfColourBackground[2], 0.4f);
     ASSERT_EQ(r.nUserDataSize, 7u);
     EXPECT_EQ(std::memcmp(r.pUserData, s.pUserData, 7), 0);
-
-    ASSERT_EQ(r.nNumNode, 8u);
-    EXPECT_STREQ(r.pNode[0].pszName, "MeshA");
-    EXPECT_EQ(r.pNode[0].nIdxParent, 7);
     EXPECT_EQ(r.pNode[0].pnAnimPositionIdx[3], 6u);
     EXPECT_FLOAT_EQ(r.pNode[7].pfAnimScale[27], 1.27f);
-    ASSERT_EQ(r.pNode[0].nUserDataSize, 5u);
     EXPECT_EQ(r.pNode[0].pUserData[4], static_cast<uint8_t>(40 + 4 * 31));
-
-    const STVOMesh& a = r.pMesh[0];
-    ASSERT_NE(a.pInterleaved, nullptr);
-    EXPECT_EQ(a.sVertex.nStride, 44u);
-    EXPECT_EQ(QMXTModelTVODataOffset(a.psUVW[1]), 36u);
-    EXPECT_EQ(std::memcmp(a.pInterleaved, s.pMesh[0].pInterleaved, 6 * 44), 0);
-    EXPECT_EQ(a.sBoneBatch.pnBatches[3], 3u);
-    const STVOMesh& b = r.pMesh[1];
-    EXPECT_EQ(b.nNumStrips, 2u);
-    EXPECT_EQ(b.ePrimitiveType, static_cast<uint32_t>(eTVOIndexedTriangleStrip));
-    EXPECT_EQ(b.sBinormals.eType, EQMXTDataDEC3N);
-    EXPECT_EQ(std::memcmp(b.sTangents.pData, s.pMesh[1].sTangents.pData, 15), 0);
-    EXPECT_FLOAT_EQ(b.mUnpackMatrix[12], -3.0f);
-
+    EXPECT_EQ(std::memcmp(r.pMesh[0].pInterleaved, s.pMesh[0].pInterleaved, 6 * 44), 0);
+    EXPECT_EQ(r.pMesh[0].sBoneBatch.pnBatches[3], 3u);
+    EXPECT_EQ(std::memcmp(r.pMesh[1].sTangents.pData, s.pMesh[1].sTangents.pData, 15), 0);
+    EXPECT_FLOAT_EQ(r.pMesh[1].mUnpackMatrix[12], -3.0f);
     // Attenuation is stored for point and spot lights only, falloff for spot lights only.
     EXPECT_FLOAT_EQ(r.pLight[0].fQuadraticAttenuation, 0.25f);
     EXPECT_FLOAT_EQ(r.pLight[0].fFalloffAngle, 0.0f);
     EXPECT_FLOAT_EQ(r.pLight[1].fConstantAttenuation, 0.0f);
-    EXPECT_FLOAT_EQ(r.pLight[2].fFalloffExponent, 2.0f);
-    EXPECT_EQ(r.pLight[2].nIdxTarget, 7);
     EXPECT_FLOAT_EQ(r.pCamera[0].pfAnimFOV[3], 0.95f);
-    EXPECT_EQ(r.pCamera[1].pfAnimFOV, nullptr);
-    EXPECT_STREQ(r.pMaterial[0].pszEffectFile, "shaders.xef");
-    EXPECT_EQ(r.pMaterial[0].nIdxTexture[eTVOTexBump], 1);
     EXPECT_EQ(r.pMaterial[0].nFlags, 3u);
-    EXPECT_STREQ(r.pTexture[1].pszName, "wood_bump.png");
 }
 
 TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
@@ -294,11 +271,6 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
     CBytes hugeCount, hugeLength;
     hugeCount.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
     hugeLength.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0); // almost 4 GiB of user data
-    CQMXTModelTVO rich;
-    tvotest::MakeRichScene(rich);
-    CBytes truncated;
-    truncated.b = Save(rich);
-    truncated.b.resize(truncated.b.size() - 100);
     CBytes swapped, fixed;
     swapped.U32(0xE8030000u).U32(0x0B000000u);
     fixed.LeafU32(2016, 1);
@@ -326,7 +298,6 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
         {"tiny huge count", tinyHugeCount, ""},
         {"huge count", withScene(hugeCount), "268435456 records cannot fit in the 16 bytes left"},
         {"huge length", withScene(hugeLength), "unexpected end of data (4294967280 bytes needed, 4 left)"},
-        {"truncated", truncated, ", block 2013 (node) in 1001 (scene): unexpected end of data"},
         {"byte order", swapped, "Error: Endianness mismatch between the .tvo file and the platform.\n"},
         {"fixed point", withScene(Scene(0, fixed)),
          "Error: The TVO file is in fixed point format but the tools haven't been compiled with fixed point "
@@ -397,21 +368,16 @@ TEST(TVOFile, ShallowAndDeepCopiesOfASceneRecord)
 {
     CQMXTModelTVO source;
     tvotest::MakeRichScene(source);
-    const std::vector<uint8_t> bytes = Save(source);
     {
-        CQMXTModelTVO shallow;
+        CQMXTModelTVO shallow; // the same arrays; destroying it frees none of them
         ASSERT_EQ(shallow.ReadFromMemory(static_cast<const STVOScene&>(source)), 0);
-        EXPECT_TRUE(shallow.IsCallerOwned());
-        EXPECT_EQ(shallow.pNode, source.pNode); // the same arrays; destroying it frees none of them
+        EXPECT_EQ(shallow.pNode, source.pNode);
     }
     CQMXTModelTVO deep;
     ASSERT_EQ(deep.CopyFromMemory(source), 0);
-    EXPECT_FALSE(deep.IsCallerOwned());
-    EXPECT_NE(deep.pNode, source.pNode);
     EXPECT_NE(deep.pMesh[0].pInterleaved, source.pMesh[0].pInterleaved);
-    EXPECT_EQ(Save(deep), bytes);
-    // Values the file leaves out are copied too.
-    EXPECT_FLOAT_EQ(deep.pLight[1].fConstantAttenuation, 1.0f);
+    EXPECT_EQ(Save(deep), Save(source));
+    EXPECT_FLOAT_EQ(deep.pLight[1].fConstantAttenuation, 1.0f); // which the file leaves out
 }
 
 TEST(TVOByteOrder, ReadAfterAllocChecksLengthBeforeAllocating)

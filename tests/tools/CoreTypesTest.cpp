@@ -1,7 +1,9 @@
-// The string class: editing (also with its own text), clamped positions, limits, searches,
-// formatting and the path helpers.
+// The core types: the string class (editing also with its own text, clamped positions, limits,
+// searches, formatting, path helpers), the growable array and the FNV-1 hashes.
 #include <gtest/gtest.h>
 
+#include "QMXTArray.h"
+#include "QMXTHash.h"
 #include "QMXTString.h"
 
 TEST(String, EditsIncludingWithItsOwnTextAndClampsPositions)
@@ -119,4 +121,54 @@ TEST(String, SubstitutesWalksOccurrencesAndStripsWhiteSpace)
     s = " \t key = value \v\f\n";
     EXPECT_STREQ(QMXTStringStripWhiteSpaceFromEndOf(QMXTStringStripWhiteSpaceFromStartOf(s)).c_str(),
                  "key = value");
+}
+
+TEST(Array, GrowsByTheRuleRemovesInOrderAndCopiesDeeply)
+{
+    CQMXTArray<CQMXTString> a;
+    EXPECT_EQ(a.GetCapacity(), 16u);
+    for (int i = 0; i < 16; ++i)
+        a.Append(QMXTStringFromFormattedStr("e%d", i));
+    EXPECT_EQ(a.Append(a[3]), 16);   // a[3] lives in the storage that growth replaces
+    EXPECT_EQ(a.GetCapacity(), 32u); // doubled at the seventeenth
+    EXPECT_STREQ(a[16].c_str(), "e3");
+    EXPECT_EQ(a.SetCapacity(200), 0);
+    EXPECT_EQ(a.GetCapacity(), 200u); // the request beats doubling
+    EXPECT_EQ(a.SetCapacity(0xFFFFFFFF), 1);
+    EXPECT_EQ(a.Remove(1), 0);
+    EXPECT_STREQ(a[1].c_str(), "e2");
+    EXPECT_EQ(a.Remove(16), 1);
+    CQMXTArray<CQMXTString> b(a);
+    b[0] = "changed";
+    EXPECT_STREQ(a[0].c_str(), "e0");
+    while (a.GetSize())
+        EXPECT_EQ(a.RemoveLast(), 0);
+    EXPECT_EQ(a.RemoveLast(), 1);
+    EXPECT_EQ(b.GetSize(), 16u);
+}
+
+TEST(Hash, MatchesFnv1VectorsAndNoBytesHashToZero)
+{
+    CQMXTHash h;
+    const unsigned char a = 0x61;
+    // 0x811C9DC5 x 16777619 mod 2^32 = 0x050C5D1F; XOR 0x61 gives 0x050C5D7E.
+    EXPECT_EQ(h.MakeHash(&a, 1, 1), 0x050C5D7Eu);
+    EXPECT_EQ(CQMXTHash("foobar", 1, 6).GetHash(), 0x31F0B262u);
+    EXPECT_EQ(CQMXTHash("ab", 2, 1).GetHash(), CQMXTHash("ab", 1, 2).GetHash()); // only the byte count counts
+    EXPECT_EQ(CQMXTHash::Continue(CQMXTHash("foo", 1, 3).GetHash(), "bar", 3), 0x31F0B262u);
+    EXPECT_EQ(h.MakeHash("abc", 1, 0), 0u);
+    EXPECT_EQ(h.MakeHash(nullptr, 4, 3), 0u);
+}
+
+// A hashed string stays current through edits and compares by hash with its own kind only.
+TEST(StringHash, KeepsItsHashAndComparesByItWithItsKind)
+{
+    CQMXTStringHash s("foo");
+    s += CQMXTString("bar");
+    EXPECT_EQ(s.GetHash(), 0x31F0B262u);
+    // "creamwove" and "quists" share the FNV-1 value 0xC3E7B8C8.
+    const CQMXTStringHash a("creamwove"), b("quists");
+    EXPECT_TRUE(a == b);
+    EXPECT_FALSE(a == CQMXTString("quists"));
+    EXPECT_TRUE(a == "creamwove");
 }
