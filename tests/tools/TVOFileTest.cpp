@@ -169,24 +169,6 @@ TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
     EXPECT_EQ(r.nNumNode, 8u);
 }
 
-// Without an options block the reader goes on looking for the options text after the history, and
-// skips the rest of the history only when the options buffer is smaller than the history block.
-TEST(TVOFile, HistorySkipFollowsTheOptionsSizeAsItAlwaysDid)
-{
-    const CBytes file = CBytes().Version().LeafStr(1003, "0123456789abcdef").Append(Scene(0));
-    CQMXTModelTVO r;
-    char options[8], history[4];
-    EXPECT_EQ(r.ReadFromMemory(file.Data(), file.Size(), options, 8, history, 4), 1); // reaches the end
-    EXPECT_EQ(std::string(history, 4), "0123");
-    // Not skipped: the reader reads "4567" "89ab" as a marker and fails on the bogus length.
-    CSourceStream source;
-    source.Init(file.Data(), file.Size());
-    char big[64];
-    EXPECT_EQ(r.ReadFromSource(source, big, sizeof big, history, 4), 1);
-    EXPECT_NE(source.DescribeError().find("block 926299444 (unknown)"), std::string::npos)
-        << source.DescribeError();
-}
-
 TEST(TVOFile, UnknownBlocksAreSkippedAtEveryLevel)
 {
     CQMXTModelTVO bare; // only the version and an empty scene container

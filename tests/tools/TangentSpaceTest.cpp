@@ -15,28 +15,15 @@ using namespace geomtest;
 
 namespace
 {
+// Position, normal and UV at offsets 0, 12 and 24 (floats, the UV of type eTypeUV), then tangent and
+// binormal of type eTypeTan, then a 4-byte tag.
 struct STangentLayout
 {
-    uint32_t nStride;
-    uint32_t nOffsetPos, nOffsetNor, nOffsetUV, nOffsetTan, nOffsetBin;
-    EQMXTDataType eTypePos, eTypeNor, eTypeUV, eTypeTan, eTypeBin;
+    EQMXTDataType eTypeTan, eTypeUV;
+    uint32_t nOffsetTan = 24 + QMXTModelTVODataElementBytes(eTypeUV, 3);
+    uint32_t nOffsetBin = nOffsetTan + QMXTModelTVODataElementBytes(eTypeTan, 3);
+    uint32_t nStride = nOffsetBin + QMXTModelTVODataElementBytes(eTypeTan, 3) + 4;
 };
-
-// Position, normal and UV as floats, then tangent and binormal in the given types, then a tag.
-STangentLayout Layout(EQMXTDataType tangentType, EQMXTDataType uvType = EQMXTDataFloat)
-{
-    STangentLayout l{};
-    l.nOffsetPos = 0;
-    l.nOffsetNor = 12;
-    l.nOffsetUV = 24;
-    l.nOffsetTan = 24 + QMXTModelTVODataElementBytes(uvType, 3);
-    l.nOffsetBin = l.nOffsetTan + QMXTModelTVODataElementBytes(tangentType, 3);
-    l.nStride = l.nOffsetBin + QMXTModelTVODataElementBytes(tangentType, 3) + 4;
-    l.eTypePos = l.eTypeNor = EQMXTDataFloat;
-    l.eTypeUV = uvType;
-    l.eTypeTan = l.eTypeBin = tangentType;
-    return l;
-}
 
 struct SVertex
 {
@@ -49,9 +36,9 @@ std::vector<uint8_t> Pack(const std::vector<SVertex>& v, const STangentLayout& l
     for (uint32_t i = 0; i < v.size(); ++i)
     {
         uint8_t* rec = &data[i * l.nStride];
-        QMXTVertexWrite(rec + l.nOffsetPos, l.eTypePos, 3, &v[i].p.x);
-        QMXTVertexWrite(rec + l.nOffsetNor, l.eTypeNor, 3, &v[i].n.x);
-        QMXTVertexWrite(rec + l.nOffsetUV, l.eTypeUV, 3, &v[i].uv.x);
+        QMXTVertexWrite(rec, EQMXTDataFloat, 3, &v[i].p.x);
+        QMXTVertexWrite(rec + 12, EQMXTDataFloat, 3, &v[i].n.x);
+        QMXTVertexWrite(rec + 24, l.eTypeUV, 3, &v[i].uv.x);
         std::memcpy(rec + l.nStride - 4, &i, 4);
     }
     return data;
@@ -70,10 +57,10 @@ SResult Generate(const std::vector<uint8_t>& data, uint32_t nVertex, std::vector
 {
     SResult r;
     uint8_t* out = nullptr;
-    r.nResult = QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(),
-                                               l.nStride, l.nOffsetPos, l.eTypePos, l.nOffsetNor, l.eTypeNor,
-                                               l.nOffsetUV, l.eTypeUV, l.nOffsetTan, l.eTypeTan, l.nOffsetBin,
-                                               l.eTypeBin, uint32_t(idx.size() / 3), split);
+    r.nResult =
+        QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(), l.nStride, 0,
+                                       EQMXTDataFloat, 12, EQMXTDataFloat, 24, l.eTypeUV, l.nOffsetTan,
+                                       l.eTypeTan, l.nOffsetBin, l.eTypeTan, uint32_t(idx.size() / 3), split);
     r.idx = idx;
     if (r.nResult == 0)
         r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
@@ -98,8 +85,9 @@ TEST(TangentSpace, MatchesGoldenDigests)
         "# tests/tools/TangentSpaceTest.cpp, one line per eight meshes. Written by the test with\n"
         "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
         "# quadratic reference implementation on these meshes.\n");
-    const STangentLayout layouts[] = {Layout(EQMXTDataFloat), Layout(EQMXTDataShortNorm),
-                                      Layout(EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm)};
+    const STangentLayout layouts[] = {{EQMXTDataFloat, EQMXTDataFloat},
+                                      {EQMXTDataShortNorm, EQMXTDataFloat},
+                                      {EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm}};
     std::mt19937 rng(51);
     std::uniform_real_distribution<float> unit(-1.0f, 1.0f), uv(0.0f, 1.0f);
     for (uint32_t seed = 51; seed <= 54; ++seed)
@@ -126,7 +114,7 @@ TEST(TangentSpace, MatchesGoldenDigests)
             {
                 golden.Add(&r.vertices[size_t(k) * l.nStride + l.nStride - 4], 4);
                 for (const QMXTVECTOR3f& f :
-                     {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeBin)})
+                     {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeTan)})
                     for (float c : {f.x, f.y, f.z})
                         golden.AddValue(uint64_t(std::lround(c * 1000.0f)));
             }
@@ -153,7 +141,7 @@ TEST(TangentSpace, DegenerateCornersGiveUnitVectors)
 
 TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 {
-    const STangentLayout l = Layout(EQMXTDataFloat);
+    const STangentLayout l{EQMXTDataFloat, EQMXTDataFloat};
     std::vector<SVertex> v(40);
     for (uint32_t i = 0; i < v.size(); ++i)
         v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0},
@@ -173,16 +161,16 @@ TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 
 TEST(TangentSpace, RejectsBadArguments)
 {
-    const STangentLayout l = Layout(EQMXTDataFloat);
+    const STangentLayout l{EQMXTDataFloat, EQMXTDataFloat};
     const std::vector<uint8_t> data = Pack(std::vector<SVertex>(4), l);
     std::vector<uint32_t> idx = {0, 1, 4};
     uint32_t n = 9;
     uint8_t* out = nullptr;
     auto run = [&](uint32_t tanOffset, EQMXTDataType tanType)
     {
-        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, l.nOffsetPos,
-                                              l.eTypePos, l.nOffsetNor, l.eTypeNor, l.nOffsetUV, l.eTypeUV,
-                                              tanOffset, tanType, l.nOffsetBin, l.eTypeBin, 1, 0.0f);
+        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, 0,
+                                              EQMXTDataFloat, 12, EQMXTDataFloat, 24, l.eTypeUV, tanOffset,
+                                              tanType, l.nOffsetBin, l.eTypeTan, 1, 0.0f);
     };
     EXPECT_EQ(run(l.nOffsetTan, l.eTypeTan), 1); // index past the vertices
     idx = {0, 1, 2};
