@@ -109,13 +109,6 @@ TEST(TVOFile, WriteReadWriteIsByteIdenticalForEveryBlock)
     // Found by fuzzing: an absent stream of an interleaved mesh with a stray offset writes none.
     QMXTModelTVODataSetOffset(s.pMesh[0].sTangents, 8);
     EXPECT_EQ(Save(s, options, history), first);
-
-    const std::string path = TempPath("rich.tvo");
-    ASSERT_EQ(s.SaveTVO(path.c_str(), options, history), 0);
-    CQMXTModelTVO d;
-    ASSERT_EQ(d.ReadFromFile(path.c_str()), 0);
-    EXPECT_EQ(Save(d, options, history), first);
-    std::remove(path.c_str());
 }
 
 // The values read back that the tvoinfo summary does not show, among them those a symmetric
@@ -151,16 +144,12 @@ TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
     const std::vector<uint8_t> bytes = Save(s, "key=value\n", "history line");
     const uint32_t n = static_cast<uint32_t>(bytes.size());
 
+    // Whole texts are checked through tvoinfo; here a buffer too small for them.
     CQMXTModelTVO r;
     char options[4] = {'-', '-', '-', '-'};
     ASSERT_EQ(r.ReadFromMemory(bytes.data(), n, options, sizeof options), 0);
     EXPECT_EQ(std::string(options, 4), "key=");
     EXPECT_FALSE(r.IsLoaded());
-    char all[64] = {}, history[64] = {};
-    ASSERT_EQ(r.ReadFromMemory(bytes.data(), n, all, sizeof all, history, sizeof history), 0);
-    EXPECT_STREQ(all, "key=value\n");
-    EXPECT_STREQ(history, "history line");
-
     // A loaded scene stays as it was.
     ASSERT_EQ(Read(r, bytes), 0);
     char h[5] = {};
@@ -171,11 +160,6 @@ TEST(TVOFile, TextsOnlyReadsFillBuffersAndLeaveTheSceneAlone)
 
 TEST(TVOFile, UnknownBlocksAreSkippedAtEveryLevel)
 {
-    CQMXTModelTVO bare; // only the version and an empty scene container
-    const CBytes minimal = CBytes().Version().Begin(1001).End(1001);
-    ASSERT_EQ(bare.ReadFromMemory(minimal.Data(), minimal.Size()), 0);
-    EXPECT_TRUE(bare.IsLoaded());
-
     const uint8_t junk[5] = {1, 2, 3, 4, 5};
     CBytes node;
     node.Begin(2013).Leaf(5999, junk, 5).LeafStr(5001, "n");

@@ -142,6 +142,10 @@ TEST(TransformFlatten, MatchesGoldenDigests)
             CQMXTModelTVO d;
             ASSERT_EQ(QMXTModelTVOFlattenToWorldSpace(scene.s, d), 0);
             ASSERT_EQ(d.nNumMesh, 3u);
+            EXPECT_STREQ(d.pNode[6].pszName, "arm"); // and the rest of the scene is copied
+            EXPECT_EQ(d.pCamera[0].pfAnimFOV[2], 0.7f);
+            EXPECT_STREQ(d.pTexture[0].pszName, "wood.png");
+            EXPECT_STREQ(d.pMaterial[0].pszName, "wood");
             for (uint32_t i = 0; i < d.nNumMesh; ++i)
                 for (uint32_t v = 0; v < d.pMesh[i].nNumVertex; ++v)
                 {
