@@ -6,6 +6,20 @@
 
 namespace geomtest
 {
+namespace
+{
+// The triangles of m in a random order.
+void ShuffleTriangles(SIndexMesh& m, std::mt19937& rng)
+{
+    std::vector<uint32_t> order(m.TriNum()), idx;
+    std::iota(order.begin(), order.end(), 0u);
+    std::shuffle(order.begin(), order.end(), rng);
+    for (uint32_t t : order)
+        idx.insert(idx.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
+    m.idx = idx;
+}
+} // namespace
+
 SIndexMesh Grid(uint32_t w, uint32_t h, bool checker)
 {
     SIndexMesh m;
@@ -103,13 +117,7 @@ SIndexMesh DamagedGrid(std::mt19937& rng, uint32_t w, uint32_t h)
         if (r >= 97)
             m.idx.insert(m.idx.end(), tri, tri + 3); // duplicate
     }
-    std::vector<uint32_t> order(m.TriNum());
-    std::iota(order.begin(), order.end(), 0u);
-    std::shuffle(order.begin(), order.end(), rng);
-    std::vector<uint32_t> shuffled;
-    for (uint32_t t : order)
-        shuffled.insert(shuffled.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
-    m.idx = shuffled;
+    ShuffleTriangles(m, rng);
     return m;
 }
 
@@ -123,15 +131,7 @@ SIndexMesh Concatenate(const std::vector<SIndexMesh>& parts, std::mt19937* shuff
         m.nVertexNum += p.nVertexNum;
     }
     if (shuffle)
-    {
-        std::vector<uint32_t> order(m.TriNum());
-        std::iota(order.begin(), order.end(), 0u);
-        std::shuffle(order.begin(), order.end(), *shuffle);
-        std::vector<uint32_t> idx;
-        for (uint32_t t : order)
-            idx.insert(idx.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
-        m.idx = idx;
-    }
+        ShuffleTriangles(m, *shuffle);
     return m;
 }
 

@@ -28,20 +28,12 @@ void AddMaterials(CQMXTModelTVO& s, const std::vector<const char*>& names)
             t = -1;
     }
 }
-
-struct SLoaded : CQMXTModelTVO
-{
-    ~SLoaded()
-    {
-        if (InitImpl() == 0)
-            Destroy();
-    }
-};
 } // namespace
 
 TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 {
-    SLoaded src, dst;
+    SMeshHolder source(0), destination(0);
+    CQMXTModelTVO &src = source.scene, &dst = destination.scene;
     AddTextures(src, {"wood.png", "bump.png", "steel.png", "oak.png"});
     AddMaterials(src, {"wood", "metal", "wood", "ghost"});
     STVOMaterial& sw = src.pMaterial[0];
@@ -85,7 +77,8 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 
 TEST(TransformMerge, ScenesWithoutMaterialsMergeTrivially)
 {
-    SLoaded src, dst;
+    SMeshHolder source(0), destination(0);
+    CQMXTModelTVO &src = source.scene, &dst = destination.scene;
     AddMaterials(dst, {"wood"});
     EXPECT_EQ(QMXTModelTVOMergeMaterials(src, dst), 0);
     EXPECT_EQ(QMXTModelTVOMergeMaterials(dst, src), 0);
