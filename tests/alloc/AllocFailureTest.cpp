@@ -15,11 +15,11 @@
 
 namespace
 {
-CNode Joint(const char* name, int parent, float y)
+CNode Joint(const char* name, int parent, float y, int type = eNodeJoint)
 {
     CNode n;
     n.name = name;
-    n.type = eNodeJoint;
+    n.type = type;
     n.parent = parent;
     n.tm.pos[1] = y;
     return n;
@@ -43,11 +43,9 @@ SContent SmallScene()
     CNode tube = MeshNode("Tube", TubeGeometry(2, 4));
     tube.modifiers = {TubeSkin(tube.geom, 2, 4, {root, tipIndex})};
     content.AddNode(tube);
-    CNode camera = Joint("camera", -1, 5.0f), light = Joint("light", -1, 6.0f);
-    camera.type = eNodeCamera;
+    CNode camera = Joint("camera", -1, 5.0f, eNodeCamera), light = Joint("light", -1, 6.0f, eNodeLight);
     camera.camera.target = light.light.target = tipIndex;
     camera.camera.fovFrames = {0.5f, 0.6f, 0.7f};
-    light.type = eNodeLight;
     content.AddNode(camera);
     content.AddNode(light);
     content.materials.resize(2);

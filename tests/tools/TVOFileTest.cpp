@@ -77,11 +77,6 @@ std::string ReadError(const std::vector<uint8_t>& bytes)
     return source.DescribeError();
 }
 
-std::string TempPath(const char* name)
-{
-    return testing::TempDir() + name;
-}
-
 struct SCapture
 {
     std::string text;
@@ -348,7 +343,7 @@ TEST(TVOFile, WriterStopsAtTheFirstFailedWriteAndLeavesNoFile)
     EXPECT_EQ(s.SaveTVO(failing), 1);
     EXPECT_EQ(failing.calls, 1);
 
-    const std::string path = TempPath("no-such-dir/x.tvo");
+    const std::string path = testing::TempDir() + "no-such-dir/x.tvo";
     EXPECT_EQ(s.SaveTVO(path.c_str()), 1);
 
     // An interleaved layout whose streams overlap cannot be written.
@@ -357,7 +352,7 @@ TEST(TVOFile, WriterStopsAtTheFirstFailedWriteAndLeavesNoFile)
     QMXTModelTVODataSetOffset(bad.pMesh[0].sNormals, 4);
     CSinkMemory sink;
     EXPECT_EQ(bad.SaveTVO(sink), 1);
-    const std::string file = TempPath("bad.tvo");
+    const std::string file = testing::TempDir() + "bad.tvo";
     EXPECT_EQ(bad.SaveTVO(file.c_str()), 1);
     EXPECT_EQ(std::fopen(file.c_str(), "rb"), nullptr);
     EXPECT_EQ(std::fopen((file + ".tmp").c_str(), "rb"), nullptr);
