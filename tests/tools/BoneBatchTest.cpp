@@ -112,30 +112,24 @@ TEST(BoneBatch, RejectsBadArgumentsWithoutTouchingTheIndices)
     const float negative[2] = {-1.0f, 2.0f};
     QMXTVertexWrite(&neg[l.nOffsetIdx], l.eTypeIdx, 2, negative);
     const std::vector<uint32_t> tri = {0, 1, 2, 2, 1, 3}, outside = {0, 1, 4};
-    struct SRow
-    {
-        const std::vector<uint8_t>& skin;
-        const std::vector<uint32_t>& idx;
-        uint32_t nOffsetIdx, eTypeWeight, nBonesPerVtx;
-    } rows[] = {
-        {s, tri, l.nOffsetIdx, l.eTypeWeight, 0},
-        {s, tri, l.nOffsetIdx, l.eTypeWeight, 5},
-        {s, outside, l.nOffsetIdx, l.eTypeWeight, 2},
-        {s, tri, l.nStride - 4, l.eTypeWeight, 2}, // the index component would reach past the record
-        {s, tri, l.nOffsetIdx, 0, 2},
-        {neg, tri, l.nOffsetIdx, l.eTypeWeight, 2},
-    };
-    for (const SRow& r : rows)
+    // Refused: the result says so and the indices, count and output are as they were.
+    auto refused = [&](const std::vector<uint8_t>& skin, std::vector<uint32_t> idx, uint32_t nOffsetIdx,
+                       uint32_t eTypeWeight, uint32_t nBonesPerVtx)
     {
         CQMXTBoneBatches b;
         uint32_t n = 77;
         uint8_t* out = nullptr;
-        std::vector<uint32_t> idx = r.idx;
-        EXPECT_EQ(b.Create(&n, &out, idx.data(), 4, r.skin.data(), l.nStride, l.nOffsetWeight, r.eTypeWeight,
-                           r.nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3), 9, r.nBonesPerVtx),
-                  CQMXTBoneBatches::eFailed);
-        EXPECT_EQ(idx, r.idx);
-        EXPECT_EQ(n, 77u);
-        EXPECT_EQ(out, nullptr);
-    }
+        const std::vector<uint32_t> before = idx;
+        const int result =
+            b.Create(&n, &out, idx.data(), 4, skin.data(), l.nStride, l.nOffsetWeight, eTypeWeight,
+                     nOffsetIdx, l.eTypeIdx, uint32_t(idx.size() / 3), 9, nBonesPerVtx);
+        return result == CQMXTBoneBatches::eFailed && idx == before && n == 77 && out == nullptr;
+    };
+    EXPECT_TRUE(refused(s, tri, l.nOffsetIdx, l.eTypeWeight, 0));
+    EXPECT_TRUE(refused(s, tri, l.nOffsetIdx, l.eTypeWeight, 5));
+    EXPECT_TRUE(refused(s, outside, l.nOffsetIdx, l.eTypeWeight, 2));
+    // The index component would reach past the record.
+    EXPECT_TRUE(refused(s, tri, l.nStride - 4, l.eTypeWeight, 2));
+    EXPECT_TRUE(refused(s, tri, l.nOffsetIdx, 0, 2));
+    EXPECT_TRUE(refused(neg, tri, l.nOffsetIdx, l.eTypeWeight, 2));
 }

@@ -57,11 +57,6 @@ TEST(TransformStrips, ListBecomesStripsThatDrawEveryTriangleWithItsWinding)
         EXPECT_EQ(HardwareStripTriangles(strips, Lengths(m)), ListTriangles(idx));
         EXPECT_EQ(strips.size(), m.nNumFaces + 2 * m.nNumStrips);
     }
-    SMeshHolder h;
-    SetList(h.mesh(), Band(7));
-    ASSERT_EQ(QMXTModelTVOToggleStrips(h.mesh()), 0);
-    EXPECT_EQ(Lengths(h.mesh()), (std::vector<uint32_t>{7})); // a band is one strip
-    EXPECT_EQ(ReadIndices(h.mesh()), (std::vector<uint32_t>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
 TEST(TransformStrips, AStripNeverCrossesABoneBatch)
