@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <vector>
 
 namespace tvotest
@@ -22,6 +23,8 @@ float* Floats(uint32_t count, float first, float step)
     return p;
 }
 
+namespace
+{
 uint32_t* Words(std::initializer_list<uint32_t> values)
 {
     uint32_t* p = static_cast<uint32_t*>(std::malloc(values.size() * sizeof(uint32_t)));
@@ -37,6 +40,7 @@ uint8_t* Bytes(uint32_t count, uint8_t seed)
     return p;
 }
 
+// A stream of count vertices filled with a byte pattern (type size x components a vertex).
 void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count, uint8_t seed)
 {
     d.eType = type;
@@ -45,6 +49,8 @@ void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count
     d.pData = Bytes(d.nStride * count, seed);
 }
 
+// Moves every present stream of a mesh into one interleaved block, each stream at a 4-byte aligned
+// offset in the order positions, normals, tangents, binormals, colours, bone indices, bone weights, UVWs.
 void Interleave(STVOMesh& m)
 {
     CTVOData* streams[] = {&m.sVertex,     &m.sNormals, &m.sTangents,   &m.sBinormals,
@@ -74,8 +80,6 @@ void Interleave(STVOMesh& m)
     }
 }
 
-namespace
-{
 void Faces(STVOMesh& m, EQMXTDataType type, const std::vector<uint32_t>& indices)
 {
     m.sFaces.eType = type;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 
 #include "QMXTModelTVO.h"
 
@@ -11,15 +10,6 @@ namespace tvotest
 // malloc'ed copies, as the scene model wants them.
 char* Str(const char* s);
 float* Floats(uint32_t count, float first, float step);
-uint32_t* Words(std::initializer_list<uint32_t> values);
-uint8_t* Bytes(uint32_t count, uint8_t seed);
-
-// A stream of count vertices filled with a byte pattern (type size x components a vertex).
-void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count, uint8_t seed);
-// Moves every present stream of a mesh into one interleaved block, each stream at a 4-byte aligned
-// offset in the order positions, normals, tangents, binormals, colours, bone indices, bone weights,
-// UVWs.
-void Interleave(STVOMesh& m);
 
 // Both builders finish with InitImpl, so the scene owns its arrays and Destroy frees them.
 // Every block the file knows: an interleaved list mesh with two UVW streams and bone batches, a

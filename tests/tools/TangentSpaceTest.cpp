@@ -142,12 +142,11 @@ TEST(TangentSpace, DegenerateCornersGiveUnitVectors)
 TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 {
     const STangentLayout l{EQMXTDataFloat, EQMXTDataFloat};
-    std::vector<SVertex> v(40);
-    for (uint32_t i = 0; i < v.size(); ++i)
-        v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0},
-                {0, 0, 1},
-                {std::cos(i * 0.15f), std::sin(i * 0.15f), 0}};
-    v[0] = {{0, 0, 0}, {0, 0, 1}, {0, 0, 0}};
+    std::vector<SVertex> v(40); // a fan's centre and rim, with UVs the positions
+    for (uint32_t i = 1; i < v.size(); ++i)
+        v[i].p = v[i].uv = {std::cos(i * 0.15f), std::sin(i * 0.15f), 0};
+    for (SVertex& vertex : v)
+        vertex.n = {0, 0, 1};
     const std::vector<uint8_t> data = Pack(v, l);
     EXPECT_EQ(Generate(data, 40, {5, 5, 7}, l, 0.0f).nResult, 1);
     const SIndexMesh fan33 = Fan(33), fan32 = Fan(32);
