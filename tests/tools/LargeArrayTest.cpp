@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -47,10 +48,7 @@ TEST(LargeArray, BlocksKeepContentsAcrossTheHugePageSizeAndRefuseOverflow)
     const size_t count = 5 * kMiB / 4;
     uint32_t* z = static_cast<uint32_t*>(QMXTLargeCalloc(count, sizeof(uint32_t)));
     ASSERT_NE(z, nullptr);
-    size_t nonZero = 0;
-    for (size_t i = 0; i < count; ++i)
-        nonZero += z[i] != 0;
-    EXPECT_EQ(nonZero, 0u);
+    EXPECT_EQ(std::count(z, z + count, 0u), static_cast<std::ptrdiff_t>(count));
     QMXTLargeFree(z);
     EXPECT_EQ(QMXTLargeCalloc(size_t(-1) / 2, 4), nullptr);
 }

@@ -97,10 +97,8 @@ TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
     static int releases = 0;
     static const char bytes[] = "custom";
     CQMXTResourceFile::SetLoadReleaseFunctions(
-        [](const char* path, const void** data, uint32_t* size) -> void*
+        [](const char*, const void** data, uint32_t* size) -> void*
         {
-            if (std::string(path) != "custom.bin")
-                return nullptr;
             *data = bytes;
             *size = 6;
             return const_cast<char*>(bytes);

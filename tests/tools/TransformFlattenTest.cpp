@@ -38,12 +38,13 @@ struct SScene
     SMeshHolder h{2};
     CQMXTModelTVO& s = h.scene;
 
-    STVONode& Node(uint32_t i, const char* name, int32_t parent, int32_t idx = -1)
+    STVONode& Node(uint32_t i, const char* name, int32_t parent, int32_t idx = -1, uint32_t flags = 0)
     {
         STVONode& n = s.pNode[i];
         n.pszName = HeapString(name);
         n.nIdxParent = parent;
         n.nIdx = idx;
+        n.nAnimationFlags = flags;
         return n;
     }
 
@@ -53,22 +54,18 @@ struct SScene
         s.nNumNode = 9;
         s.nNumMeshNode = 3;
         s.pNode = static_cast<STVONode*>(std::calloc(s.nNumNode, sizeof(STVONode)));
-        STVONode& tri = Node(0, "triangle", 6, 0);
-        tri.nAnimationFlags = eTVOHasPositionAnimation;
-        tri.pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 0, 1, 0, 0, 2, 0, 0});
+        Node(0, "triangle", 6, 0, eTVOHasPositionAnimation).pfAnimPosition =
+            HeapCopy(std::vector<float>{0, 0, 0, 1, 0, 0, 2, 0, 0});
         Node(1, "skin", -1, 1).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 1});
         Node(2, "instance", -1, 0).pfAnimPosition = HeapCopy(std::vector<float>{10, 0, 0});
         Node(3, "lamp", 0, 0).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 7});
         Node(4, "eye", -1, 0);
-        Node(5, "root", -1).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[5].pfAnimMatrix = MatrixKeys(0.3f, false, 1, 2, 3, 1);
+        Node(5, "root", -1, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.3f, false, 1, 2, 3, 1);
         STVONode& arm = Node(6, "arm", 5);
         arm.pfAnimPosition = HeapCopy(std::vector<float>{0, 5, 0});
         arm.pfAnimScale = HeapCopy(std::vector<float>{2, 1, 1, 0, 0, 0, 0});
-        Node(7, "bone0", -1).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[7].pfAnimMatrix = MatrixKeys(0.5f, false, 1, 0, 0);
-        Node(8, "bone1", 7).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[8].pfAnimMatrix = MatrixKeys(0.4f, true, 0, 1, 0);
+        Node(7, "bone0", -1, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.5f, false, 1, 0, 0);
+        Node(8, "bone1", 7, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.4f, true, 0, 1, 0);
         s.nNumLight = 1;
         s.pLight = static_cast<STVOLight*>(std::calloc(1, sizeof(STVOLight)));
         s.nNumCamera = 1;
