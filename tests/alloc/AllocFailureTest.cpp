@@ -1,7 +1,6 @@
-// A small export with a skin, animation and two materials, under three option sets, run once for
-// every allocation it makes with exactly that allocation failing: it must never crash, leak or let an
-// exception out, and it either succeeds with the same file as an undisturbed run (or with an error
-// logged by a step that goes on without its result) or fails with an error logged and no file left.
+// A small export under three option sets, run once for every allocation it makes with exactly that
+// one failing: never a crash, leak or escaped exception; either the undisturbed run's file (or an
+// error logged by a step that goes on without its result) or an error logged and no file left.
 #include <gtest/gtest.h>
 
 #include <cstdio>

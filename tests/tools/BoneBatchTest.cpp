@@ -17,13 +17,9 @@ namespace
 struct SLayout
 {
     uint32_t eTypeWeight, eTypeIdx, nBonesPerVtx;
-    uint32_t nOffsetWeight = 4, nOffsetIdx = 0, nStride = 0;
-
-    SLayout(uint32_t w, uint32_t i, uint32_t n) : eTypeWeight(w), eTypeIdx(i), nBonesPerVtx(n)
-    {
-        nOffsetIdx = nOffsetWeight + QMXTModelTVODataElementBytes(w, n);
-        nStride = nOffsetIdx + QMXTModelTVODataElementBytes(i, n) + 2;
-    }
+    uint32_t nOffsetWeight = 4;
+    uint32_t nOffsetIdx = nOffsetWeight + QMXTModelTVODataElementBytes(eTypeWeight, nBonesPerVtx);
+    uint32_t nStride = nOffsetIdx + QMXTModelTVODataElementBytes(eTypeIdx, nBonesPerVtx) + 2;
 };
 
 // Vertices tagged with their number; each influence a bone of the pool, some with zero weight.
@@ -81,10 +77,10 @@ TEST(BoneBatch, MatchesGoldenDigests)
         "# skinned meshes of tests/tools/BoneBatchTest.cpp, one line per eight meshes. Written by\n"
         "# the test with OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled\n"
         "# the former quadratic reference implementation on these meshes.\n");
-    const SLayout layouts[] = {SLayout(EQMXTDataFloat, EQMXTDataFloat, 4),
-                               SLayout(EQMXTDataUnsignedByteNorm, EQMXTDataUBYTE4, 3),
-                               SLayout(EQMXTDataFloat, EQMXTDataUnsignedShort, 2),
-                               SLayout(EQMXTDataUnsignedShortNorm, EQMXTDataUnsignedByte, 1)};
+    const SLayout layouts[] = {{EQMXTDataFloat, EQMXTDataFloat, 4},
+                               {EQMXTDataUnsignedByteNorm, EQMXTDataUBYTE4, 3},
+                               {EQMXTDataFloat, EQMXTDataUnsignedShort, 2},
+                               {EQMXTDataUnsignedShortNorm, EQMXTDataUnsignedByte, 1}};
     std::mt19937 rng(41);
     for (uint32_t seed = 41; seed <= 44; ++seed)
     {
@@ -105,7 +101,7 @@ TEST(BoneBatch, MatchesGoldenDigests)
 
 TEST(BoneBatch, RejectsBadArgumentsWithoutTouchingTheIndices)
 {
-    const SLayout l(EQMXTDataFloat, EQMXTDataFloat, 2);
+    const SLayout l{EQMXTDataFloat, EQMXTDataFloat, 2};
     std::mt19937 rng(5);
     const std::vector<uint8_t> s = MakeSkin(rng, 4, l, 4, 0);
     std::vector<uint8_t> neg = s; // a negative bone index with a weight cannot be placed

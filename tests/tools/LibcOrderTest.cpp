@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -38,11 +39,9 @@ TEST(LibcOrder, OrdersAsQsortDoesUnderTheWrappedDifference)
     // Random keys span the whole circle, so the comparison has cycles; odd sizes and repeated keys
     // exercise the split and tie rules at every level.
     std::mt19937 rng(5);
-    std::vector<size_t> sizes;
-    for (size_t n = 0; n <= 70; ++n)
-        sizes.push_back(n);
-    for (size_t n : {127u, 128u, 129u, 1000u, 4099u, 65537u, 300001u})
-        sizes.push_back(n);
+    std::vector<size_t> sizes(71);
+    std::iota(sizes.begin(), sizes.end(), 0);
+    sizes.insert(sizes.end(), {127, 128, 129, 1000, 4099, 65537, 300001});
     for (size_t n : sizes)
         for (bool fewValues : {false, true})
         {

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <string>
 #include <vector>
 
 #include "QMXTModelTVO.h"
@@ -12,16 +11,13 @@
 
 namespace
 {
-// Allocates n zeroed nodes, all roots.
+// Allocates n zeroed nodes without names, all roots.
 void MakeNodes(CQMXTModelTVO& s, uint32_t n)
 {
     s.nNumNode = n;
     s.pNode = static_cast<STVONode*>(std::calloc(n, sizeof(STVONode)));
     for (uint32_t i = 0; i < n; ++i)
-    {
         s.pNode[i].nIdxParent = -1;
-        s.pNode[i].pszName = HeapString(("node" + std::to_string(i)).c_str());
-    }
 }
 
 const float kPi = 3.14159265f;

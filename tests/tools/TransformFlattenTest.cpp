@@ -109,9 +109,8 @@ struct SScene
 };
 } // namespace
 
-// The scene flattened at frames 0 and 2, the skinned mesh as a list and as strips: static meshes are
-// baked at their node's world matrix, skinned ones blended by their batch bones once a vertex, mesh
-// nodes become identity roots and every other node keeps its world placement at every frame.
+// The scene flattened at frames 0 and 2, the skinned mesh as a list and as strips: static meshes baked
+// at their world matrix, skinned ones blended by their batch bones, mesh nodes as identity roots.
 TEST(TransformFlatten, MatchesGoldenDigests)
 {
     CGoldenDigests golden(

@@ -64,8 +64,7 @@ TEST(TriStrip, MatchesGoldenDigests)
     golden.Check();
 }
 
-// Vertex numbers far apart pair up the same triangles; a second run with another rand() seed gives
-// the same strips, and the caller's rand() sequence goes on as if no strips were made.
+// Far-apart vertex numbers and another rand() seed give the same strips; rand() itself is left alone.
 TEST(TriStrip, SparseNumbersSeedsAndTheCallersRandomSequenceChangeNothing)
 {
     std::mt19937 rng(14);
