@@ -6,10 +6,23 @@
 
 namespace geomtest
 {
+namespace
+{
+// The triangles of m in a random order.
+void ShuffleTriangles(SIndexMesh& m, std::mt19937& rng)
+{
+    std::vector<uint32_t> order(m.TriNum()), idx;
+    std::iota(order.begin(), order.end(), 0u);
+    std::shuffle(order.begin(), order.end(), rng);
+    for (uint32_t t : order)
+        idx.insert(idx.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
+    m.idx = idx;
+}
+} // namespace
+
 SIndexMesh Grid(uint32_t w, uint32_t h, bool checker)
 {
     SIndexMesh m;
-    m.sName = "grid " + std::to_string(w) + "x" + std::to_string(h) + (checker ? " checker" : "");
     m.nVertexNum = (w + 1) * (h + 1);
     for (uint32_t y = 0; y < h; ++y)
         for (uint32_t x = 0; x < w; ++x)
@@ -26,7 +39,6 @@ SIndexMesh Grid(uint32_t w, uint32_t h, bool checker)
 SIndexMesh Fan(uint32_t n, bool closed)
 {
     SIndexMesh m;
-    m.sName = "fan " + std::to_string(n) + (closed ? " closed" : "");
     m.nVertexNum = closed ? n + 1 : n + 2;
     for (uint32_t i = 0; i < n; ++i)
         m.idx.insert(m.idx.end(), {0, 1 + i, closed ? 1 + (i + 1) % n : 2 + i});
@@ -36,7 +48,6 @@ SIndexMesh Fan(uint32_t n, bool closed)
 SIndexMesh Strip(uint32_t n)
 {
     SIndexMesh m;
-    m.sName = "strip " + std::to_string(n);
     m.nVertexNum = n + 2;
     for (uint32_t i = 0; i < n; ++i)
         if (i % 2)
@@ -49,8 +60,6 @@ SIndexMesh Strip(uint32_t n)
 SIndexMesh Random(std::mt19937& rng, uint32_t nTri, uint32_t nVertexPool, uint32_t nPieces, bool degenerate)
 {
     SIndexMesh m;
-    m.sName = "random " + std::to_string(nTri) + "/" + std::to_string(nVertexPool) + "/" + std::to_string(nPieces) +
-              (degenerate ? " with repeats" : "");
     nVertexPool = std::max(nVertexPool, 3u);
     m.nVertexNum = nVertexPool * nPieces;
     std::uniform_int_distribution<uint32_t> vtx(0, nVertexPool - 1), piece(0, nPieces - 1), pct(0, 99);
@@ -63,12 +72,13 @@ SIndexMesh Random(std::mt19937& rng, uint32_t nTri, uint32_t nVertexPool, uint32
             std::uniform_int_distribution<uint32_t> earlier(0, m.TriNum() - 1);
             const uint32_t* e = &m.idx[size_t(earlier(rng)) * 3];
             const uint32_t a = e[0], b = e[1], c = e[2];
-            switch (pct(rng) % 3)
-            {
-            case 0: m.idx.insert(m.idx.end(), {a, b, c}); break;
-            case 1: m.idx.insert(m.idx.end(), {a, c, b}); break;
-            default: m.idx.insert(m.idx.end(), {b, a, base + vtx(rng) % nVertexPool}); break;
-            }
+            const uint32_t kind = pct(rng) % 3;
+            if (kind == 0)
+                m.idx.insert(m.idx.end(), {a, b, c});
+            else if (kind == 1)
+                m.idx.insert(m.idx.end(), {a, c, b});
+            else
+                m.idx.insert(m.idx.end(), {b, a, base + vtx(rng) % nVertexPool});
         }
         else
         {
@@ -92,7 +102,6 @@ SIndexMesh DamagedGrid(std::mt19937& rng, uint32_t w, uint32_t h)
 {
     SIndexMesh g = Grid(w, h, rng() % 2);
     SIndexMesh m;
-    m.sName = "damaged " + g.sName;
     m.nVertexNum = g.nVertexNum;
     std::uniform_int_distribution<uint32_t> pct(0, 99);
     for (uint32_t t = 0; t < g.TriNum(); ++t)
@@ -108,37 +117,21 @@ SIndexMesh DamagedGrid(std::mt19937& rng, uint32_t w, uint32_t h)
         if (r >= 97)
             m.idx.insert(m.idx.end(), tri, tri + 3); // duplicate
     }
-    std::vector<uint32_t> order(m.TriNum());
-    std::iota(order.begin(), order.end(), 0u);
-    std::shuffle(order.begin(), order.end(), rng);
-    std::vector<uint32_t> shuffled;
-    for (uint32_t t : order)
-        shuffled.insert(shuffled.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
-    m.idx = shuffled;
+    ShuffleTriangles(m, rng);
     return m;
 }
 
 SIndexMesh Concatenate(const std::vector<SIndexMesh>& parts, std::mt19937* shuffle)
 {
     SIndexMesh m;
-    m.sName = "pieces:";
     for (const SIndexMesh& p : parts)
     {
-        m.sName += " " + p.sName + ";";
         for (uint32_t i : p.idx)
             m.idx.push_back(i + m.nVertexNum);
         m.nVertexNum += p.nVertexNum;
     }
     if (shuffle)
-    {
-        std::vector<uint32_t> order(m.TriNum());
-        std::iota(order.begin(), order.end(), 0u);
-        std::shuffle(order.begin(), order.end(), *shuffle);
-        std::vector<uint32_t> idx;
-        for (uint32_t t : order)
-            idx.insert(idx.end(), &m.idx[size_t(t) * 3], &m.idx[size_t(t) * 3] + 3);
-        m.idx = idx;
-    }
+        ShuffleTriangles(m, *shuffle);
     return m;
 }
 
@@ -180,13 +173,15 @@ std::vector<SIndexMesh> MeshZoo(uint32_t seed, uint32_t nRandom, uint32_t nMaxTr
             std::vector<SIndexMesh> parts;
             for (uint32_t k = 0, count = 1 + rng() % 6; k < count; ++k)
             {
-                switch (kind(rng))
-                {
-                case 0: parts.push_back(Grid(side(rng), side(rng), rng() % 2)); break;
-                case 1: parts.push_back(Fan(n(rng), rng() % 2 && n(rng) > 2)); break;
-                case 2: parts.push_back(Strip(n(rng))); break;
-                default: parts.push_back(Random(rng, n(rng), 3 + rng() % 8, 1, false)); break;
-                }
+                const uint32_t shape = kind(rng);
+                if (shape == 0)
+                    parts.push_back(Grid(side(rng), side(rng), rng() % 2));
+                else if (shape == 1)
+                    parts.push_back(Fan(n(rng), rng() % 2 && n(rng) > 2));
+                else if (shape == 2)
+                    parts.push_back(Strip(n(rng)));
+                else
+                    parts.push_back(Random(rng, n(rng), 3 + rng() % 8, 1, false));
             }
             zoo.push_back(Concatenate(parts, rng() % 2 ? &rng : nullptr));
             break;
@@ -200,7 +195,8 @@ std::vector<SIndexMesh> MeshZoo(uint32_t seed, uint32_t nRandom, uint32_t nMaxTr
         }
         }
     }
-    zoo.erase(std::remove_if(zoo.begin(), zoo.end(), [](const SIndexMesh& m) { return m.idx.empty(); }), zoo.end());
+    zoo.erase(std::remove_if(zoo.begin(), zoo.end(), [](const SIndexMesh& m) { return m.idx.empty(); }),
+              zoo.end());
     return zoo;
 }
 

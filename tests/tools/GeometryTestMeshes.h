@@ -4,14 +4,12 @@
 
 #include <cstdint>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace geomtest
 {
 struct SIndexMesh
 {
-    std::string sName;
     uint32_t nVertexNum = 0;
     std::vector<uint32_t> idx;
     uint32_t TriNum() const { return uint32_t(idx.size() / 3); }

@@ -1,8 +1,6 @@
-// Digests of production output compared with a golden file in tests/data/.
-//
-// Each line of the file is "key digest" (64-bit FNV-1a over the bytes added for that key, in hex);
-// lines starting with '#' say how the file was made. With OSTREX_WRITE_GOLDEN=1 in the environment
-// the test rewrites the file instead: do that only after a deliberate change of output.
+// Digests of production output compared with a golden file in tests/data/: each line "key digest"
+// (64-bit FNV-1a over the bytes added for that key, in hex), '#' lines saying how the file was made.
+// With OSTREX_WRITE_GOLDEN=1 the test rewrites the file: only after a deliberate change of output.
 #pragma once
 
 #include <cstdint>

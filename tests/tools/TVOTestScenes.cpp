@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
+#include <vector>
 
 namespace tvotest
 {
@@ -21,6 +23,8 @@ float* Floats(uint32_t count, float first, float step)
     return p;
 }
 
+namespace
+{
 uint32_t* Words(std::initializer_list<uint32_t> values)
 {
     uint32_t* p = static_cast<uint32_t*>(std::malloc(values.size() * sizeof(uint32_t)));
@@ -36,6 +40,7 @@ uint8_t* Bytes(uint32_t count, uint8_t seed)
     return p;
 }
 
+// A stream of count vertices filled with a byte pattern (type size x components a vertex).
 void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count, uint8_t seed)
 {
     d.eType = type;
@@ -44,6 +49,8 @@ void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count
     d.pData = Bytes(d.nStride * count, seed);
 }
 
+// Moves every present stream of a mesh into one interleaved block, each stream at a 4-byte aligned
+// offset in the order positions, normals, tangents, binormals, colours, bone indices, bone weights, UVWs.
 void Interleave(STVOMesh& m)
 {
     CTVOData* streams[] = {&m.sVertex,     &m.sNormals, &m.sTangents,   &m.sBinormals,
@@ -73,14 +80,12 @@ void Interleave(STVOMesh& m)
     }
 }
 
-namespace
-{
-void Faces(STVOMesh& m, EQMXTDataType type, std::initializer_list<uint32_t> indices)
+void Faces(STVOMesh& m, EQMXTDataType type, const std::vector<uint32_t>& indices)
 {
     m.sFaces.eType = type;
     m.sFaces.n = 1;
     m.sFaces.nStride = QMXTModelTVODataTypeSize(type);
-    m.sFaces.pData = static_cast<uint8_t*>(std::malloc(indices.size() * m.sFaces.nStride));
+    m.sFaces.pData = static_cast<uint8_t*>(std::malloc(indices.size() * m.sFaces.nStride + 4));
     uint32_t i = 0;
     for (uint32_t index : indices)
         QMXTVertexWrite(m.sFaces.pData + m.sFaces.nStride * i++, type, index);
@@ -180,20 +185,8 @@ void MakeLightsAndCameras(CQMXTModelTVO& s)
 {
     s.nNumLight = 3;
     s.pLight = static_cast<STVOLight*>(std::calloc(3, sizeof(STVOLight)));
-    for (uint32_t i = 0; i < 3; ++i)
-    {
-        STVOLight& l = s.pLight[i];
-        l.eType = i; // point, directional, spot
-        l.nIdxTarget = i == 2 ? 7 : -1;
-        l.pfColour[0] = 1.0f;
-        l.pfColour[1] = 0.5f + 0.1f * static_cast<float>(i);
-        l.pfColour[2] = 0.25f;
-        l.fConstantAttenuation = 1.0f;
-        l.fLinearAttenuation = 0.5f;
-        l.fQuadraticAttenuation = 0.25f;
-        l.fFalloffAngle = 0.7f;
-        l.fFalloffExponent = 2.0f;
-    }
+    for (uint32_t i = 0; i < 3; ++i) // point, directional, spot
+        s.pLight[i] = {i == 2 ? 7 : -1, {1, 0.5f + 0.1f * float(i), 0.25f}, i, 1, 0.5f, 0.25f, 0.7f, 2};
     s.nNumCamera = 2;
     s.pCamera = static_cast<STVOCamera*>(std::calloc(2, sizeof(STVOCamera)));
     s.pCamera[0] = {7, 0.8f, 1000.0f, 0.5f, Floats(4, 0.8f, 0.05f)};
@@ -265,17 +258,10 @@ void MakeBigScene(CQMXTModelTVO& s, uint32_t vertexCount, bool interleaved)
     STVOMesh& m = s.pMesh[0];
     m.nNumVertex = vertexCount;
     m.nNumFaces = vertexCount > 2 ? vertexCount - 2 : 0;
-    m.sFaces.eType = EQMXTDataUnsignedInt;
-    m.sFaces.n = 1;
-    m.sFaces.nStride = 4;
-    uint32_t* indices = static_cast<uint32_t*>(std::malloc(m.nNumFaces * 3 * sizeof(uint32_t) + 4));
+    std::vector<uint32_t> indices;
     for (uint32_t t = 0; t < m.nNumFaces; ++t)
-    {
-        indices[3 * t] = t;
-        indices[3 * t + 1] = t + 1;
-        indices[3 * t + 2] = t + 2;
-    }
-    m.sFaces.pData = reinterpret_cast<uint8_t*>(indices);
+        indices.insert(indices.end(), {t, t + 1, t + 2});
+    Faces(m, EQMXTDataUnsignedInt, indices);
     Stream(m.sVertex, EQMXTDataFloat, 3, vertexCount, 1);
     Stream(m.sNormals, EQMXTDataFloat, 3, vertexCount, 2);
     m.nNumUVW = 1;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 
 #include "QMXTModelTVO.h"
 
@@ -11,22 +10,12 @@ namespace tvotest
 // malloc'ed copies, as the scene model wants them.
 char* Str(const char* s);
 float* Floats(uint32_t count, float first, float step);
-uint32_t* Words(std::initializer_list<uint32_t> values);
-uint8_t* Bytes(uint32_t count, uint8_t seed);
-
-// A stream of count vertices filled with a byte pattern (type size x components a vertex).
-void Stream(CTVOData& d, EQMXTDataType type, uint32_t components, uint32_t count, uint8_t seed);
-// Moves every present stream of a mesh into one interleaved block, each stream at a 4-byte aligned
-// offset in the order positions, normals, tangents, binormals, colours, bone indices, bone weights,
-// UVWs.
-void Interleave(STVOMesh& m);
 
 // Both builders finish with InitImpl, so the scene owns its arrays and Destroy frees them.
-// Every block the file knows: an interleaved list mesh with two UVW streams and bone batches, a
-// non-interleaved strip mesh with an unpack matrix, an empty mesh; nodes with plain, indexed and
-// matrix animation and user data; point, directional and spot lights; a camera with field-of-view
-// animation and a static one; two materials (one with textures, effect and user data), two textures;
-// scene user data. Four frames at 25 fps.
+// Every block the file knows: an interleaved list mesh with two UVW sets and bone batches, a strip
+// mesh of separate streams with an unpack matrix, an empty mesh; nodes with plain, indexed and matrix
+// animation and user data; three kinds of light; an animated and a static camera; two materials, two
+// textures; scene user data. Four frames at 25 fps.
 void MakeRichScene(CQMXTModelTVO& s);
 // One mesh of vertexCount vertices (float positions and normals, one unsigned short UVW stream) and
 // about as many triangles, one node; interleaved or not.

@@ -1,5 +1,5 @@
-// Tangent space: golden output digests (random, often mirrored UVs), the corner frame, the triangle
-// limit, degenerate triangles and argument failures.
+// Tangent space: golden output digests (random, often mirrored UVs), degenerate corners, the
+// triangle limit and argument failures.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,28 +15,15 @@ using namespace geomtest;
 
 namespace
 {
+// Position, normal and UV at offsets 0, 12 and 24 (floats, the UV of type eTypeUV), then tangent and
+// binormal of type eTypeTan, then a 4-byte tag.
 struct STangentLayout
 {
-    uint32_t nStride;
-    uint32_t nOffsetPos, nOffsetNor, nOffsetUV, nOffsetTan, nOffsetBin;
-    EQMXTDataType eTypePos, eTypeNor, eTypeUV, eTypeTan, eTypeBin;
+    EQMXTDataType eTypeTan, eTypeUV;
+    uint32_t nOffsetTan = 24 + QMXTModelTVODataElementBytes(eTypeUV, 3);
+    uint32_t nOffsetBin = nOffsetTan + QMXTModelTVODataElementBytes(eTypeTan, 3);
+    uint32_t nStride = nOffsetBin + QMXTModelTVODataElementBytes(eTypeTan, 3) + 4;
 };
-
-// Position, normal and UV as floats, then tangent and binormal in the given types, then a tag.
-STangentLayout Layout(EQMXTDataType tangentType, EQMXTDataType uvType = EQMXTDataFloat)
-{
-    STangentLayout l{};
-    l.nOffsetPos = 0;
-    l.nOffsetNor = 12;
-    l.nOffsetUV = 24;
-    l.nOffsetTan = 24 + QMXTModelTVODataElementBytes(uvType, 3);
-    l.nOffsetBin = l.nOffsetTan + QMXTModelTVODataElementBytes(tangentType, 3);
-    l.nStride = l.nOffsetBin + QMXTModelTVODataElementBytes(tangentType, 3) + 4;
-    l.eTypePos = l.eTypeNor = EQMXTDataFloat;
-    l.eTypeUV = uvType;
-    l.eTypeTan = l.eTypeBin = tangentType;
-    return l;
-}
 
 struct SVertex
 {
@@ -49,9 +36,9 @@ std::vector<uint8_t> Pack(const std::vector<SVertex>& v, const STangentLayout& l
     for (uint32_t i = 0; i < v.size(); ++i)
     {
         uint8_t* rec = &data[i * l.nStride];
-        QMXTVertexWrite(rec + l.nOffsetPos, l.eTypePos, 3, &v[i].p.x);
-        QMXTVertexWrite(rec + l.nOffsetNor, l.eTypeNor, 3, &v[i].n.x);
-        QMXTVertexWrite(rec + l.nOffsetUV, l.eTypeUV, 3, &v[i].uv.x);
+        QMXTVertexWrite(rec, EQMXTDataFloat, 3, &v[i].p.x);
+        QMXTVertexWrite(rec + 12, EQMXTDataFloat, 3, &v[i].n.x);
+        QMXTVertexWrite(rec + 24, l.eTypeUV, 3, &v[i].uv.x);
         std::memcpy(rec + l.nStride - 4, &i, 4);
     }
     return data;
@@ -70,10 +57,10 @@ SResult Generate(const std::vector<uint8_t>& data, uint32_t nVertex, std::vector
 {
     SResult r;
     uint8_t* out = nullptr;
-    r.nResult = QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(),
-                                               l.nStride, l.nOffsetPos, l.eTypePos, l.nOffsetNor, l.eTypeNor,
-                                               l.nOffsetUV, l.eTypeUV, l.nOffsetTan, l.eTypeTan, l.nOffsetBin,
-                                               l.eTypeBin, uint32_t(idx.size() / 3), split);
+    r.nResult =
+        QMXTVertexGenerateTangentSpace(&r.nVertexNum, &out, idx.data(), nVertex, data.data(), l.nStride, 0,
+                                       EQMXTDataFloat, 12, EQMXTDataFloat, 24, l.eTypeUV, l.nOffsetTan,
+                                       l.eTypeTan, l.nOffsetBin, l.eTypeTan, uint32_t(idx.size() / 3), split);
     r.idx = idx;
     if (r.nResult == 0)
         r.vertices.assign(out, out + size_t(r.nVertexNum) * l.nStride);
@@ -98,11 +85,11 @@ TEST(TangentSpace, MatchesGoldenDigests)
         "# tests/tools/TangentSpaceTest.cpp, one line per eight meshes. Written by the test with\n"
         "# OSTREX_WRITE_GOLDEN=1 from the code at 6d1b907, whose output equalled the former\n"
         "# quadratic reference implementation on these meshes.\n");
-    const STangentLayout layouts[] = {Layout(EQMXTDataFloat), Layout(EQMXTDataShortNorm),
-                                      Layout(EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm)};
+    const STangentLayout layouts[] = {{EQMXTDataFloat, EQMXTDataFloat},
+                                      {EQMXTDataShortNorm, EQMXTDataFloat},
+                                      {EQMXTDataDEC3N, EQMXTDataUnsignedShortNorm}};
     std::mt19937 rng(51);
     std::uniform_real_distribution<float> unit(-1.0f, 1.0f), uv(0.0f, 1.0f);
-    size_t compared = 0, failures = 0;
     for (uint32_t seed = 51; seed <= 54; ++seed)
     {
         const std::vector<SIndexMesh> zoo = MeshZoo(seed, 150, 90);
@@ -127,43 +114,21 @@ TEST(TangentSpace, MatchesGoldenDigests)
             {
                 golden.Add(&r.vertices[size_t(k) * l.nStride + l.nStride - 4], 4);
                 for (const QMXTVECTOR3f& f :
-                     {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeBin)})
+                     {Read(r, l, k, l.nOffsetTan, l.eTypeTan), Read(r, l, k, l.nOffsetBin, l.eTypeTan)})
                     for (float c : {f.x, f.y, f.z})
                         golden.AddValue(uint64_t(std::lround(c * 1000.0f)));
             }
-            if (r.nResult != 0)
-            {
-                EXPECT_EQ(r.idx, m.idx);
-                ++failures;
-            }
-            ++compared;
             if (i % 8 == 7 || i + 1 == zoo.size())
                 golden.EndLine(std::to_string(seed) + "/" + std::to_string(i / 8));
         }
     }
     golden.Check();
-    EXPECT_GT(failures, 0u);
-    EXPECT_LT(failures, compared / 2);
 }
 
-TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
+// No UV area, a zero normal, a zero triangle: still finite unit vectors.
+TEST(TangentSpace, DegenerateCornersGiveUnitVectors)
 {
     QMXTVECTOR3f t, b;
-    // u along +x, v along +y on a plane facing +z.
-    QMXTVertexTangentBitangent(t, b, {0, 0, 1}, {0, 0, 0}, {2, 0, 0}, {0, 3, 0}, {0, 0, 0}, {1, 0, 0},
-                               {0, 1, 0});
-    EXPECT_NEAR(t.x, 1.0f, 1e-6f);
-    EXPECT_NEAR(b.y, 1.0f, 1e-6f);
-    // A tilted normal: both vectors become perpendicular to it and to each other.
-    const QMXTVECTOR3f n = {0.3f, 0.2f, 0.9f};
-    QMXTVertexTangentBitangent(t, b, n, {0, 0, 0}, {1, 0.2f, 0}, {0.1f, 1, 0}, {0, 0, 0}, {1, 0, 0},
-                               {0, 1, 0});
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, n), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(b, n), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3DotProductF(t, b), 0.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3LengthF(t), 1.0f, 1e-6f);
-    EXPECT_NEAR(QMXTMatrixVec3LengthF(b), 1.0f, 1e-6f);
-    // No UV area, a zero normal, a zero triangle: still finite unit vectors.
     for (const QMXTVECTOR3f& normal : {QMXTVECTOR3f{0, 0, 1}, QMXTVECTOR3f{0, 0, 0}})
         for (const QMXTVECTOR3f& p1 : {QMXTVECTOR3f{1, 0, 0}, QMXTVECTOR3f{0, 0, 0}})
         {
@@ -176,13 +141,12 @@ TEST(TangentSpace, CornerFrameFollowsTheUVsAndStaysOrthonormal)
 
 TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 {
-    const STangentLayout l = Layout(EQMXTDataFloat);
-    std::vector<SVertex> v(40);
-    for (uint32_t i = 0; i < v.size(); ++i)
-        v[i] = {{std::cos(i * 0.15f), std::sin(i * 0.15f), 0},
-                {0, 0, 1},
-                {std::cos(i * 0.15f), std::sin(i * 0.15f), 0}};
-    v[0] = {{0, 0, 0}, {0, 0, 1}, {0, 0, 0}};
+    const STangentLayout l{EQMXTDataFloat, EQMXTDataFloat};
+    std::vector<SVertex> v(40); // a fan's centre and rim, with UVs the positions
+    for (uint32_t i = 1; i < v.size(); ++i)
+        v[i].p = v[i].uv = {std::cos(i * 0.15f), std::sin(i * 0.15f), 0};
+    for (SVertex& vertex : v)
+        vertex.n = {0, 0, 1};
     const std::vector<uint8_t> data = Pack(v, l);
     EXPECT_EQ(Generate(data, 40, {5, 5, 7}, l, 0.0f).nResult, 1);
     const SIndexMesh fan33 = Fan(33), fan32 = Fan(32);
@@ -196,16 +160,16 @@ TEST(TangentSpace, FailsOnRepeatedIndicesAndCrowdedVertices)
 
 TEST(TangentSpace, RejectsBadArguments)
 {
-    const STangentLayout l = Layout(EQMXTDataFloat);
+    const STangentLayout l{EQMXTDataFloat, EQMXTDataFloat};
     const std::vector<uint8_t> data = Pack(std::vector<SVertex>(4), l);
     std::vector<uint32_t> idx = {0, 1, 4};
     uint32_t n = 9;
     uint8_t* out = nullptr;
     auto run = [&](uint32_t tanOffset, EQMXTDataType tanType)
     {
-        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, l.nOffsetPos,
-                                              l.eTypePos, l.nOffsetNor, l.eTypeNor, l.nOffsetUV, l.eTypeUV,
-                                              tanOffset, tanType, l.nOffsetBin, l.eTypeBin, 1, 0.0f);
+        return QMXTVertexGenerateTangentSpace(&n, &out, idx.data(), 4, data.data(), l.nStride, 0,
+                                              EQMXTDataFloat, 12, EQMXTDataFloat, 24, l.eTypeUV, tanOffset,
+                                              tanType, l.nOffsetBin, l.eTypeTan, 1, 0.0f);
     };
     EXPECT_EQ(run(l.nOffsetTan, l.eTypeTan), 1); // index past the vertices
     idx = {0, 1, 2};

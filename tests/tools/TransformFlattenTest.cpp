@@ -1,38 +1,32 @@
-// Flattening to world space, and the deep copies it is made of.
+// Flattening to world space (against golden digests), bad bone batches, and node copies.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "GoldenDigests.h"
 #include "QMXTModelTVOTransform.h"
 #include "TransformFixtures.h"
 
 namespace
 {
-QMXTMATRIXf T(float x, float y, float z) { QMXTMATRIXf m; return QMXTMatrixTranslationF(m, x, y, z); }
-QMXTMATRIXf S(float x, float y, float z) { QMXTMATRIXf m; return QMXTMatrixScalingF(m, x, y, z); }
-QMXTMATRIXf RZ(float a) { QMXTMATRIXf m; return QMXTMatrixRotationZF(m, a); }
-QMXTMATRIXf RX(float a) { QMXTMATRIXf m; return QMXTMatrixRotationXF(m, a); }
-QMXTMATRIXf operator*(const QMXTMATRIXf& a, const QMXTMATRIXf& b) { QMXTMATRIXf m; return QMXTMatrixMultiplyF(m, a, b); }
-QMXTMATRIXf Inverse(const QMXTMATRIXf& a) { QMXTMATRIXf m; return QMXTMatrixInverseF(m, a); }
-QMXTVECTOR3f Point(const Vec4& p, const QMXTMATRIXf& m) { QMXTVECTOR3f v; return QMXTTransform(v, {p[0], p[1], p[2]}, m); }
-QMXTVECTOR3f Add(QMXTVECTOR3f a, QMXTVECTOR3f b, float w) { return {a.x + w * b.x, a.y + w * b.y, a.z + w * b.z}; }
-QMXTVECTOR3f Sub(QMXTVECTOR3f a, QMXTVECTOR3f b) { return Add(a, b, -1); }
-QMXTVECTOR3f Unit(QMXTVECTOR3f v) { return QMXTMatrixVec3NormalizeF(v, v); }
-void ExpectVec(const Vec4& got, QMXTVECTOR3f want, float tol = 1e-4f)
-{
-    EXPECT_NEAR(got[0], want.x, tol);
-    EXPECT_NEAR(got[1], want.y, tol);
-    EXPECT_NEAR(got[2], want.z, tol);
-}
-
 const uint32_t kFrames = 3;
 
-float* MatrixKeys(const std::vector<QMXTMATRIXf>& keys)
+// kFrames matrix keys: a rotation by angle x frame about z (or x), then a translation that moves dz
+// a frame.
+float* MatrixKeys(float angle, bool aboutX, float x, float y, float z, float dz = 0)
 {
-    std::vector<float> f;
-    for (const QMXTMATRIXf& m : keys)
-        f.insert(f.end(), m.f, m.f + 16);
-    return HeapCopy(f);
+    std::vector<float> keys;
+    for (uint32_t f = 0; f < kFrames; ++f)
+    {
+        QMXTMATRIXf r, t, m;
+        if (aboutX)
+            QMXTMatrixRotationXF(r, angle * f);
+        else
+            QMXTMatrixRotationZF(r, angle * f);
+        QMXTMatrixMultiplyF(m, r, QMXTMatrixTranslationF(t, x, y, z + dz * f));
+        keys.insert(keys.end(), m.f, m.f + 16);
+    }
+    return HeapCopy(keys);
 }
 
 // Mesh nodes: 0 a tilted triangle (interleaved) under node 6 under node 5; 1 a skinned mesh with
@@ -43,14 +37,14 @@ struct SScene
 {
     SMeshHolder h{2};
     CQMXTModelTVO& s = h.scene;
-    std::vector<QMXTMATRIXf> rootKeys, bone0Keys, bone1Keys;
 
-    STVONode& Node(uint32_t i, const char* name, int32_t parent, int32_t idx = -1)
+    STVONode& Node(uint32_t i, const char* name, int32_t parent, int32_t idx = -1, uint32_t flags = 0)
     {
         STVONode& n = s.pNode[i];
         n.pszName = HeapString(name);
         n.nIdxParent = parent;
         n.nIdx = idx;
+        n.nAnimationFlags = flags;
         return n;
     }
 
@@ -60,28 +54,18 @@ struct SScene
         s.nNumNode = 9;
         s.nNumMeshNode = 3;
         s.pNode = static_cast<STVONode*>(std::calloc(s.nNumNode, sizeof(STVONode)));
-        for (uint32_t f = 0; f < kFrames; ++f)
-        {
-            rootKeys.push_back(RZ(0.3f * f) * T(1, 2, 3.0f + f));
-            bone0Keys.push_back(RZ(0.5f * f) * T(1, 0, 0));
-            bone1Keys.push_back(RX(0.4f * f) * T(0, 1, 0));
-        }
-        STVONode& tri = Node(0, "triangle", 6, 0);
-        tri.nAnimationFlags = eTVOHasPositionAnimation;
-        tri.pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 0, 1, 0, 0, 2, 0, 0});
+        Node(0, "triangle", 6, 0, eTVOHasPositionAnimation).pfAnimPosition =
+            HeapCopy(std::vector<float>{0, 0, 0, 1, 0, 0, 2, 0, 0});
         Node(1, "skin", -1, 1).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 1});
         Node(2, "instance", -1, 0).pfAnimPosition = HeapCopy(std::vector<float>{10, 0, 0});
         Node(3, "lamp", 0, 0).pfAnimPosition = HeapCopy(std::vector<float>{0, 0, 7});
         Node(4, "eye", -1, 0);
-        Node(5, "root", -1).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[5].pfAnimMatrix = MatrixKeys(rootKeys);
+        Node(5, "root", -1, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.3f, false, 1, 2, 3, 1);
         STVONode& arm = Node(6, "arm", 5);
         arm.pfAnimPosition = HeapCopy(std::vector<float>{0, 5, 0});
         arm.pfAnimScale = HeapCopy(std::vector<float>{2, 1, 1, 0, 0, 0, 0});
-        Node(7, "bone0", -1).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[7].pfAnimMatrix = MatrixKeys(bone0Keys);
-        Node(8, "bone1", 7).nAnimationFlags = eTVOHasMatrixAnimation;
-        s.pNode[8].pfAnimMatrix = MatrixKeys(bone1Keys);
+        Node(7, "bone0", -1, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.5f, false, 1, 0, 0);
+        Node(8, "bone1", 7, -1, eTVOHasMatrixAnimation).pfAnimMatrix = MatrixKeys(0.4f, true, 0, 1, 0);
         s.nNumLight = 1;
         s.pLight = static_cast<STVOLight*>(std::calloc(1, sizeof(STVOLight)));
         s.nNumCamera = 1;
@@ -107,13 +91,14 @@ struct SScene
         m1.nNumVertex = 7;
         m1.nNumFaces = 4; // two double-sided triangles: each batch's pair shares its vertices
         m1.sFaces = MakeIndices(EQMXTDataUnsignedShort, {0, 1, 2, 2, 1, 0, 3, 4, 5, 5, 4, 3});
-        m1.sVertex = MakeStream(EQMXTDataFloat, 3,
-                                {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 0, 1}, {0, 2, 1}, {9, 9, 9}});
-        m1.sNormals = MakeStream(EQMXTDataFloat, 3,
-                                 {{0, 0, 1}, {0, 1, 0}, {1, 0, 0}, {0, 0, 1}, {0, r, r}, {r, 0, r}, {0, 0, 1}});
-        m1.sBoneIdx = MakeStream(EQMXTDataUnsignedByte, 2, {{0, 1}, {0, 1}, {1, 0}, {0, 1}, {1, 0}, {1, 1}, {0, 0}});
-        m1.sBoneWeight = MakeStream(EQMXTDataFloat, 2,
-                                    {{1, 0}, {0.5f, 0.5f}, {0.75f, 0.25f}, {1, 0}, {0.3f, 0.7f}, {1, 0}, {1, 0}});
+        m1.sVertex = MakeStream(
+            EQMXTDataFloat, 3, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 0, 1}, {0, 2, 1}, {9, 9, 9}});
+        m1.sNormals = MakeStream(
+            EQMXTDataFloat, 3, {{0, 0, 1}, {0, 1, 0}, {1, 0, 0}, {0, 0, 1}, {0, r, r}, {r, 0, r}, {0, 0, 1}});
+        m1.sBoneIdx =
+            MakeStream(EQMXTDataUnsignedByte, 2, {{0, 1}, {0, 1}, {1, 0}, {0, 1}, {1, 0}, {1, 1}, {0, 0}});
+        m1.sBoneWeight = MakeStream(
+            EQMXTDataFloat, 2, {{1, 0}, {0.5f, 0.5f}, {0.75f, 0.25f}, {1, 0}, {0.3f, 0.7f}, {1, 0}, {1, 0}});
         CQMXTBoneBatches& b = m1.sBoneBatch;
         b.nBatchCnt = 2;
         b.nBatchBoneMax = 2;
@@ -121,125 +106,61 @@ struct SScene
         b.pnBatchBoneCnt = HeapCopy(std::vector<uint32_t>{2, 2});
         b.pnBatchOffset = HeapCopy(std::vector<uint32_t>{0, 2});
     }
-
-    QMXTMATRIXf World(uint32_t node, uint32_t f) const
-    {
-        switch (node)
-        {
-        case 0: return T(float(f), 0, 0) * (S(2, 1, 1) * T(0, 5, 0)) * rootKeys[f];
-        case 1: return T(0, 0, 1);
-        case 2: return T(10, 0, 0);
-        case 3: return T(0, 0, 7) * World(0, f);
-        case 5: return rootKeys[f];
-        case 6: return S(2, 1, 1) * T(0, 5, 0) * rootKeys[f];
-        case 7: return bone0Keys[f];
-        case 8: return bone1Keys[f] * bone0Keys[f];
-        default: return T(0, 0, 0);
-        }
-    }
-    QMXTMATRIXf Bone(uint32_t node, uint32_t f) const { return World(1, 0) * Inverse(World(node, 0)) * World(node, f); }
 };
 } // namespace
 
-TEST(TransformFlatten, StaticMeshesGoToWorldSpaceAtTheCurrentFrame)
+// The scene flattened at frames 0 and 2, the skinned mesh as a list and as strips: static meshes baked
+// at their world matrix, skinned ones blended by their batch bones, mesh nodes as identity roots.
+TEST(TransformFlatten, MatchesGoldenDigests)
 {
-    for (uint32_t frame : {0u, 2u})
+    CGoldenDigests golden(
+        "flatten.txt",
+        "# Digests of QMXTModelTVOFlattenToWorldSpace output (every vertex's position and normal,\n"
+        "# then every node's parent and world matrix at every frame, rounded to 1/1000) for the scene\n"
+        "# of tests/tools/TransformFlattenTest.cpp, one line a case. Written by the test with\n"
+        "# OSTREX_WRITE_GOLDEN=1 from the code at ebb7b7c, whose output matched the test's former\n"
+        "# hand-computed world matrices and bone blends within 1e-4.\n");
+    auto add = [&golden](const float* f, int n)
     {
-        SCOPED_TRACE("frame " + std::to_string(frame));
-        SScene scene;
-        ASSERT_EQ(scene.s.InitImpl(), 0);
-        scene.s.SetFrame(float(frame));
-        CQMXTModelTVO d;
-        ASSERT_EQ(QMXTModelTVOFlattenToWorldSpace(scene.s, d), 0);
-        ASSERT_TRUE(d.IsLoaded());
-        ASSERT_EQ(d.nNumMesh, 3u);
-        for (uint32_t node : {0u, 2u})
-        {
-            const STVOMesh& src = scene.s.pMesh[0];
-            const STVOMesh& m = d.pMesh[node];
-            EXPECT_EQ(d.pNode[node].nIdx, int32_t(node));
-            const QMXTMATRIXf w = scene.World(node, frame);
-            QMXTVECTOR3f p[3];
-            for (uint32_t v = 0; v < 3; ++v)
-            {
-                p[v] = Point(ReadVertex(src, src.sVertex, v), w);
-                ExpectVec(ReadVertex(m, m.sVertex, v), p[v]);
-            }
-            // The normal stays perpendicular to the transformed triangle, on the same side, unit length.
-            QMXTVECTOR3f faceNormal;
-            QMXTMatrixVec3CrossProductF(faceNormal, Sub(p[1], p[0]), Sub(p[2], p[0]));
-            const Vec4 n = ReadVertex(m, m.sNormals, 1);
-            ExpectVec(n, Unit(faceNormal));
-            EXPECT_NEAR(std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]), 1.0f, 1e-5f);
-        }
-        // Nodes, lights, cameras, materials and textures are copied; the node keeps its animation.
-        EXPECT_STREQ(d.pNode[6].pszName, "arm");
-        EXPECT_NE(d.pNode[6].pszName, scene.s.pNode[6].pszName);
-        EXPECT_EQ(d.pNode[5].pfAnimMatrix[16 * 2 + 14], scene.rootKeys[2][14]);
-        EXPECT_EQ(d.pCamera[0].pfAnimFOV[2], 0.7f);
-        EXPECT_STREQ(d.pTexture[0].pszName, "wood.png");
-        EXPECT_EQ(d.nNumLight, 1u);
-
-        // Drawn through their nodes the meshes land where they stood: mesh nodes are identity roots.
-        // Every other node keeps its world placement at every frame, the lamp under the triangle too.
-        for (uint32_t f = 0; f < kFrames; ++f)
-        {
-            d.SetFrame(float(f));
-            for (uint32_t node = 0; node < d.nNumNode; ++node)
-            {
-                const QMXTMATRIXf want = node < 3 ? T(0, 0, 0) : scene.World(node, f);
-                const QMXTMATRIXf got = d.GetWorldMatrixNoCache(d.pNode[node]);
-                for (int e = 0; e < 16; ++e)
-                    ASSERT_NEAR(got.f[e], want.f[e], 1e-4f) << "node " << node << " frame " << f;
-            }
-        }
-        EXPECT_EQ(d.pNode[3].nIdxParent, 6); // the triangle's nearest ancestor that is no mesh
-        d.Destroy();
-    }
-}
-
-TEST(TransformFlatten, SkinnedMeshIsBlendedByItsBatchBonesOncePerVertex)
-{
-    // (batch-local index resolved to a node, weight) pairs of every vertex met by a triangle.
-    const std::vector<std::vector<std::pair<uint32_t, float>>> influences = {
-        {{7, 1.0f}}, {{7, 0.5f}, {8, 0.5f}}, {{8, 0.75f}, {7, 0.25f}},
-        {{8, 1.0f}}, {{7, 0.3f}, {8, 0.7f}}, {{7, 1.0f}}};
+        for (int i = 0; i < n; ++i)
+            golden.AddValue(static_cast<uint64_t>(std::llround(f[i] * 1000.0f)));
+    };
     for (bool strips : {false, true})
-    for (uint32_t frame : {0u, 2u})
-    {
-        SCOPED_TRACE("frame " + std::to_string(frame) + (strips ? " strips" : " list"));
-        SScene scene;
-        if (strips)
+        for (uint32_t frame : {0u, 2u})
         {
-            ASSERT_EQ(QMXTModelTVOToggleStrips(scene.s.pMesh[1]), 0);
-            ASSERT_EQ(scene.s.pMesh[1].nNumStrips, 2u);
-        }
-        ASSERT_EQ(scene.s.InitImpl(), 0);
-        scene.s.SetFrame(float(frame));
-        CQMXTModelTVO d;
-        ASSERT_EQ(QMXTModelTVOFlattenToWorldSpace(scene.s, d), 0);
-        const STVOMesh& src = scene.s.pMesh[1];
-        const STVOMesh& m = d.pMesh[1];
-        for (uint32_t v = 0; v < 6; ++v)
-        {
-            QMXTVECTOR3f p = {0, 0, 0}, n = {0, 0, 0};
-            for (const auto& [node, weight] : influences[v])
+            SScene scene;
+            if (strips)
             {
-                const QMXTMATRIXf bone = scene.Bone(node, frame);
-                QMXTMATRIXf invT, inv = Inverse(bone);
-                QMXTMatrixTransposeF(invT, inv);
-                QMXTVECTOR3f dir;
-                const Vec4 n0 = ReadVertex(src, src.sNormals, v);
-                QMXTTransformDirection(dir, {n0[0], n0[1], n0[2]}, invT);
-                p = Add(p, Point(ReadVertex(src, src.sVertex, v), bone), weight);
-                n = Add(n, dir, weight);
+                ASSERT_EQ(QMXTModelTVOToggleStrips(scene.s.pMesh[1]), 0);
             }
-            ExpectVec(ReadVertex(m, m.sVertex, v), p);
-            ExpectVec(ReadVertex(m, m.sNormals, v), Unit(n));
+            ASSERT_EQ(scene.s.InitImpl(), 0);
+            scene.s.SetFrame(float(frame));
+            CQMXTModelTVO d;
+            ASSERT_EQ(QMXTModelTVOFlattenToWorldSpace(scene.s, d), 0);
+            ASSERT_EQ(d.nNumMesh, 3u);
+            EXPECT_STREQ(d.pNode[6].pszName, "arm"); // and the rest of the scene is copied
+            EXPECT_EQ(d.pCamera[0].pfAnimFOV[2], 0.7f);
+            EXPECT_STREQ(d.pTexture[0].pszName, "wood.png");
+            EXPECT_STREQ(d.pMaterial[0].pszName, "wood");
+            for (uint32_t i = 0; i < d.nNumMesh; ++i)
+                for (uint32_t v = 0; v < d.pMesh[i].nNumVertex; ++v)
+                {
+                    add(ReadVertex(d.pMesh[i], d.pMesh[i].sVertex, v).data(), 3);
+                    add(ReadVertex(d.pMesh[i], d.pMesh[i].sNormals, v).data(), 3);
+                }
+            for (uint32_t f = 0; f < kFrames; ++f)
+            {
+                d.SetFrame(float(f));
+                for (uint32_t node = 0; node < d.nNumNode; ++node)
+                {
+                    golden.AddValue(static_cast<uint64_t>(d.pNode[node].nIdxParent));
+                    add(d.GetWorldMatrixNoCache(d.pNode[node]).f, 16);
+                }
+            }
+            golden.EndLine(std::string(strips ? "strips" : "list") + "@" + std::to_string(frame));
+            d.Destroy();
         }
-        EXPECT_EQ(ReadVertex(m, m.sVertex, 6), (Vec4{9, 9, 9, 1})); // met by no triangle
-        d.Destroy();
-    }
+    golden.Check();
 }
 
 TEST(TransformFlatten, BadBatchesFailAndLeaveTheDestinationEmpty)

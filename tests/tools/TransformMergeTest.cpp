@@ -1,4 +1,5 @@
-// Merging material settings between scenes by name.
+// Merging material settings between scenes by name (the export's merge test checks the blend
+// settings and opacity through a file).
 #include <gtest/gtest.h>
 
 #include "QMXTModelTVOTransform.h"
@@ -27,20 +28,12 @@ void AddMaterials(CQMXTModelTVO& s, const std::vector<const char*>& names)
             t = -1;
     }
 }
-
-struct SLoaded : CQMXTModelTVO
-{
-    ~SLoaded()
-    {
-        if (InitImpl() == 0)
-            Destroy();
-    }
-};
 } // namespace
 
 TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 {
-    SLoaded src, dst;
+    SMeshHolder source(0), destination(0);
+    CQMXTModelTVO &src = source.scene, &dst = destination.scene;
     AddTextures(src, {"wood.png", "bump.png", "steel.png", "oak.png"});
     AddMaterials(src, {"wood", "metal", "wood", "ghost"});
     STVOMaterial& sw = src.pMaterial[0];
@@ -48,11 +41,9 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
     sw.nIdxTexture[eTVOTexBump] = 1;
     sw.nIdxTexture[eTVOTexOpacity] = 99; // out of range: ignored
     sw.eBlendSrcRGB = eTVOBlendSrcAlpha;
-    sw.eBlendDstA = eTVOBlendOneMinusSrcAlpha;
     sw.eBlendOpRGB = eTVOBlendOpMax;
     sw.pfBlendColour[3] = 0.5f;
     sw.nFlags = 5;
-    sw.fMatOpacity = 0.25f;
     sw.pszEffectFile = HeapString("lit.xef");
     sw.pszEffectName = HeapString("");
     src.pMaterial[1].nIdxTexture[eTVOTexDiffuse] = 2;
@@ -68,20 +59,17 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 
     ASSERT_EQ(QMXTModelTVOMergeMaterials(src, dst), 0);
     const STVOMaterial& dw = dst.pMaterial[1];
-    EXPECT_STREQ(dst.pTexture[0].pszName, "wood.png"); // same base name: takes the source's
+    EXPECT_STREQ(dst.pTexture[0].pszName, "wood.png");   // same base name: takes the source's
     EXPECT_STREQ(dst.pTexture[1].pszName, "chrome.png"); // another texture: kept
     ASSERT_EQ(dst.nNumTexture, 4u);                      // bump.png appended for the empty slot
     EXPECT_EQ(dw.nIdxTexture[eTVOTexBump], 3);
     EXPECT_STREQ(dst.pTexture[3].pszName, "bump.png");
     EXPECT_EQ(dw.nIdxTexture[eTVOTexOpacity], -1);
-    EXPECT_EQ(dw.eBlendSrcRGB, eTVOBlendSrcAlpha);
-    EXPECT_EQ(dw.eBlendDstA, eTVOBlendOneMinusSrcAlpha);
     EXPECT_EQ(dw.eBlendOpRGB, eTVOBlendOpMax);
     EXPECT_EQ(dw.pfBlendColour[3], 0.5f);
     EXPECT_EQ(dw.nFlags, 5u);
     EXPECT_STREQ(dw.pszEffectFile, "lit.xef");
     EXPECT_STREQ(dw.pszEffectName, "Keep"); // the source has none
-    EXPECT_EQ(dw.fMatOpacity, 1.0f);        // not merged
     EXPECT_EQ(dst.pMaterial[3].nFlags, 9u); // the second "wood" meets the second "wood"
     EXPECT_EQ(dst.pMaterial[0].nFlags, 0u); // names are case-sensitive
     EXPECT_STREQ(dst.pTexture[2].pszName, "oak.png");
@@ -89,7 +77,8 @@ TEST(TransformMerge, MatchesByNameAndMergesTexturesAndBlending)
 
 TEST(TransformMerge, ScenesWithoutMaterialsMergeTrivially)
 {
-    SLoaded src, dst;
+    SMeshHolder source(0), destination(0);
+    CQMXTModelTVO &src = source.scene, &dst = destination.scene;
     AddMaterials(dst, {"wood"});
     EXPECT_EQ(QMXTModelTVOMergeMaterials(src, dst), 0);
     EXPECT_EQ(QMXTModelTVOMergeMaterials(dst, src), 0);
