@@ -1,9 +1,7 @@
 // Export options of a command line: defaults, then profile, configuration file and --set in that
-// order, the output kind from the extension, usage errors, and the listing.
+// order, and the output kind from the extension. (Refused settings and files: CliTest.)
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <fstream>
 
 #include "ExportOptions.h"
@@ -15,13 +13,10 @@ namespace
 {
 using O = COptionsData;
 
-// A fresh HOME for the preferences file; the real one is restored and left untouched.
+// A fresh HOME for the preferences file.
 class ExportOptionsTest : public ::testing::Test
 {
   protected:
-    void SetUp() override { setenv("HOME", m_dir.c_str(), 1); }
-    void TearDown() override { setenv("HOME", m_oldHome.c_str(), 1); }
-
     SCommandLine Line(const std::string& output, std::vector<std::string> settings = {})
     {
         SCommandLine cl;
@@ -32,9 +27,8 @@ class ExportOptionsTest : public ::testing::Test
         return cl;
     }
 
-    CTempDir m_home;
+    CTempHome m_home;
     const std::string m_dir = m_home.Path();
-    const std::string m_oldHome = std::getenv("HOME") ? std::getenv("HOME") : "";
 };
 } // namespace
 
@@ -46,8 +40,6 @@ TEST_F(ExportOptionsTest, DefaultsAndTheOutputKindFromTheExtension)
     EXPECT_FALSE(options.GetOption(O::eExportSkin));
     EXPECT_EQ(options.GetOption(O::eExpFormat), eExportFormatSource);
     EXPECT_STREQ(options.m_sPath.c_str(), "out/scene.CPP");
-    ASSERT_TRUE(PrepareExportOptions(Line("scene.h"), options).ok);
-    EXPECT_EQ(options.GetOption(O::eExpFormat), eExportFormatHeader);
     // Without an extension the options keep their kind.
     ASSERT_TRUE(PrepareExportOptions(Line("scene", {"eExpFormat=1"}), options).ok);
     EXPECT_EQ(options.GetOption(O::eExpFormat), eExportFormatHeader);
@@ -89,40 +81,4 @@ TEST_F(ExportOptionsTest, ProfileThenConfigThenSettingsInOrder)
     EXPECT_FALSE(unknown.ok);
     EXPECT_EQ(unknown.exitCode, eExitUsage);
     EXPECT_EQ(unknown.error, "no profile named 'Desktop' (profiles: 'Mobile')");
-}
-
-// Settings that set nothing are usage errors; a config file that cannot be read or holds nothing
-// fails naming the file.
-TEST_F(ExportOptionsTest, BadSettingsAndConfigFilesAreRefused)
-{
-    COptions options;
-    for (const char* bad : {"bNoSuchOption=1", "sVcOptPos.eType=99", "fTangentSpaceVtxSplit=nan", "bMerge="})
-    {
-        const SOptionsOutcome outcome = PrepareExportOptions(Line("a.tvo", {"uiBoneLimit=3", bad}), options);
-        EXPECT_FALSE(outcome.ok) << bad;
-        EXPECT_EQ(outcome.exitCode, eExitUsage) << bad;
-        EXPECT_EQ(outcome.error.rfind("--set " + std::string(bad) + " sets nothing", 0), 0u) << outcome.error;
-    }
-    SCommandLine cl = Line("a.tvo");
-    cl.configFile = m_dir + "/missing.cfg";
-    SOptionsOutcome outcome = PrepareExportOptions(cl, options);
-    EXPECT_EQ(outcome.exitCode, eExitFailure);
-    EXPECT_EQ(outcome.subject, cl.configFile);
-    EXPECT_EQ(outcome.error, "cannot open: No such file or directory");
-    cl.configFile = m_dir + "/notes.txt";
-    std::ofstream(cl.configFile) << "nothing to see\n";
-    outcome = PrepareExportOptions(cl, options);
-    EXPECT_EQ(outcome.exitCode, eExitFailure);
-    EXPECT_EQ(outcome.error, "holds no export options");
-}
-
-TEST_F(ExportOptionsTest, ListingShowsEveryOptionWithItsCaption)
-{
-    COptions options;
-    ASSERT_TRUE(PrepareExportOptions(Line("a.h", {"uiBoneLimit=5"}), options).ok);
-    const std::string list = ListExportOptions(options);
-    const std::string text = options.ToString().c_str();
-    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), std::count(text.begin(), text.end(), '\n'));
-    EXPECT_NE(list.find("uiBoneLimit=5                       Matrix palette size\n"), std::string::npos);
-    EXPECT_NE(list.find("psVcOptUVW[3].eType=1               UVW 3: data type\n"), std::string::npos);
 }

@@ -1,6 +1,5 @@
 // The project's sample scene: the generator reproduces it, and the filled content keeps the box, the
-// skinned tube, the spot light and the aimed camera as authored. (Its transforms, skinning and
-// animation are compared with the importer's by the model-collection test.)
+// skinned tube, the spot light and the aimed camera as authored (glTF's cone and field of view).
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -12,16 +11,6 @@
 namespace
 {
 const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
-
-float Distance(const QMXTVECTOR3f& a, const aiVector3D& b)
-{
-    return (aiVector3D(a.x, a.y, a.z) - b).Length();
-}
-
-aiVector3D Unit(const QMXTVECTOR3f& v)
-{
-    return aiVector3D(v.x, v.y, v.z).Normalize();
-}
 } // namespace
 
 TEST(SampleFiles, GeneratorReproducesTheCommittedSample)
@@ -75,19 +64,4 @@ TEST(SampleFiles, BoxTubeSpotLightAndCameraAsAuthored)
     EXPECT_FLOAT_EQ(cam.farPlane, 100.0f);
     EXPECT_EQ(cam.target, ContentIndex(content, "Camera.Target"));
     EXPECT_EQ(cam.fovFrames.size(), 61u);
-
-    // Where the generator put them: the light at (-0.5, 4, 2.5) aimed at the box at (-1.5, 0.5, 0),
-    // the camera on its turned rig at (4, 3, 6) aimed at (0, 1, 0) with y up.
-    CBuiltScene built(content);
-    QMXTVECTOR3f pos, dir, from, to, up;
-    float fov = 0;
-    ASSERT_TRUE(built.Light("Spot", pos, dir));
-    EXPECT_LT(Distance(pos, {-0.5f, 4.0f, 2.5f}), 1e-5f);
-    EXPECT_GT(Unit(dir) * aiVector3D(-1.0f, -3.5f, -2.5f).Normalize(), 0.999999f);
-    ASSERT_TRUE(built.Camera("Camera", from, to, up, fov));
-    EXPECT_LT(Distance(from, {4.0f, 3.0f, 6.0f}), 1e-5f);
-    const aiVector3D toTarget = aiVector3D(-4.0f, -2.0f, -6.0f).Normalize();
-    EXPECT_GT(Unit({to.x - from.x, to.y - from.y, to.z - from.z}) * toTarget, 0.999999f);
-    EXPECT_NEAR(Unit(up) * toTarget, 0.0f, 1e-5f);
-    EXPECT_GT(up.y, 0.0f);
 }
