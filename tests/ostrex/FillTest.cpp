@@ -168,13 +168,20 @@ aiMaterial* NamedMaterial(const char* name)
     return m;
 }
 
-// The first content node of that type whose parent is the given node, -1 when none.
-int ChildOfType(const SContent& content, int parent, int type)
+// Every node as "name kind parent", with the light kind (0 point, 1 directional, 2 spot) and
+// "->target" for lights and cameras.
+std::string Nodes(const SContent& c)
 {
-    for (size_t i = 0; i < content.nodes.size(); ++i)
-        if (content.nodes[i].type == type && content.nodes[i].parent == parent)
-            return static_cast<int>(i);
-    return -1;
+    std::string s;
+    for (const CNode& n : c.nodes)
+    {
+        const bool light = n.type == eNodeLight, view = light || n.type == eNodeCamera;
+        const int target = light ? n.light.target : n.camera.target;
+        s += n.name + " " + std::to_string(n.type) + " " + (n.parent < 0 ? "-" : c.nodes[n.parent].name) +
+             (light ? " " + std::to_string(n.light.lightType) : "") +
+             (view && target >= 0 ? " ->" + c.nodes[target].name : "") + ", ";
+    }
+    return s;
 }
 
 // Values as text, rounded to four decimals.
@@ -468,30 +475,19 @@ TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
         eLogWarning, "Warning: Light 'Panel' is an area light or of an unknown kind; it is not exported."));
     EXPECT_TRUE(log.Has(eLogWarning, "Warning: Light 'Orphan' has no node; it is not exported."));
     EXPECT_TRUE(log.Has(eLogWarning, "Warning: Camera 'Flat' is orthographic; it is not exported."));
+    // A leaf light or camera is the node itself; one on a mesh node, or on a node with children, is a
+    // child named after the node; an existing ".Target" node is its target, else one is made.
+    EXPECT_EQ(Nodes(content),
+              "Root 0 -, Rig 0 Root, Lamp 3 Rig 0, Cam 2 Rig ->Cam.Target, Spot 3 Root 2 ->Spot.Target, "
+              "Spot.Target 0 Root, Sun 1 Root, Sun 3 Sun 1, Eye 0 Root, Eye 2 Eye ->Eye.Target, "
+              "Lens 0 Eye, Eye.Target 0 Root, Flat 0 Root, Cam.Target 0 Cam, ");
     EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
-    const CNode& lampLight = content.nodes[ContentIndex(content, "Lamp")];
-    EXPECT_EQ(lampLight.type, eNodeLight); // a leaf: the node itself
-    EXPECT_EQ(lampLight.light.lightType, eTVOLightPoint);
-    EXPECT_EQ(lampLight.light.colour[1], 0.5f);
-    EXPECT_EQ(lampLight.light.constantAttenuation, 1.0f); // the file had no falloff at all
+    const SLightData& lampLight = content.nodes[ContentIndex(content, "Lamp")].light;
+    EXPECT_EQ(lampLight.colour[1], 0.5f);
+    EXPECT_EQ(lampLight.constantAttenuation, 1.0f); // the file had no falloff at all
     const SLightData& spotLight = content.nodes[ContentIndex(content, "Spot")].light;
-    EXPECT_EQ(spotLight.lightType, eTVOLightSpot);
     EXPECT_EQ(spotLight.falloffAngle, 0.8f);
     EXPECT_EQ(spotLight.linearAttenuation, 0.1f);
-    EXPECT_EQ(spotLight.target, ContentIndex(content, "Spot.Target"));
-    // A light on a mesh node, or a camera on a node with children, is a child named after the node;
-    // an existing ".Target" node is its target.
-    const int sunMesh = ContentIndex(content, "Sun"), eye = ContentIndex(content, "Eye");
-    EXPECT_EQ(content.nodes[sunMesh].type, eNodeMesh);
-    const int sunLight = ChildOfType(content, sunMesh, eNodeLight);
-    ASSERT_GE(sunLight, 0);
-    EXPECT_EQ(content.nodes[sunLight].name, "Sun");
-    EXPECT_EQ(content.nodes[sunLight].light.lightType, eTVOLightDirectional);
-    EXPECT_EQ(content.nodes[eye].type, eNodePlain);
-    const int eyeCam = ChildOfType(content, eye, eNodeCamera);
-    ASSERT_GE(eyeCam, 0);
-    EXPECT_EQ(content.nodes[eyeCam].camera.target, ContentIndex(content, "Eye.Target"));
-    EXPECT_EQ(content.nodes[ContentIndex(content, "Flat")].type, eNodePlain);
     const int camIndex = ContentIndex(content, "Cam");
     const SCameraData& camera = content.nodes[camIndex].camera;
     EXPECT_FLOAT_EQ(camera.fov, 2.0f * std::atan(std::tan(0.6f) / 1.5f)); // vertical, from the horizontal
@@ -527,10 +523,8 @@ TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
     ExpectVecNear(from, g * cam.mPosition, 1e-4f, "from");
     ExpectVecNear(UnitQ({to.x - from.x, to.y - from.y, to.z - from.z}), wantDir, 1e-5f, "view");
     ExpectVecNear(UnitQ(up), Unit(upWorld - wantDir * (upWorld * wantDir)), 1e-5f, "up");
-    // Without a target node one is made ahead of the camera, as far as its look-at vector reaches.
+    // The target made for the camera is ahead of it, as far as its look-at vector reaches.
     ASSERT_GE(camera.target, 0);
-    EXPECT_EQ(content.nodes[camera.target].name, "Cam.Target");
-    EXPECT_EQ(content.nodes[camera.target].parent, camIndex);
     const QMXTMATRIXf tw = ContentWorld(content, camera.target);
     ExpectVecNear({tw[12], tw[13], tw[14]}, g * (cam.mPosition + cam.mLookAt), 1e-4f, "target");
 }
@@ -642,10 +636,7 @@ TEST(AssimpFill, SelectionKeepsSubtreesWithAncestorsAsPlainTransforms)
     SAssimpFillSettings settings;
     settings.selection = {"Arm"};
     const SContent content = Fill(kit, settings);
-    std::string nodes; // name, kind, parent
-    for (const CNode& n : content.nodes)
-        nodes += n.name + " " + std::to_string(n.type) + " " + std::to_string(n.parent) + ", ";
-    EXPECT_EQ(nodes, "Root 0 -1, Group 0 0, Arm 1 1, Hand 1 2, ");
+    EXPECT_EQ(Nodes(content), "Root 0 -, Group 0 Root, Arm 1 Group, Hand 1 Arm, ");
     ExpectMatrixNear(ContentWorld(content, 3), RowLayout(GlobalOf(kit.Root()->FindNode("Hand"))), 1e-6f,
                      "Hand");
 
