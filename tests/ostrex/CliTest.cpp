@@ -1,6 +1,6 @@
-// The ostrex program as a user meets it: exit codes and one-line errors that leave an existing
-// output untouched, what it prints, which streams the options let through, and option files that
-// never start programs. (Reproducible bytes: Pipeline.)
+// The ostrex program as a user meets it: where its options come from, exit codes and one-line errors
+// that leave an existing output untouched, what it prints, which streams the options let through,
+// and option files that never start programs. (Reproducible bytes: Pipeline.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "ExportOptions.h"
+#include "OptionsProfiles.h"
+#include "QMXPreferences.h"
 #include "QMXTModelTVO.h"
 #include "TestSupport.h"
 
@@ -36,16 +39,43 @@ class CliTest : public ::testing::Test
 
 } // namespace
 
-TEST_F(CliTest, HelpAndOptionListing)
+// The listing shows every option with its caption, from the defaults, then a profile, then --config,
+// then --set, each over the last.
+TEST_F(CliTest, HelpAndTheListingOfOptionsFromEverySourceInOrder)
 {
     SRun run = Run({"--help"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.out.rfind("Usage: ostrex INPUT OUTPUT", 0), 0u);
     EXPECT_TRUE(run.err.empty());
-    run = Run({"--list-options", "--set", "uiBoneLimit=5"});
+
+    const CTempHome home; // the preferences file holding the profile
+    {
+        CQMXPreferences prefs(kOstrexPreferencesName);
+        CQMXTString errors;
+        ASSERT_TRUE(prefs.Load(errors, false));
+        COptionsProfiles profiles;
+        COptionsProfiles::SProfile mobile;
+        mobile.sCaption = "Mobile";
+        mobile.options.SetOption(COptionsData::eBoneLimit, 7u);
+        mobile.options.SetOption(COptionsData::eTangentSpace, true);
+        mobile.options.SetOption(COptionsData::eExportSkin, true);
+        profiles.m_profiles.push_back(mobile);
+        ASSERT_TRUE(profiles.Save(prefs, kOstrexProfilesPrefix));
+    }
+    std::ofstream(home / "base.cfg") << "uiBoneLimit=12\nbExportAnimations=1\n";
+    run = Run({"--list-options", "--profile", "Mobile", "--config", home / "base.cfg", "--set",
+               "uiBoneLimit=20", "--set", "exportSkin=0"});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.out.rfind("bFlipTextureV=0 ", 0), 0u);
-    EXPECT_NE(run.out.find("\nuiBoneLimit=5                       Matrix palette size\n"), std::string::npos);
+    // From the profile, the file, --set by key (last) and by alias.
+    for (const char* line :
+         {"\nbTangentSpace=1 ", "\nbExportAnimations=1 ",
+          "\nuiBoneLimit=20                      Matrix palette size\n", "\nbExportSkin=0 "})
+        EXPECT_NE(run.out.find(line), std::string::npos) << line;
+    EXPECT_EQ(
+        Run({"--list-options", "--profile", "Desktop"}).err,
+        "ostrex: usage error: no profile named 'Desktop' (profiles: 'Mobile')\nTry 'ostrex --help' for more "
+        "information.\n");
     EXPECT_TRUE(Entries().empty());
 }
 
