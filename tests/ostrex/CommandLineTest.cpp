@@ -17,7 +17,7 @@ SCommandLine Parse(std::vector<const char*> args)
 }
 } // namespace
 
-TEST(CommandLine, ExportAndBatchLinesKeepEveryValueInOrder)
+TEST(CommandLine, ExportBatchHelpAndListingLinesKeepEveryValueInOrder)
 {
     SCommandLine cl =
         Parse({"scene.gltf", "out/scene.tvo", "--config", "base.h", "--set", "bExportSkin=1", "--select",
@@ -41,13 +41,9 @@ TEST(CommandLine, ExportAndBatchLinesKeepEveryValueInOrder)
     EXPECT_EQ(cl.inputs, (std::vector<std::string>{"a.gltf", "b c.obj"}));
     EXPECT_EQ(cl.jobs, 3);
     EXPECT_EQ(cl.format, "h");
-}
 
-TEST(CommandLine, HelpWinsAndListOptionsTakesOnlyOptionSources)
-{
-    EXPECT_EQ(Parse({"--help"}).action, eCommandHelp);
-    EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp);
-    const SCommandLine cl = Parse({"--list-options", "--config", "x.tvo", "--set", "bMerge=1"});
+    EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp); // help wins
+    cl = Parse({"--list-options", "--config", "x.tvo", "--set", "bMerge=1"});
     EXPECT_EQ(cl.action, eCommandListOptions) << cl.error;
     EXPECT_EQ(cl.configFile, "x.tvo");
 }

@@ -2,7 +2,6 @@
 // its JSON.
 #include <gtest/gtest.h>
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -14,7 +13,6 @@
 #include <vector>
 
 #include "QMXTModelTVO.h"
-#include "QMXTSink.h"
 #include "TVOTestScenes.h"
 #include "TempFiles.h"
 

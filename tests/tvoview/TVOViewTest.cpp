@@ -83,28 +83,17 @@ SContent SkinnedBar()
     content.AddNode(bone1);
     content.info.endFrame = 1;
 
-    // Two boxes of half a bar each, one per bone; the second's texture coordinates differ, so no
-    // corner of one is welded to a corner of the other.
-    SGeomData bar;
-    SModifier skin;
+    // Two boxes of half a bar each, one mesh node per bone, so no corner of one is welded to the other.
     for (int half = 0; half < 2; ++half)
     {
         SGeomData box = CubeGeometry();
         for (QMXTVECTOR3f& p : box.positions)
             p = {p.x + 0.5f + half, 0.2f * p.y, 0.2f * p.z};
-        for (size_t t = 0; t < box.faces.size(); ++t)
-        {
-            const QMXTVECTOR3f corners[3] = {box.positions[3 * t], box.positions[3 * t + 1],
-                                             box.positions[3 * t + 2]};
-            const QMXTVECTOR3f uv[3] = {{2.0f * half, 0, 0}, {2.0f * half, 1, 0}, {2.0f * half + 1, 1, 0}};
-            AddCornerTriangle(bar, corners, box.normals[3 * t], 0, uv);
-        }
-        for (size_t v = 0; v < box.positions.size(); ++v)
-            skin.vertices.push_back({{{half, 1.0f}}});
+        CNode mesh = MeshNode(half ? "Bar1" : "Bar0", box);
+        mesh.modifiers.resize(1);
+        mesh.modifiers[0].vertices.assign(box.positions.size(), SBonedVtx{{{half, 1.0f}}});
+        content.AddNode(mesh);
     }
-    CNode mesh = MeshNode("Bar", bar);
-    mesh.modifiers = {skin};
-    content.AddNode(mesh);
     content.materials = {GreyMaterial()};
     return content;
 }
@@ -218,14 +207,11 @@ TEST_F(TVOView, EveryPrimitiveAndVertexTypeDrawsTheSameCube)
         {"strips", ePrimTriangleStrips, false, false, EQMXTDataFloat, EQMXTDataDEC3N},
         {"indexed strips", ePrimTriangleStrips, true, true, EQMXTDataFloat, EQMXTDataByteNorm},
         {"byte positions", ePrimTriangleList, true, false, EQMXTDataByte, EQMXTDataFloat},
-        {"short positions interleaved strips", ePrimTriangleStrips, true, true, EQMXTDataShort,
-         EQMXTDataFixed16_16},
+        {"short strips", ePrimTriangleStrips, true, true, EQMXTDataShort, EQMXTDataFixed16_16},
         {"fixed positions", ePrimTriangleList, true, false, EQMXTDataFixed16_16, EQMXTDataFloat},
-        {"unsigned short normalised positions", ePrimTriangleStrips, false, true, EQMXTDataUnsignedShortNorm,
-         EQMXTDataFloat},
+        {"ushort norm strips", ePrimTriangleStrips, false, true, EQMXTDataUnsignedShortNorm, EQMXTDataFloat},
         {"int positions", ePrimTriangleList, false, true, EQMXTDataInt, EQMXTDataFloat},
-        {"unsigned byte normalised positions", ePrimTriangleStrips, true, false, EQMXTDataUnsignedByteNorm,
-         EQMXTDataFloat},
+        {"ubyte norm strips", ePrimTriangleStrips, true, false, EQMXTDataUnsignedByteNorm, EQMXTDataFloat},
     };
     int reference = 0;
     QImage first;
