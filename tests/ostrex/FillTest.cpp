@@ -1,6 +1,5 @@
-// The Assimp scene filler on scenes built in code: geometry, materials, skins, lights, cameras,
-// animation, selection and refusals; lights and cameras through the builder's scene model. (Node
-// transforms of real scenes are compared with the importer's by the model-collection test.)
+// The Assimp scene filler on scenes built in code: geometry, materials, skins, lights and cameras
+// (placed through the builder's scene model), animation, selection and refusals.
 #include <gtest/gtest.h>
 
 #include <assimp/material.h>

@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -49,15 +48,6 @@ class TVOInfo : public ::testing::Test
 
     CTempDir m_dir;
 };
-
-std::vector<std::string> Lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
 
 QJsonObject Json(const std::string& text)
 {
@@ -101,12 +91,9 @@ TEST_F(TVOInfo, SummaryJsonAndBlocksOfEveryBlockKind)
 
     r = RunTvoinfo("--blocks " + path);
     ASSERT_EQ(r.status, 0) << r.err;
-    const std::vector<std::string> lines = Lines(r.out);
-    ASSERT_GT(lines.size(), 5u);
-    EXPECT_EQ(lines[1], "         0  1000 version, 11 bytes");
-    EXPECT_EQ(lines[2], "        27  1002 options, 17 bytes");
-    EXPECT_EQ(lines[4], "        95  1001 scene");
-    EXPECT_EQ(lines[5], "       103    2000 clear colour, 12 bytes");
+    for (const char* line : {"\n         0  1000 version, 11 bytes\n        27  1002 options, 17 bytes\n",
+                             "\n        95  1001 scene\n       103    2000 clear colour, 12 bytes\n"})
+        EXPECT_NE(r.out.find(line), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("\n      2304      6014 interleaved data, 264 bytes\n"), std::string::npos) << r.out;
 }
 
@@ -119,17 +106,15 @@ TEST_F(TVOInfo, InvalidFilesExitOneWithOneLineNamingOffsetAndBlock)
     {
         const SRun r = RunTvoinfo(mode + path);
         EXPECT_EQ(r.status, 1) << mode;
-        const std::vector<std::string> err = Lines(r.err);
-        ASSERT_EQ(err.size(), 1u) << mode << r.err;
-        EXPECT_EQ(err[0].rfind("tvoinfo: " + path + ": byte ", 0), 0u) << err[0];
-        EXPECT_NE(err[0].find("block 2013 (node) in 1001 (scene): unexpected end of data"), std::string::npos)
-            << err[0];
+        EXPECT_EQ(r.err.find('\n'), r.err.size() - 1) << mode << r.err; // one line
+        EXPECT_EQ(r.err.rfind("tvoinfo: " + path + ": byte ", 0), 0u) << r.err;
+        EXPECT_NE(r.err.find("block 2013 (node) in 1001 (scene): unexpected end of data"), std::string::npos);
     }
     EXPECT_EQ(RunTvoinfo(path).out, "");
 
     const SRun missing = RunTvoinfo(m_dir / "info-missing.tvo");
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(Lines(missing.err).size(), 1u);
+    EXPECT_EQ(missing.err.find('\n'), missing.err.size() - 1) << missing.err;
     // Something that is no .tvo at all says so rather than naming a damaged block.
     for (const std::string& foreign : {std::string("\x89PNG\r\n\x1a\n0123456789abcdefghij", 28),
                                        std::string("bExportGeometry=1\nbIndexed=1\n")})
