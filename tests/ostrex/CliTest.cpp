@@ -1,14 +1,28 @@
-// The ostrex program as a user meets it: exit codes and one-line errors that leave an existing
-// output untouched, the output kinds, what it prints, which streams the options let through,
-// reproducible bytes, option files that never start programs, and options refused up front.
+// The ostrex program as a user meets it: where its options come from, exit codes and one-line errors
+// that leave an existing output untouched, what it prints, which streams the options let through,
+// option files that never start programs; and in build pipelines: the dependency file, the JSON
+// report (against the keys the manual documents and the file written), --strict, batches of scenes
+// and reproducible bytes.
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <regex>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "DependencyFile.h"
+#include "ExportOptions.h"
+#include "OptionsProfiles.h"
+#include "QMXPreferences.h"
 #include "QMXTModelTVO.h"
 #include "TestSupport.h"
 
@@ -17,172 +31,136 @@ namespace
 namespace fs = std::filesystem;
 
 const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
-const std::string kBox = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/BoxTextured.gltf";
+const std::string kBoxDir = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/BoxTextured-glTF/";
+const std::string kBox = kBoxDir + "BoxTextured.gltf";
 
 // Runs the program in a fresh folder.
 class CliTest : public ::testing::Test
 {
   protected:
-    SRun Run(const std::vector<std::string>& args, const std::string& env = "")
-    {
-        return RunOstrex(m_dir, args, env);
-    }
+    SRun Run(const std::vector<std::string>& args) { return RunOstrex(m_dir, args); }
     std::vector<std::string> Entries() const { return m_work.Entries(); }
 
     CTempDir m_work;
     const std::string m_dir = m_work.Path();
 };
+using Pipeline = CliTest; // ostrex in build pipelines
 
-std::vector<std::string> Lines(const std::string& text)
+QJsonObject Json(const std::string& text)
 {
-    std::vector<std::string> lines;
-    size_t begin = 0;
-    for (size_t end; (end = text.find('\n', begin)) != std::string::npos; begin = end + 1)
-        lines.push_back(text.substr(begin, end - begin));
-    return lines;
+    return QJsonDocument::fromJson(QByteArray(text.data(), static_cast<int>(text.size()))).object();
 }
+
+// Every key of every object in a JSON text (a key follows '{' or ',', a string's quotes are escaped).
+std::set<std::string> Keys(const std::string& json)
+{
+    std::set<std::string> keys;
+    const std::regex key("[{,]\\s*\"(\\w+)\":");
+    for (std::sregex_iterator it(json.begin(), json.end(), key), end; it != end; ++it)
+        keys.insert((*it)[1]);
+    return keys;
+}
+
 } // namespace
 
-TEST_F(CliTest, HelpListingAndUsageErrors)
+// The listing shows every option with its caption, from the defaults, then a profile, then --config,
+// then --set, each over the last.
+TEST_F(CliTest, HelpAndTheListingOfOptionsFromEverySourceInOrder)
 {
     SRun run = Run({"--help"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.out.rfind("Usage: ostrex INPUT OUTPUT", 0), 0u);
     EXPECT_TRUE(run.err.empty());
-    run = Run({"in.obj", "out.tvo", "--bogus"});
-    EXPECT_EQ(run.code, 2);
-    EXPECT_EQ(run.err,
-              "ostrex: usage error: unknown option '--bogus'\nTry 'ostrex --help' for more information.\n");
-    run = Run({"--list-options", "--set", "uiBoneLimit=5"});
+
+    const CTempHome home; // the preferences file holding the profile
+    {
+        CQMXPreferences prefs(kOstrexPreferencesName);
+        CQMXTString errors;
+        ASSERT_TRUE(prefs.Load(errors, false));
+        COptionsProfiles profiles;
+        COptionsProfiles::SProfile mobile;
+        mobile.sCaption = "Mobile";
+        mobile.options.SetOption(COptionsData::eBoneLimit, 7u);
+        mobile.options.SetOption(COptionsData::eTangentSpace, true);
+        mobile.options.SetOption(COptionsData::eExportSkin, true);
+        profiles.m_profiles.push_back(mobile);
+        ASSERT_TRUE(profiles.Save(prefs, kOstrexProfilesPrefix));
+    }
+    std::ofstream(home / "base.cfg") << "uiBoneLimit=12\nbExportAnimations=1\n";
+    run = Run({"--list-options", "--profile", "Mobile", "--config", home / "base.cfg", "--set",
+               "uiBoneLimit=20", "--set", "exportSkin=0"});
     EXPECT_EQ(run.code, 0) << run.err;
-    EXPECT_NE(run.out.find("\nuiBoneLimit=5 "), std::string::npos);
     EXPECT_EQ(run.out.rfind("bFlipTextureV=0 ", 0), 0u);
+    // From the profile, the file, --set by key (last) and by alias.
+    for (const char* line :
+         {"\nbTangentSpace=1 ", "\nbExportAnimations=1 ",
+          "\nuiBoneLimit=20                      Matrix palette size\n", "\nbExportSkin=0 "})
+        EXPECT_NE(run.out.find(line), std::string::npos) << line;
+    EXPECT_EQ(
+        Run({"--list-options", "--profile", "Desktop"}).err,
+        "ostrex: usage error: no profile named 'Desktop' (profiles: 'Mobile')\nTry 'ostrex --help' for more "
+        "information.\n");
     EXPECT_TRUE(Entries().empty());
 }
 
-// Inputs that cannot be exported fail with one line naming the input and the reason, and create
-// nothing.
-TEST_F(CliTest, RefusedInputsGiveOneErrorLine)
+// What cannot be exported (bad input, arguments, option files or option sets, a failing build, every
+// model of the importer's collection of broken ones) exits 1, or 2 for a usage error, with one error
+// line naming the subject and the reason, and leaves an existing output as it was. (malformed2.obj is
+// not among them: the importer repairs it into a plain cube.)
+TEST_F(CliTest, RefusalsGiveOneErrorLineAndLeaveTheOutputUntouched)
 {
     const std::string skin = std::string(OSTREX_ASSIMP_MODELS) + "/glTF2/simple_skin/simple_skin.gltf";
-    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-        {{m_dir + "/missing.gltf"}, "cannot open: No such file or directory"},
-        {{skin, "--select", "NoSuchNode", "--quiet"}, "no node named 'NoSuchNode' in the scene"},
-        {{skin, "--animation", "7"}, "no animation '7' (the file has 1 animation: 0 '')"},
+    const std::string missing = m_dir + "/missing.gltf",
+                      usage = "\nTry 'ostrex --help' for more information.\n";
+    std::ofstream(m_dir + "/notes.txt") << "nothing to see\n";
+    // Arguments after the input, and the whole error text or, without a final newline, its start.
+    std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{missing}, "ostrex: error: " + missing + ": cannot open: No such file or directory\n"},
+        {{skin, "--select", "NoSuchNode", "--quiet"},
+         "ostrex: error: " + skin + ": no node named 'NoSuchNode' in the scene\n"},
+        {{skin, "--animation", "7"},
+         "ostrex: error: " + skin + ": no animation '7' (the file has 1 animation: 0 '')\n"},
+        {{kSample, "--bogus"}, "ostrex: usage error: unknown option '--bogus'" + usage},
+        {{kSample, "--set", "sVcOptPos.eType=99"},
+         "ostrex: usage error: --set sVcOptPos.eType=99 sets nothing (no option 'sVcOptPos.eType', or a "
+         "value it refuses)" +
+             usage},
+        {{kSample, "--config", "missing.cfg"},
+         "ostrex: error: missing.cfg: cannot open: No such file or directory\n"},
+        {{kSample, "--config", "notes.txt"}, "ostrex: error: notes.txt: holds no export options\n"},
+        {{kSample, "-v", "--set", "bAlignData=1", "--set", "uiPadDataTo=9"},
+         "ostrex: error: options: uiPadDataTo=9 is no alignment (a power of two from 1 to 256); or set "
+         "bAlignData=0\n"},
+        {{kSample, "--quiet", "--set", "bExportSkin=1", "--set", "uiBoneLimit=1"},
+         "Bone batch generation failed.\nostrex: error: out.tvo: the scene could not be built (see the "
+         "messages above)\n"},
     };
-    for (const auto& [args, reason] : cases)
+    for (const auto& entry : fs::directory_iterator(std::string(OSTREX_ASSIMP_MODELS) + "/invalid"))
+        if (entry.path().filename() != "malformed2.obj")
+            cases.push_back({{entry.path().string()}, "ostrex: error: " + entry.path().string() + ": "});
+    for (const auto& [args, want] : cases)
     {
-        std::vector<std::string> line = {args[0], m_dir + "/out.tvo"};
+        std::ofstream(m_dir + "/out.tvo") << "keep";
+        std::vector<std::string> line = {args[0], "out.tvo"};
         line.insert(line.end(), args.begin() + 1, args.end());
         const SRun run = Run(line);
-        EXPECT_EQ(run.code, 1) << args[0];
-        EXPECT_EQ(run.err, "ostrex: error: " + args[0] + ": " + reason + "\n");
+        EXPECT_EQ(run.code, want.find("usage error") == std::string::npos ? 1 : 2) << run.err;
+        if (want.back() == '\n')
+            EXPECT_EQ(run.err, want);
+        else // one line with a reason after the start
+            EXPECT_TRUE(run.err.rfind(want, 0) == 0 && run.err.find('\n') == run.err.size() - 1 &&
+                        run.err.size() > want.size() + 1)
+                << run.err;
+        EXPECT_EQ(ReadAll(m_dir + "/out.tvo"), "keep") << args[0];
+        EXPECT_EQ(Entries(), (std::vector<std::string>{"notes.txt", "out.tvo"})) << args[0];
     }
-    EXPECT_TRUE(Entries().empty());
+    EXPECT_GE(cases.size(), 23u);
 }
 
-// Every file of the importer's collection of broken models fails the same way and leaves an existing
-// output as it was. (malformed2.obj is not among them: the importer repairs it into a plain cube, as
-// it does the missing material of OBJ/box.obj.)
-TEST_F(CliTest, BrokenModelsFailCleanlyAndLeaveTheOutputUntouched)
-{
-    const std::string out = m_dir + "/out.tvo";
-    int checked = 0;
-    for (const auto& entry : fs::directory_iterator(std::string(OSTREX_ASSIMP_MODELS) + "/invalid"))
-    {
-        const std::string file = entry.path().string();
-        if (entry.path().filename() == "malformed2.obj")
-            continue;
-        std::ofstream(out) << "keep";
-        const SRun run = Run({file, out});
-        EXPECT_EQ(run.code, 1) << file << "\n" << run.err;
-        const std::string prefix = "ostrex: error: " + file + ": ";
-        EXPECT_EQ(run.err.rfind(prefix, 0), 0u) << run.err;
-        EXPECT_GT(run.err.size(), prefix.size() + 1) << "no reason given: " << run.err;
-        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << "more than one line: " << run.err;
-        EXPECT_EQ(ReadAll(out), "keep") << file;
-        EXPECT_EQ(Entries(), std::vector<std::string>{"out.tvo"}) << file;
-        ++checked;
-    }
-    EXPECT_GE(checked, 13);
-}
-
-// A real scene exports to each output kind: the binary replaces the old file and carries the
-// options text; the header and source wrap the scene for the memory file system.
-TEST_F(CliTest, ExportsBinaryHeaderAndSourceByExtension)
-{
-    const std::string tvo = m_dir + "/box.tvo";
-    std::ofstream(tvo) << "old";
-    const SRun run = Run({kBox, tvo, "--quiet"});
-    ASSERT_EQ(run.code, 0) << run.err;
-    EXPECT_EQ(run.err, "");
-    CQMXTModelTVO scene;
-    char options[4096] = "";
-    ASSERT_EQ(scene.ReadFromFile(tvo.c_str(), options, sizeof options - 1), 0);
-    EXPECT_NE(std::string(options).find("bIndexed="), std::string::npos);
-
-    for (const char* name : {"box.h", "box.cpp"})
-    {
-        ASSERT_EQ(Run({kBox, name, "--quiet"}).code, 0) << name;
-        const std::string text = ReadAll(m_dir + "/" + name);
-        EXPECT_NE(text.find("\tExpOpt{\n"), std::string::npos) << name;
-        EXPECT_NE(text.find("static CQMXTMemoryFileSystem RegisterFile_box_tvo(\"box.tvo\", _box_tvo, "),
-                  std::string::npos)
-            << name;
-    }
-    EXPECT_EQ(Entries(), (std::vector<std::string>{"box.cpp", "box.h", "box.tvo"}));
-}
-
-// A failing build (a one-bone palette for a tube whose triangles span two bones) reports the
-// builder's message and one error line, keeps the old output and leaves no temporary file behind.
-TEST_F(CliTest, FailedExportKeepsTheOldOutput)
-{
-    const std::string out = m_dir + "/sample.tvo";
-    std::ofstream(out) << "keep";
-    const SRun run = Run({kSample, out, "--quiet", "--set", "bExportSkin=1", "--set", "uiBoneLimit=1"});
-    EXPECT_EQ(run.code, 1);
-    EXPECT_NE(run.err.find("Bone batch generation failed."), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("ostrex: error: " + out + ": the scene could not be built"), std::string::npos)
-        << run.err;
-    EXPECT_EQ(ReadAll(out), "keep");
-    EXPECT_EQ(Entries(), std::vector<std::string>{"sample.tvo"});
-}
-
-// Off a terminal a default export prints one line, the summary, whose counts are the file's; -v
+// UVs only with bExportMappingChannels, materials only with bExportMaterials (then no node names a
+// material); off a terminal an export prints one line, the summary, whose counts are the file's; -v
 // shows the stages.
-TEST_F(CliTest, DefaultOutputIsTheSummaryLine)
-{
-    const std::string out = m_dir + "/a.tvo";
-    SRun run = Run({kSample, out, "--set", "bExportAnimations=1"});
-    ASSERT_EQ(run.code, 0) << run.err;
-    CQMXTModelTVO scene;
-    ASSERT_EQ(scene.ReadFromFile(out.c_str()), 0);
-    uint64_t triangles = 0, vertices = 0;
-    for (uint32_t i = 0; i < scene.nNumMesh; ++i)
-    {
-        triangles += scene.pMesh[i].nNumFaces;
-        vertices += scene.pMesh[i].nNumVertex;
-    }
-    const std::string counts = std::to_string(scene.nNumNode) + " nodes, " + std::to_string(scene.nNumMesh) +
-                               " meshes, " + std::to_string(triangles) + " triangles, " +
-                               std::to_string(vertices) + " vertices, " + std::to_string(scene.nNumMaterial) +
-                               " materials, " + std::to_string(scene.nNumFrame) + " frames in ";
-    const std::vector<std::string> lines = Lines(run.err);
-    ASSERT_EQ(lines.size(), 1u) << run.err;
-    EXPECT_EQ(
-        lines[0].rfind("Wrote " + out + ": " + std::to_string(fs::file_size(out)) + " bytes, " + counts, 0),
-        0u)
-        << lines[0];
-    EXPECT_GT(scene.nNumFrame, 1u);
-
-    run = Run({kSample, out, "-v"});
-    EXPECT_NE(run.err.find("[ 75%] Final export stage\n"), std::string::npos) << run.err;
-    EXPECT_EQ(Lines(run.err).back().rfind("Wrote ", 0), 0u);
-}
-
-// UVs only with bExportMappingChannels, materials only with bExportMaterials; with materials off
-// no node names a material.
-TEST_F(CliTest, StreamsAndMaterialsFollowTheOptions)
+TEST_F(CliTest, StreamsFollowTheOptionsAndTheSummaryCountsTheFile)
 {
     const std::string out = m_dir + "/box.tvo";
     const struct
@@ -196,39 +174,32 @@ TEST_F(CliTest, StreamsAndMaterialsFollowTheOptions)
     };
     for (const auto& row : rows)
     {
-        ASSERT_EQ(Run({kBox, out, "--set", row.setting}).code, 0) << row.setting;
+        const SRun run = Run({kBox, out, "--set", row.setting});
+        ASSERT_EQ(run.code, 0) << row.setting;
         CQMXTModelTVO scene;
         ASSERT_EQ(scene.ReadFromFile(out.c_str()), 0);
         ASSERT_EQ(scene.nNumMesh, 1u);
-        EXPECT_EQ(scene.pMesh[0].nNumUVW, row.uvw) << row.setting;
-        EXPECT_EQ(scene.pMesh[0].sVertex.nStride, row.stride) << row.setting;
-        EXPECT_EQ(scene.nNumMaterial, row.materials) << row.setting;
+        const STVOMesh& m = scene.pMesh[0];
+        EXPECT_EQ((std::vector<uint32_t>{m.nNumUVW, m.sVertex.nStride, scene.nNumMaterial}),
+                  (std::vector<uint32_t>{row.uvw, row.stride, row.materials}))
+            << row.setting;
         for (uint32_t i = 0; i < scene.nNumNode; ++i)
             EXPECT_LT(scene.pNode[i].nIdxMaterial, static_cast<int32_t>(scene.nNumMaterial)) << row.setting;
+        const std::string summary = "Wrote " + out + ": " + std::to_string(fs::file_size(out)) + " bytes, " +
+                                    std::to_string(scene.nNumNode) + " nodes, 1 meshes, " +
+                                    std::to_string(m.nNumFaces) + " triangles, " +
+                                    std::to_string(m.nNumVertex) + " vertices, " +
+                                    std::to_string(scene.nNumMaterial) + " materials, " +
+                                    std::to_string(scene.nNumFrame) + " frames in ";
+        EXPECT_EQ(run.err.rfind(summary, 0), 0u) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
     }
-}
-
-// The same input and options give the same bytes from any folder; the history names the input by
-// its file name and carries a date only from SOURCE_DATE_EPOCH.
-TEST_F(CliTest, SameInputsGiveTheSameBytes)
-{
-    auto history = [&](const char* name)
-    {
-        CQMXTModelTVO scene;
-        char text[512] = "";
-        EXPECT_EQ(scene.ReadFromFile((m_dir + "/" + name).c_str(), nullptr, 0, text, sizeof text - 1), 0);
-        return std::string(text);
-    };
-    CTempDir other;
-    fs::create_directory(other / "deeper");
-    ASSERT_EQ(Run({kSample, "a.tvo"}).code, 0);
-    const std::string relative = fs::relative(kSample, other / "deeper").string();
-    ASSERT_EQ(RunOstrex(other / "deeper", {relative, "../b.tvo"}).code, 0);
-    EXPECT_TRUE(ReadAll(m_dir + "/a.tvo") == ReadAll(other / "b.tvo")) << "the two exports differ";
-    EXPECT_EQ(history("a.tvo"), "Exported by ostrex from 'sample.gltf'");
-
-    ASSERT_EQ(Run({kSample, "c.tvo"}, "SOURCE_DATE_EPOCH=86400").code, 0);
-    EXPECT_EQ(history("c.tvo"), "Exported by ostrex from 'sample.gltf' on 1970-01-02 00:00:00 UTC");
+    const SRun run = Run({kSample, out, "-v", "--set", "bExportAnimations=1"});
+    EXPECT_NE(run.err.find("[ 75%] Final export stage\n"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("\nWrote " + out + ": "), std::string::npos) << run.err;
+    CQMXTModelTVO scene;
+    ASSERT_EQ(scene.ReadFromFile(out.c_str()), 0);
+    EXPECT_GT(scene.nNumFrame, 1u); // an animated scene reads back with its frames
 }
 
 // A post-export command or viewer that an options text, an earlier .tvo or a .h carries runs only
@@ -267,13 +238,134 @@ TEST_F(CliTest, OptionFilesStartNoProgramUnlessAllowed)
     }
 }
 
-// An option set that cannot give a file fails at once, naming the option, with nothing written.
-TEST_F(CliTest, ImpossibleOptionsAreRefusedBeforeAnyWork)
+// The depfile names the output and, escaped, the scene, its buffer, its texture and the options
+// file, even where the names hold spaces, '#' and non-ASCII letters; a texture URI is decoded.
+TEST_F(Pipeline, DepfileNamesEverythingTheExportRead)
 {
-    const SRun run = Run({kSample, "out.tvo", "-v", "--set", "bAlignData=1", "--set", "uiPadDataTo=9"});
+    const std::string models = m_dir + "/models ü";
+    fs::create_directory(models);
+    fs::copy_file(kBoxDir + "BoxTextured0.bin", models + "/BoxTextured0.bin");
+    fs::copy_file(kBoxDir + "CesiumLogoFlat.png", models + "/logo ü.png");
+    std::string gltf = ReadAll(kBoxDir + "BoxTextured.gltf"); // glTF names files by URI: percent-encoded
+    gltf.replace(gltf.find("CesiumLogoFlat.png"), 18, "logo%20%C3%BC.png");
+    std::ofstream(models + "/BoxTextured.gltf") << gltf;
+    std::ofstream(m_dir + "/opts #1.txt") << "bExportMappingChannels=1\n";
+    const SRun run =
+        Run({models + "/BoxTextured.gltf", "out ü.tvo", "--config", "opts #1.txt", "--depfile", "out ü.d"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    std::string dir;
+    for (char c : m_dir)
+        dir += c == ' ' ? std::string("\\ ") : std::string(1, c);
+    EXPECT_EQ(ReadAll(m_dir + "/out ü.d"),
+              "out\\ ü.tvo: \\\n  " + dir + "/models\\ ü/BoxTextured.gltf \\\n  " + dir +
+                  "/models\\ ü/BoxTextured0.bin \\\n  " + dir + "/models\\ ü/logo\\ ü.png \\\n  " + dir +
+                  "/opts\\ \\#1.txt\n");
+    CQMXTModelTVO scene;
+    ASSERT_EQ(scene.ReadFromFile((m_dir + "/out ü.tvo").c_str()), 0);
+    ASSERT_EQ(scene.nNumTexture, 1u);
+    EXPECT_STREQ(scene.pTexture[0].pszName, "logo ü.png");
+
+    std::string escaped;
+    ASSERT_TRUE(EscapeDependencyPath("a$b\\ c\\d", escaped));
+    EXPECT_EQ(escaped, "a$$b\\\\\\ c\\d");
+    EXPECT_FALSE(EscapeDependencyPath("line\nbreak", escaped));
+}
+
+// The report carries exactly the keys docs/pipelines.md documents, the counts of the file written,
+// and position errors within what the file's compact type and unpack matrix allow.
+TEST_F(Pipeline, ReportMatchesTheManualAndTheFile)
+{
+    const SRun run = Run({kSample, "byte.tvo", "--report-json", "-", "--set", "sVcOptPos.eType=13", "--set",
+                          "bUnpackMatrix=1", "--set", "sVcOptNor.eType=8"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    const QJsonObject report = Json(run.out);
+    ASSERT_FALSE(report.isEmpty()) << run.out;
+
+    std::set<std::string> documented, reported;
+    std::ifstream manual(OSTREX_DOCS_DIR "/pipelines.md");
+    for (std::string line; std::getline(manual, line);) // table rows: "| `key` | type | meaning |"
+        if (line.rfind("| `", 0) == 0 && line.find("` |") != std::string::npos)
+            documented.insert(line.substr(3, line.find("` |") - 3));
+    reported = Keys(run.out);
+    reported.insert({"subject", "message"}); // only in a failed export's report, checked below
+    EXPECT_EQ(reported, documented);
+
+    EXPECT_TRUE(report["ok"].toBool());
+    EXPECT_EQ(report["bytes"].toInteger(), static_cast<qint64>(fs::file_size(m_dir + "/byte.tvo")));
+    CQMXTModelTVO scene;
+    ASSERT_EQ(scene.ReadFromFile((m_dir + "/byte.tvo").c_str()), 0);
+    EXPECT_EQ(report["nodes"].toInt(), static_cast<int>(scene.nNumNode));
+    const QJsonArray meshes = report["meshDetails"].toArray();
+    ASSERT_EQ(meshes.size(), static_cast<qsizetype>(scene.nNumMesh));
+    double worst = 0.0; // byte positions of a cylinder lose something
+    for (qsizetype m = 0; m < meshes.size(); ++m)
+    {
+        const QJsonObject mesh = meshes[m].toObject();
+        EXPECT_EQ(mesh["vertices"].toInt(), static_cast<int>(scene.pMesh[m].nNumVertex));
+        EXPECT_EQ(mesh["vertexFormat"].toArray()[0].toObject()["type"].toString(), "byte");
+        // Rounding to the stored step loses at most half a step along each axis of the unpack matrix.
+        const QJsonObject error = mesh["quantisationError"].toObject();
+        const float* unpack = scene.pMesh[m].mUnpackMatrix;
+        EXPECT_LE(error["positions"].toDouble(), 0.50001 * std::hypot(unpack[0], unpack[5], unpack[10])) << m;
+        worst = std::max(worst, error["positions"].toDouble());
+        EXPECT_TRUE(error["normals"].isDouble() && error["normals"].toDouble() < 0.002) << m;
+    }
+    EXPECT_GT(worst, 0.0);
+}
+
+// --strict fails on a warning before anything is written; the report says why, as it does for
+// refused options.
+TEST_F(Pipeline, StrictAndRefusedOptionsFailWithAReport)
+{
+    std::ofstream(m_dir + "/launch.txt") << "sClPostTarget=true\n";
+    const SRun run =
+        Run({kSample, "strict.tvo", "--config", "launch.txt", "--strict", "--report-json", "r.json"});
     EXPECT_EQ(run.code, 1);
-    EXPECT_EQ(run.err,
-              "ostrex: error: options: uiPadDataTo=9 is no alignment (a power of two from 1 to 256); "
-              "or set bAlignData=0\n");
-    EXPECT_TRUE(Entries().empty());
+    EXPECT_NE(run.err.find("ostrex: error: strict.tvo: --strict: 1 warning, so nothing was written\n"),
+              std::string::npos)
+        << run.err;
+    EXPECT_FALSE(fs::exists(m_dir + "/strict.tvo"));
+    const QJsonObject report = Json(ReadAll(m_dir + "/r.json"));
+    EXPECT_FALSE(report["ok"].toBool());
+    EXPECT_EQ(report["error"].toObject()["subject"].toString(), "strict.tvo");
+    ASSERT_EQ(report["warnings"].toArray().size(), 1);
+    EXPECT_TRUE(
+        report["warnings"][0].toString().startsWith("Warning: 'launch.txt' carries a post-export command"));
+
+    EXPECT_EQ(Run({kSample, "refused.tvo", "--set", "nope=1", "--report-json", "r.json"}).code, 2);
+    EXPECT_EQ(Json(ReadAll(m_dir + "/r.json"))["error"].toObject()["subject"].toString(), "options");
+}
+
+// A batch writes every good scene whatever the others do, one line each and a count; the bytes are
+// those of a single export from any folder, whose history names the input by its file name and has a
+// date only from SOURCE_DATE_EPOCH.
+TEST_F(Pipeline, BatchIsolatesScenesAndBytesAreTheSameFromAnyFolder)
+{
+    std::ofstream(m_dir + "/broken.gltf") << "{ not a scene";
+    const std::string crate = std::string(OSTREX_SAMPLES_DIR) + "/pipeline/crate ü.obj";
+    const SRun run = Run({"--out-dir", "out", "-j", "4", kSample, kBox, "broken.gltf", crate});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 5) << run.err;
+    EXPECT_NE(run.err.find("ostrex: error: broken.gltf: "), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("Wrote out/crate ü.tvo: "), std::string::npos) << run.err;
+    const std::string last = "ostrex: 1 of 4 scenes failed; 3 written to out\n";
+    EXPECT_EQ(run.err.substr(run.err.size() - std::min(run.err.size(), last.size())), last);
+    EXPECT_EQ(Run({"--out-dir", "twice", kSample, kSample}).code, 2);
+    EXPECT_FALSE(fs::exists(m_dir + "/twice"));
+
+    auto history = [&](const std::string& path)
+    {
+        CQMXTModelTVO scene;
+        char text[512] = "";
+        EXPECT_EQ(scene.ReadFromFile(path.c_str(), nullptr, 0, text, sizeof text - 1), 0);
+        return std::string(text);
+    };
+    CTempDir other;
+    fs::create_directory(other / "deeper");
+    ASSERT_EQ(
+        RunOstrex(other / "deeper", {fs::relative(kSample, other / "deeper").string(), "../b.tvo"}).code, 0);
+    EXPECT_TRUE(ReadAll(m_dir + "/out/sample.tvo") == ReadAll(other / "b.tvo")) << "the two exports differ";
+    EXPECT_EQ(history(other / "b.tvo"), "Exported by ostrex from 'sample.gltf'");
+    ASSERT_EQ(RunOstrex(m_dir, {kSample, "c.tvo"}, "SOURCE_DATE_EPOCH=86400").code, 0);
+    EXPECT_EQ(history(m_dir + "/c.tvo"), "Exported by ostrex from 'sample.gltf' on 1970-01-02 00:00:00 UTC");
 }

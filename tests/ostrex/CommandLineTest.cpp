@@ -1,4 +1,5 @@
 // Parsing of the ostrex command line: values, repeated options, batches, usage errors, output kinds.
+// (That input, output, --config, --animation and -v reach the export: CliTest.)
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,45 +17,33 @@ SCommandLine Parse(std::vector<const char*> args)
 }
 } // namespace
 
-TEST(CommandLine, ExportAndBatchLinesKeepEveryValueInOrder)
+TEST(CommandLine, ExportBatchHelpAndListingLinesKeepEveryValueInOrder)
 {
     SCommandLine cl =
         Parse({"scene.gltf", "out/scene.tvo", "--config", "base.h", "--set", "bExportSkin=1", "--select",
                "Arm", "--set=sScriptFile=a=b", "--profile", "Mobile", "--select=Leg", "--fps", "24",
                "--animation", "Walk", "--verbose", "--threads=3"});
     ASSERT_EQ(cl.action, eCommandExport) << cl.error;
-    EXPECT_EQ(cl.input, "scene.gltf");
-    EXPECT_EQ(cl.output, "out/scene.tvo");
-    EXPECT_EQ(cl.configFile, "base.h");
     EXPECT_EQ(cl.settings, (std::vector<std::string>{"bExportSkin=1", "sScriptFile=a=b"}));
     EXPECT_EQ(cl.selection, (std::vector<std::string>{"Arm", "Leg"}));
     EXPECT_EQ(cl.profile, "Mobile");
     EXPECT_EQ(cl.fps, 24);
-    EXPECT_EQ(cl.animation, "Walk");
-    EXPECT_EQ(cl.verbosity, eVerbosityVerbose);
     EXPECT_EQ(cl.threads, 3);
 
     cl = Parse({"-q", "--", "-odd name.obj", "--out.tvo"});
     ASSERT_EQ(cl.action, eCommandExport) << cl.error;
     EXPECT_EQ(cl.input, "-odd name.obj");
     EXPECT_EQ(cl.output, "--out.tvo");
-    EXPECT_EQ(cl.fps, 0);
-    EXPECT_TRUE(cl.settings.empty());
     EXPECT_EQ(cl.verbosity, eVerbosityQuiet);
-    EXPECT_EQ(Parse({"a", "b"}).verbosity, eVerbosityNormal);
 
     cl = Parse({"--out-dir", "out", "-j", "3", "--format=h", "a.gltf", "b c.obj"});
     ASSERT_EQ(cl.action, eCommandBatch) << cl.error;
     EXPECT_EQ(cl.inputs, (std::vector<std::string>{"a.gltf", "b c.obj"}));
     EXPECT_EQ(cl.jobs, 3);
     EXPECT_EQ(cl.format, "h");
-}
 
-TEST(CommandLine, HelpWinsAndListOptionsTakesOnlyOptionSources)
-{
-    EXPECT_EQ(Parse({"--help"}).action, eCommandHelp);
-    EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp);
-    const SCommandLine cl = Parse({"--list-options", "--config", "x.tvo", "--set", "bMerge=1"});
+    EXPECT_EQ(Parse({"in.obj", "-h", "--fps", "3"}).action, eCommandHelp); // help wins
+    cl = Parse({"--list-options", "--config", "x.tvo", "--set", "bMerge=1"});
     EXPECT_EQ(cl.action, eCommandListOptions) << cl.error;
     EXPECT_EQ(cl.configFile, "x.tvo");
 }
@@ -66,13 +55,11 @@ TEST(CommandLine, UsageErrorsNameTheReason)
         {{"in.obj"}, "missing OUTPUT"},
         {{"a", "b", "extra"}, "unexpected argument 'extra'"},
         {{"a", "b", "--frobnicate"}, "unknown option '--frobnicate'"},
-        {{"a", "b", "-x"}, "unknown option '-x'"},
         {{"a", "b", "--fps"}, "--fps needs a value"},
         {{"a", "b", "--config="}, "non-empty value"},
         {{"a", "b", "--quiet=1"}, "takes no value"},
         {{"a", "b", "-q", "-v"}, "exclude each other"},
         {{"a", "b", "--config", "a", "--config", "b"}, "more than once"},
-        {{"a", "b", "--animation", "a", "--animation", "b"}, "more than once"},
         {{"", "b"}, "must not be empty"},
         {{"--list-options", "in.obj"}, "takes no INPUT"},
         {{"--list-options", "--fps", "10"}, "only combines"},
@@ -84,11 +71,10 @@ TEST(CommandLine, UsageErrorsNameTheReason)
         {{"--out-dir", "o", "--depfile", "d", "a"},
          "--depfile, --report-json and --view name one export; they do not combine with --out-dir"},
         {{"a", "b", "-j", "2"}, "-j and --format only apply with --out-dir"},
-        {{"a", "b", "--depfile", "x", "--depfile", "y"}, "--depfile given more than once"},
     };
-    for (const char* bad : {"0", "-5", "2.5", "abc", "24fps", "1001", "99999999999"})
+    for (const char* bad : {"0", "2.5", "24fps", "1001", "99999999999"})
         rows.push_back({{"a", "b", "--fps", bad}, "--fps needs a whole number"});
-    for (const char* bad : {"0", "-1", "257", "two"})
+    for (const char* bad : {"0", "257", "two"})
         rows.push_back({{"a", "b", "--threads", bad}, "--threads needs a whole number from 1 to 256"});
     for (const auto& [args, reason] : rows)
     {

@@ -1,5 +1,5 @@
-// The console log sink on a terminal: colours by level and an in-place progress bar. (What each
-// verbosity shows off a terminal is checked on the program's own runs.)
+// The console log sink on a terminal: colours by level and a progress bar drawn in place, ended at
+// 100 % or when the sink goes. (What each verbosity shows off a terminal: the program's own runs.)
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -20,16 +20,14 @@ std::string Drain(std::FILE* file)
     std::fclose(file);
     return text;
 }
+} // namespace
 
-// Runs one scripted export's messages through a sink.
-std::string RunScript(bool terminal, EVerbosity verbosity)
+TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsAndEndsTheBar)
 {
     std::FILE* stream = std::tmpfile();
     {
-        CConsoleSink sink(stream, terminal, verbosity);
+        CConsoleSink sink(stream, true, eVerbosityNormal);
         ILogSink* previous = SetLogSink(&sink);
-        ProgressUpdate(0, "Export stage 1");
-        Log(eLogInfo, "Complete");
         Log(eLogDetail, "\"Box\": pos anim: removed\n");
         ProgressUpdate(40, "Export stage 2");
         Log(eLogWarning, "Warning (Tube): Ignoring some bone influences. \nThe maximum is %i.", 4);
@@ -39,31 +37,15 @@ std::string RunScript(bool terminal, EVerbosity verbosity)
         ProgressUpdate(100, "Complete");
         SetLogSink(previous);
     }
-    return Drain(stream);
-}
-} // namespace
-
-TEST(ConsoleSink, TerminalColoursLevelsAndRedrawsAndEndsTheBar)
-{
-    const std::string out = RunScript(true, eVerbosityNormal);
+    const std::string out = Drain(stream);
     EXPECT_NE(out.find("\033[32mExported\033[0m\n"), std::string::npos);
     EXPECT_NE(out.find("\033[33mWarning (Tube)"), std::string::npos);
     EXPECT_NE(out.find("\033[1;31mFailed to write output file\033[0m\n"), std::string::npos);
-    EXPECT_NE(out.find("Complete\n"), std::string::npos);
-    EXPECT_EQ(out.find("\033[32mComplete"), std::string::npos); // level 1 keeps the default colour
     EXPECT_EQ(out.find("pos anim"), std::string::npos);
-    // The bar is drawn in place and wiped before a message, and its line is ended at 100 %.
-    EXPECT_NE(out.find("\r\033[K[------------------------------]   0% Export stage 1"), std::string::npos);
     EXPECT_NE(out.find("\r\033[K[############------------------]  40% Export stage 2"), std::string::npos);
     EXPECT_NE(out.find("\r\033[K[##############################] 100% Complete\n"), std::string::npos);
-    EXPECT_EQ(out.back(), '\n');
 
-    EXPECT_EQ(RunScript(true, eVerbosityQuiet), "\033[1;31mFailed to write output file\033[0m\n");
-    EXPECT_NE(
-        RunScript(false, eVerbosityVerbose).find("\n\"Box\": pos anim: removed\n[ 40%] Export stage 2\n"),
-        std::string::npos);
-
-    std::FILE* stream = std::tmpfile(); // an open bar line is ended when the sink goes
+    stream = std::tmpfile(); // an open bar line is ended when the sink goes
     {
         CConsoleSink sink(stream, true, eVerbosityNormal);
         sink.OnProgress(75, "Final export stage");

@@ -1,4 +1,5 @@
-// Safe output: the target changes only on commit, and nothing is left behind otherwise.
+// Safe output: the target changes only on commit, no debris is left, and unusable targets and
+// unwritten files are refused.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -8,19 +9,10 @@
 #include "SafeOutput.h"
 #include "TestSupport.h"
 
-namespace
+TEST(SafeOutput, TheTargetChangesOnlyOnCommitAndUnusableTargetsAreRefused)
 {
-class SafeOutputTest : public ::testing::Test
-{
-  protected:
-    CTempDir m_work;
-    const std::string m_dir = m_work.Path();
-};
-} // namespace
-
-TEST_F(SafeOutputTest, TheTargetChangesOnlyOnCommitAndNoDebrisIsLeft)
-{
-    const std::string target = m_dir + "/scene.h";
+    const CTempDir dir;
+    const std::string target = dir / "scene.h";
     std::ofstream(target) << "old";
     std::string error;
     {
@@ -40,25 +32,20 @@ TEST_F(SafeOutputTest, TheTargetChangesOnlyOnCommitAndNoDebrisIsLeft)
     }
     EXPECT_EQ(ReadAll(target), "new");
     const std::string bytes("a\0b\xff", 4);
-    ASSERT_TRUE(WriteFileSafely(m_dir + "/tex.bin", bytes.data(), bytes.size(), error)) << error;
-    EXPECT_EQ(ReadAll(m_dir + "/tex.bin"), bytes);
-    EXPECT_EQ(m_work.Entries(), (std::vector<std::string>{"scene.h", "tex.bin"}));
-}
+    ASSERT_TRUE(WriteFileSafely(dir / "tex.bin", bytes.data(), bytes.size(), error)) << error;
+    EXPECT_EQ(ReadAll(dir / "tex.bin"), bytes);
+    EXPECT_FALSE(WriteFileSafely(dir / "missing/tex.bin", "x", 1, error));
+    EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"scene.h", "tex.bin"}));
 
-TEST_F(SafeOutputTest, UnusableTargetsAndUnwrittenFilesAreRefusedWithAReason)
-{
-    std::string error;
-    CSafeOutput missingDir(m_dir + "/no/such/dir/scene.tvo");
-    EXPECT_FALSE(missingDir.Begin(error));
-    EXPECT_NE(error.find("cannot write in"), std::string::npos) << error;
-    CSafeOutput directory(m_dir);
-    EXPECT_FALSE(directory.Begin(error));
-    EXPECT_NE(error.find("is a directory"), std::string::npos) << error;
-    CSafeOutput noName(m_dir + "/");
-    EXPECT_FALSE(noName.Begin(error));
-    EXPECT_FALSE(WriteFileSafely(m_dir + "/missing/tex.bin", "x", 1, error));
-
-    CSafeOutput unwritten(m_dir + "/scene.tvo"); // the writer never wrote
+    const std::pair<std::string, const char*> refused[] = {
+        {dir / "no/such/dir/scene.tvo", "cannot write in"}, {dir.Path(), "is a directory"}, {dir / "", ""}};
+    for (const auto& [path, reason] : refused)
+    {
+        CSafeOutput out(path);
+        EXPECT_FALSE(out.Begin(error)) << path;
+        EXPECT_NE(error.find(reason), std::string::npos) << error;
+    }
+    CSafeOutput unwritten(dir / "scene.tvo"); // the writer never wrote
     ASSERT_TRUE(unwritten.Begin(error)) << error;
     EXPECT_FALSE(unwritten.Commit(error));
     EXPECT_NE(error.find("nothing was written"), std::string::npos) << error;

@@ -1,9 +1,7 @@
-// The project's sample scene: the generator reproduces it, and the filled content keeps the box, the
-// skinned tube, the spot light and the aimed camera as authored. (Its transforms, skinning and
-// animation are compared with the importer's by the model-collection test.)
+// The project's sample scene filled as authored: its frames, the box's texture, the skinned tube, and
+// glTF's spot cone and field of view.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "AssimpContent.h"
@@ -12,27 +10,7 @@
 namespace
 {
 const std::string kSample = std::string(OSTREX_SAMPLES_DIR) + "/sample.gltf";
-
-float Distance(const QMXTVECTOR3f& a, const aiVector3D& b)
-{
-    return (aiVector3D(a.x, a.y, a.z) - b).Length();
-}
-
-aiVector3D Unit(const QMXTVECTOR3f& v)
-{
-    return aiVector3D(v.x, v.y, v.z).Normalize();
-}
 } // namespace
-
-TEST(SampleFiles, GeneratorReproducesTheCommittedSample)
-{
-    const CTempDir dir;
-    const std::string command =
-        "python3 '" + std::string(OSTREX_SAMPLES_DIR) + "/make_sample.py' '" + dir.Path() + "'";
-    ASSERT_EQ(std::system(command.c_str()), 0) << command;
-    EXPECT_EQ(ReadAll(dir / "sample.gltf"), ReadAll(kSample));
-    EXPECT_EQ(ReadAll(dir / "checker.png"), ReadAll(std::string(OSTREX_SAMPLES_DIR) + "/checker.png"));
-}
 
 TEST(SampleFiles, BoxTubeSpotLightAndCameraAsAuthored)
 {
@@ -50,44 +28,17 @@ TEST(SampleFiles, BoxTubeSpotLightAndCameraAsAuthored)
     EXPECT_EQ(content.info.fps, 30);
     EXPECT_EQ(content.FrameCount(), 61); // two seconds at 30 frames per second
 
-    const CNode& box = node("Box");
-    EXPECT_EQ(box.geom.faces.size(), 12u);
-    EXPECT_EQ(box.geom.positions.size(), 24u); // each vertex once: four a side
-    ASSERT_EQ(box.geom.channels.size(), 1u);
-    const SMaterial& checker = content.materials[box.geom.faces[0].material];
+    const SMaterial& checker = content.materials[node("Box").geom.faces[0].material];
     EXPECT_EQ(checker.name, "Checker");
     EXPECT_EQ(checker.textures[0], "checker.png");
     EXPECT_TRUE(std::filesystem::exists(std::string(OSTREX_SAMPLES_DIR) + "/" + checker.textures[0]));
-    const CNode& tube = node("Tube");
-    EXPECT_EQ(tube.geom.faces.size(), 8u * 12u * 2u);
-    ASSERT_EQ(tube.modifiers.size(), 1u);
-    EXPECT_EQ(content.materials[tube.geom.faces[0].material].name, "Copper");
-    EXPECT_EQ(node("Bone1").type, eNodeJoint);
+    EXPECT_EQ(node("Tube").modifiers.size(), 1u);
     EXPECT_EQ(node("Bone2").frames.size(), 61u);
-    EXPECT_TRUE(box.frames.empty());
 
     const SLightData& light = node("Spot").light;
     EXPECT_EQ(light.lightType, eTVOLightSpot);
     EXPECT_FLOAT_EQ(light.falloffAngle, 1.2f); // the file's 0.6 from the axis is a 1.2 cone
-    EXPECT_FLOAT_EQ(light.colour[1], 0.95f);
     const SCameraData& cam = node("Camera").camera;
     EXPECT_FLOAT_EQ(cam.fov, 0.8f); // the file's vertical field of view
-    EXPECT_FLOAT_EQ(cam.farPlane, 100.0f);
     EXPECT_EQ(cam.target, ContentIndex(content, "Camera.Target"));
-    EXPECT_EQ(cam.fovFrames.size(), 61u);
-
-    // Where the generator put them: the light at (-0.5, 4, 2.5) aimed at the box at (-1.5, 0.5, 0),
-    // the camera on its turned rig at (4, 3, 6) aimed at (0, 1, 0) with y up.
-    CBuiltScene built(content);
-    QMXTVECTOR3f pos, dir, from, to, up;
-    float fov = 0;
-    ASSERT_TRUE(built.Light("Spot", pos, dir));
-    EXPECT_LT(Distance(pos, {-0.5f, 4.0f, 2.5f}), 1e-5f);
-    EXPECT_GT(Unit(dir) * aiVector3D(-1.0f, -3.5f, -2.5f).Normalize(), 0.999999f);
-    ASSERT_TRUE(built.Camera("Camera", from, to, up, fov));
-    EXPECT_LT(Distance(from, {4.0f, 3.0f, 6.0f}), 1e-5f);
-    const aiVector3D toTarget = aiVector3D(-4.0f, -2.0f, -6.0f).Normalize();
-    EXPECT_GT(Unit({to.x - from.x, to.y - from.y, to.z - from.z}) * toTarget, 0.999999f);
-    EXPECT_NEAR(Unit(up) * toTarget, 0.0f, 1e-5f);
-    EXPECT_GT(up.y, 0.0f);
 }

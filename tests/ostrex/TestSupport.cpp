@@ -51,40 +51,6 @@ QMXTMATRIXf ContentWorld(const SContent& content, int index, int frame)
     return world;
 }
 
-CBuiltScene::CBuiltScene(const SContent& content)
-{
-    COptions options;
-    options.SetFromString("bExportAnimations=1\n");
-    m_ok = m_builder.Process(content, options);
-}
-
-int CBuiltScene::Find(uint32_t first, uint32_t count, const std::string& name) const
-{
-    for (uint32_t i = 0; m_ok && i < count; ++i)
-        if (name == m_builder.Scene()->pNode[first + i].pszName)
-            return static_cast<int>(i);
-    return -1;
-}
-
-bool CBuiltScene::Light(const std::string& name, QMXTVECTOR3f& pos, QMXTVECTOR3f& dir)
-{
-    const CTVOSceneEx* s = m_builder.Scene();
-    const int light = Find(s ? s->nNumMeshNode : 0, s ? s->nNumLight : 0, name);
-    if (light >= 0)
-        m_builder.Scene()->GetLight(pos, dir, static_cast<uint32_t>(light));
-    return light >= 0;
-}
-
-bool CBuiltScene::Camera(const std::string& name, QMXTVECTOR3f& from, QMXTVECTOR3f& to, QMXTVECTOR3f& up,
-                         float& fov)
-{
-    const CTVOSceneEx* s = m_builder.Scene();
-    const int camera = Find(s ? s->nNumMeshNode + s->nNumLight : 0, s ? s->nNumCamera : 0, name);
-    if (camera >= 0)
-        fov = m_builder.Scene()->GetCamera(from, to, up, static_cast<uint32_t>(camera));
-    return camera >= 0;
-}
-
 const aiScene* LoadLikeTheCommandLine(Assimp::Importer& importer, const std::string& path)
 {
     return importer.ReadFile(path,

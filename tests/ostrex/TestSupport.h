@@ -1,5 +1,5 @@
 // Helpers for the ostrex tests: reference transforms straight from the importer's data, world
-// matrices of filled content, the builder's scene model of it, and a runner of the program.
+// matrices of filled content, and a runner of the program.
 #pragma once
 
 #include "TempFiles.h"
@@ -22,22 +22,6 @@ QMXTMATRIXf RowLayout(const aiMatrix4x4& m);
 // World matrix of a content node at a frame (the still sample when the node has no frames), rebuilt
 // from the samples as the scene model rebuilds local matrices.
 QMXTMATRIXf ContentWorld(const SContent& content, int index, int frame = 0);
-
-// The builder's scene model of some content (node animation on), read through the model's own
-// queries at frame 0: the light (camera) on the node of a name, false when there is none.
-class CBuiltScene
-{
-  public:
-    explicit CBuiltScene(const SContent& content);
-    bool Ok() const { return m_ok; }
-    bool Light(const std::string& name, QMXTVECTOR3f& pos, QMXTVECTOR3f& dir);
-    bool Camera(const std::string& name, QMXTVECTOR3f& from, QMXTVECTOR3f& to, QMXTVECTOR3f& up, float& fov);
-
-  private:
-    int Find(uint32_t first, uint32_t count, const std::string& name) const;
-    CTVO m_builder;
-    bool m_ok = false;
-};
 
 // Loads a file the way the command line does.
 const aiScene* LoadLikeTheCommandLine(Assimp::Importer& importer, const std::string& path);
