@@ -1,11 +1,6 @@
 #include "SceneFixtures.h"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 void AddCornerTriangle(SGeomData& g, const QMXTVECTOR3f p[3], const QMXTVECTOR3f& normal, int material,
                        const QMXTVECTOR3f* uv)
@@ -159,4 +154,3 @@ SGeomData GridGeometry(int n)
         }
     return g;
 }
-
