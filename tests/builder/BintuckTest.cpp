@@ -10,18 +10,6 @@
 #include "Log.h"
 #include "SceneFixtures.h"
 
-namespace
-{
-size_t CountOf(const std::string& text, const std::string& what)
-{
-    size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
-}
-
-} // namespace
-
 TEST(Bintuck, HeaderWithAndWithoutRegistration)
 {
     std::ostringstream plain;
@@ -58,27 +46,17 @@ TEST(Bintuck, NamesFromPaths)
 
 TEST(Bintuck, WordsAreHexSixtyFourALineInTheChosenByteOrder)
 {
-    std::vector<uint8_t> data(256 * 4);
-    for (size_t i = 0; i < data.size(); ++i)
-        data[i] = static_cast<uint8_t>(i);
+    const std::vector<uint8_t> zeros(65 * 4);
     std::ostringstream little;
-    WriteBinary(little, data.data(), data.size(), "scene.tvo", "_scene_tvo", 0);
-    const std::string text = little.str();
-    EXPECT_EQ(text.rfind("A32BIT _scene_tvo[] = {\n0x3020100,0x7060504,", 0), 0u);
-    EXPECT_EQ(CountOf(text, "\n0x"), 4u); // 256 words: four lines of 64
-    EXPECT_EQ(CountOf(text, ","), 256u);
-    std::istringstream lines(text);
+    WriteBinary(little, zeros.data(), zeros.size(), "z", "_z", 0);
     std::string line;
-    std::getline(lines, line); // the declaration
-    for (int i = 0; i < 4; ++i)
-    {
-        ASSERT_TRUE(std::getline(lines, line));
-        EXPECT_EQ(CountOf(line, ","), 64u) << i;
-    }
-    EXPECT_EQ(text.substr(text.size() - 5), "\n};\n\n");
+    for (int i = 0; i < 64; ++i)
+        line += "0x0,";
+    EXPECT_EQ(little.str(), "A32BIT _z[] = {\n" + line + "\n0x0,\n};\n\n");
 
+    const uint8_t bytes[8] = {0, 1, 2, 3, 4, 5, 6, 7};
     std::ostringstream big;
-    WriteBinary(big, data.data(), 8, "scene.tvo", "_scene_tvo", eBintuckBigEndian);
+    WriteBinary(big, bytes, 8, "scene.tvo", "_scene_tvo", eBintuckBigEndian);
     EXPECT_EQ(big.str(), "A32BIT _scene_tvo[] = {\n0x10203,0x4050607,\n};\n\n");
 }
 

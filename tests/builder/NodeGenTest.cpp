@@ -168,7 +168,7 @@ TEST(NodeGen, IndexedAnimationStoresUniqueKeysOrGivesUp)
     }
 }
 
-TEST(NodeGen, CamerasDropStillFieldOfViewAndLightsCopyEverything)
+TEST(NodeGen, CamerasDropStillFieldOfView)
 {
     SCameraData cam;
     cam.fov = 0.8f;
@@ -187,16 +187,4 @@ TEST(NodeGen, CamerasDropStillFieldOfViewAndLightsCopyEverything)
     std::free(zoom.pfAnimFOV);
     STVOCamera shortList = CTVOCameraEx::Gen(&cam, 4); // fewer values than frames: not animated
     EXPECT_EQ(shortList.pfAnimFOV, nullptr);
-
-    SLightData l;
-    l.lightType = 2;
-    l.colour[0] = 0.25f, l.colour[1] = 0.5f, l.colour[2] = 1.0f;
-    l.target = 3;
-    l.linearAttenuation = 0.125f;
-    l.falloffExponent = 2.0f;
-    const STVOLight light = CTVOLightEx::Gen(&l);
-    EXPECT_EQ(light.nIdxTarget, 3);
-    EXPECT_EQ(light.pfColour[1], 0.5f);
-    EXPECT_EQ(light.fConstantAttenuation, 1.0f);
-    EXPECT_EQ(light.fFalloffAngle, 3.14159274f);
 }

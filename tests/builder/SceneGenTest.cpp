@@ -197,13 +197,6 @@ TEST(SceneGen, FrameCountAndRate)
     ASSERT_TRUE(Build(b, content, anim));
     EXPECT_EQ(b.nNumFrame, 7u); // lowered to the shortest frames list
     EXPECT_EQ(b.nFPS, 25u);
-
-    content.nodes[0].frames.clear();
-    SBuilderSettings world;
-    world.bExportModelSpace = false; // flattening needs the frames even without animation
-    CTVOSceneEx c;
-    ASSERT_TRUE(Build(c, content, world));
-    EXPECT_EQ(c.nNumFrame, 10u);
 }
 
 TEST(SceneGen, TransparentMaterialsBlendSourceAlpha)

@@ -20,11 +20,14 @@ namespace
 // Runs action on the options window once the modal loop has shown it.
 void WhenWindowOpens(const std::function<void(COptionsWindow&)>& action)
 {
-    QTimer::singleShot(0, [action] {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* window = qobject_cast<COptionsWindow*>(widget); window && window->isVisible())
-                action(*window);
-    });
+    QTimer::singleShot(0,
+                       [action]
+                       {
+                           for (QWidget* widget : QApplication::topLevelWidgets())
+                               if (auto* window = qobject_cast<COptionsWindow*>(widget);
+                                   window && window->isVisible())
+                                   action(*window);
+                       });
 }
 
 bool AnyWindowVisible()
@@ -36,7 +39,7 @@ bool AnyWindowVisible()
 }
 } // namespace
 
-void CDialogTest::launchedFromScriptTakesStoredOptions()
+void CGuiTest::launchedFromScriptTakesStoredOptions()
 {
     COptions stored;
     stored.SetOption(O::eBoneLimit, 33u);
@@ -49,27 +52,31 @@ void CDialogTest::launchedFromScriptTakesStoredOptions()
     QVERIFY(!AnyWindowVisible());
 }
 
-void CDialogTest::cancelReturnsFalse()
+void CGuiTest::cancelReturnsFalse()
 {
     COptions options;
     bool shown = false;
-    WhenWindowOpens([&](COptionsWindow& window) {
-        shown = true;
-        window.optionsWidget()->alignmentBox()->click();
-        window.cancelButton()->click();
-    });
+    WhenWindowOpens(
+        [&](COptionsWindow& window)
+        {
+            shown = true;
+            window.optionsWidget()->alignmentBox()->click();
+            window.cancelButton()->click();
+        });
     QVERIFY(!DisplayOptionsDialog(options, 0, nullptr, false));
     QVERIFY(shown);
     QVERIFY(options.GetOption(O::eAlignData));
 }
 
-void CDialogTest::exportStoresTheOptions()
+void CGuiTest::exportStoresTheOptions()
 {
     COptions options;
-    WhenWindowOpens([](COptionsWindow& window) {
-        window.optionsWidget()->alignmentBox()->click();
-        window.exportButton()->click();
-    });
+    WhenWindowOpens(
+        [](COptionsWindow& window)
+        {
+            window.optionsWidget()->alignmentBox()->click();
+            window.exportButton()->click();
+        });
     QVERIFY(DisplayOptionsDialog(options, 0, nullptr, false));
     QVERIFY(!options.GetOption(O::eAlignData));
     // The stored options reopen the next window, and a script run takes them.
@@ -81,7 +88,7 @@ void CDialogTest::exportStoresTheOptions()
     QVERIFY(GuiPreferences().KeyExists("Maya/Window/State/Options"));
 }
 
-void CDialogTest::manualIsFoundBesideTheProgram()
+void CGuiTest::manualIsFoundBesideTheProgram()
 {
     QTemporaryDir root;
     const QString program = root.filePath("a/b/bin");

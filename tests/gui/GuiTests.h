@@ -1,23 +1,20 @@
-// The test classes of gui_tests; GuiTestMain runs them one after the other in one application.
+// The test class of gui_tests: its slots are defined in one file per window or logic class, and
+// GuiTestMain runs them in one application.
 #pragma once
 
 #include <QObject>
 
-class COutputTest : public QObject
+class CGuiTest : public QObject
 {
     Q_OBJECT
   private slots:
+    // OutputTest.cpp
     void levelColours_data();
     void levelColours();
     void messagesReachTheWindow();
     void progressBar_data();
     void progressBar();
-};
-
-class COptionsWidgetTest : public QObject
-{
-    Q_OBJECT
-  private slots:
+    // OptionsWidgetTest.cpp
     void everyControlRoundTripsItsOption();
     void primitiveTypeTable_data();
     void primitiveTypeTable();
@@ -28,34 +25,19 @@ class COptionsWidgetTest : public QObject
     void bit7HidesTheLastComponent();
     void alignmentFollowsTheLargestType();
     void droppedOptionsFileIsReadWithoutPostExportActions();
-};
-
-class CProfilesTest : public QObject
-{
-    Q_OBJECT
-  private slots:
+    // ProfilesTest.cpp
     void saveAndLoadKeepOrderAndColons();
     void studioProfilesAreReadOnly();
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
     void exportedProfileImportsAlike();
     void contextActionsEditOnlyUserProfiles();
-};
-
-class CDialogTest : public QObject
-{
-    Q_OBJECT
-  private slots:
+    // DialogTest.cpp
     void launchedFromScriptTakesStoredOptions();
     void cancelReturnsFalse();
     void exportStoresTheOptions();
     void manualIsFoundBesideTheProgram();
-};
-
-class CScreenshotTest : public QObject
-{
-    Q_OBJECT
-  private slots:
+    // ScreenshotTest.cpp
     void optionsTabsAndOutputLog();
 };
 

@@ -55,7 +55,8 @@ void ChangeControl(QWidget* control)
 
 SBoundOption BoundOption(QWidget* control)
 {
-    for (const char* property : {"bool_option_enum", "int_option_enum", "float_option_enum", "string_option_enum"})
+    for (const char* property :
+         {"bool_option_enum", "int_option_enum", "float_option_enum", "string_option_enum"})
         if (control->property(property).isValid())
             return {property, control->property(property).toInt()};
     return {"", -1};
@@ -75,7 +76,7 @@ QString OptionValue(const COptionsData& o, const SBoundOption& bound)
 }
 } // namespace
 
-void COptionsWidgetTest::everyControlRoundTripsItsOption()
+void CGuiTest::everyControlRoundTripsItsOption()
 {
     COptions edited;
     COptions defaults;
@@ -104,7 +105,7 @@ void COptionsWidgetTest::everyControlRoundTripsItsOption()
     QVERIFY(!covered.contains(QString("int_option_enum:%1").arg(O::ePadDataTo)));
 }
 
-void COptionsWidgetTest::primitiveTypeTable_data()
+void CGuiTest::primitiveTypeTable_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("primType");
@@ -116,7 +117,7 @@ void COptionsWidgetTest::primitiveTypeTable_data()
     QTest::newRow("Indexed triangle strips") << 3 << 1 << true << 3;
 }
 
-void COptionsWidgetTest::primitiveTypeTable()
+void CGuiTest::primitiveTypeTable()
 {
     QFETCH(int, row);
     QFETCH(int, primType);
@@ -138,7 +139,7 @@ void COptionsWidgetTest::primitiveTypeTable()
     QCOMPARE(changed.count(), 1);
 }
 
-void COptionsWidgetTest::sortingMethodTable_data()
+void CGuiTest::sortingMethodTable_data()
 {
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("triSort");
@@ -148,7 +149,7 @@ void COptionsWidgetTest::sortingMethodTable_data()
     QTest::newRow("QMXTTriStrip") << 3 << 3;
 }
 
-void COptionsWidgetTest::sortingMethodTable()
+void CGuiTest::sortingMethodTable()
 {
     QFETCH(int, row);
     QFETCH(int, triSort);
@@ -174,15 +175,17 @@ QWidget* FindControl(const COptionsWidget& widget, const char* property, int ind
 }
 } // namespace
 
-void COptionsWidgetTest::controlsFollowTheirGoverningOption_data()
+void CGuiTest::controlsFollowTheirGoverningOption_data()
 {
     QTest::addColumn<int>("governing");
     QTest::addColumn<QByteArray>("property"); // empty: a vertex-format row
     QTest::addColumn<int>("index");
     QTest::newRow("vertex splitting") << int(O::eTangentSpace) << QByteArray("float_option_enum") << 0;
-    QTest::newRow("tangent UVW set") << int(O::eTangentSpace) << QByteArray("int_option_enum") << int(O::eTSUseUVW);
+    QTest::newRow("tangent UVW set") << int(O::eTangentSpace) << QByteArray("int_option_enum")
+                                     << int(O::eTSUseUVW);
     QTest::newRow("tangent row") << int(O::eTangentSpace) << QByteArray() << int(O::eVcOptTan);
-    QTest::newRow("palette size") << int(O::eExportSkin) << QByteArray("int_option_enum") << int(O::eBoneLimit);
+    QTest::newRow("palette size") << int(O::eExportSkin) << QByteArray("int_option_enum")
+                                  << int(O::eBoneLimit);
     QTest::newRow("bone weights row") << int(O::eExportSkin) << QByteArray() << int(O::eVcOptBoneWt);
     QTest::newRow("UVW 3 row") << int(O::eExportMappingChannels) << QByteArray() << int(O::eVcOptUVW3);
     QTest::newRow("animation index") << int(O::eExportAnimations) << QByteArray("bool_option_enum")
@@ -191,7 +194,7 @@ void COptionsWidgetTest::controlsFollowTheirGoverningOption_data()
                                    << int(O::eSortVertices);
 }
 
-void COptionsWidgetTest::controlsFollowTheirGoverningOption()
+void CGuiTest::controlsFollowTheirGoverningOption()
 {
     QFETCH(int, governing);
     QFETCH(QByteArray, property);
@@ -200,14 +203,15 @@ void COptionsWidgetTest::controlsFollowTheirGoverningOption()
     options.SetOption(static_cast<O::EBools>(governing), false);
     COptionsWidget widget;
     widget.Init(options);
-    QWidget* governed = property.isEmpty() ? widget.vectorRows()[index] : FindControl(widget, property, index);
+    QWidget* governed =
+        property.isEmpty() ? widget.vectorRows()[index] : FindControl(widget, property, index);
     QVERIFY(governed);
     QVERIFY(!governed->isEnabled());
     qobject_cast<QCheckBox*>(FindControl(widget, "bool_option_enum", governing))->click();
     QVERIFY(governed->isEnabled());
 }
 
-void COptionsWidgetTest::bit7HidesTheLastComponent()
+void CGuiTest::bit7HidesTheLastComponent()
 {
     COptions options;
     COptionsWidget widget;
@@ -231,7 +235,7 @@ void COptionsWidgetTest::bit7HidesTheLastComponent()
     QCOMPARE(options.GetOption(O::eVcOptPos, CVectorOpt::eEnable), 0x0Du);
 }
 
-void COptionsWidgetTest::alignmentFollowsTheLargestType()
+void CGuiTest::alignmentFollowsTheLargestType()
 {
     COptions options;
     COptionsWidget widget;
@@ -244,7 +248,7 @@ void COptionsWidgetTest::alignmentFollowsTheLargestType()
     QCOMPARE(options.GetOption(O::ePadDataTo), 2u);
 }
 
-void COptionsWidgetTest::droppedOptionsFileIsReadWithoutPostExportActions()
+void CGuiTest::droppedOptionsFileIsReadWithoutPostExportActions()
 {
     QTemporaryDir dir;
     QFile file(dir.filePath("studio.cfg"));

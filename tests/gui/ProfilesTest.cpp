@@ -42,7 +42,7 @@ struct SPrefs
 };
 } // namespace
 
-void CProfilesTest::saveAndLoadKeepOrderAndColons()
+void CGuiTest::saveAndLoadKeepOrderAndColons()
 {
     SPrefs store("ProfilesOrder");
     CProfilesWidget saved;
@@ -54,7 +54,8 @@ void CProfilesTest::saveAndLoadKeepOrderAndColons()
 
     CProfilesWidget loaded;
     loaded.Load(store.prefs, "Profiles");
-    QCOMPARE(Captions(loaded), QStringList({"[Current]", "Default Settings", "Zeta", "Mobile: low", "Alpha"}));
+    QCOMPARE(Captions(loaded),
+             QStringList({"[Current]", "Default Settings", "Zeta", "Mobile: low", "Alpha"}));
     QCOMPARE(loaded.findProfile("Mobile: low")->getOptions().GetOption(O::eBoneLimit), 20u);
     QCOMPARE(loaded.m_sLastImportPath, QString("/imports"));
     std::vector<CQMXTString> entries;
@@ -62,7 +63,7 @@ void CProfilesTest::saveAndLoadKeepOrderAndColons()
     QCOMPARE(entries.size(), size_t(3));
 }
 
-void CProfilesTest::studioProfilesAreReadOnly()
+void CGuiTest::studioProfilesAreReadOnly()
 {
     QTemporaryDir studio;
     QFile file(studio.filePath("Studio Mobile.cfg"));
@@ -89,7 +90,7 @@ void CProfilesTest::studioProfilesAreReadOnly()
     QCOMPARE(profile->caption(), QString("Studio Mobile"));
 }
 
-void CProfilesTest::currentEntryNamesTheMatchingProfile()
+void CGuiTest::currentEntryNamesTheMatchingProfile()
 {
     CProfilesWidget list;
     list.addItem("Skinned", OptionsWithBoneLimit(40));
@@ -102,7 +103,7 @@ void CProfilesTest::currentEntryNamesTheMatchingProfile()
     QCOMPARE(list.currentOptionsItem()->text(), QString("[Current]"));
 }
 
-void CProfilesTest::recentFilesMostRecentFirst()
+void CGuiTest::recentFilesMostRecentFirst()
 {
     SPrefs store("Recent");
     CRecentFiles recent;
@@ -119,7 +120,7 @@ void CProfilesTest::recentFilesMostRecentFirst()
     QVERIFY(!loaded.Files().contains("/out/scene1.tvo"));
 }
 
-void CProfilesTest::exportedProfileImportsAlike()
+void CGuiTest::exportedProfileImportsAlike()
 {
     QTemporaryDir dir;
     CProfilesWidget list;
@@ -152,14 +153,16 @@ class CNamedProfiles : public CProfilesWidget
 // Answers the next confirmation box with the given button.
 void AnswerConfirmation(QMessageBox::StandardButton answer)
 {
-    QTimer::singleShot(0, [answer] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
-            box->button(answer)->click();
-    });
+    QTimer::singleShot(0,
+                       [answer]
+                       {
+                           if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                               box->button(answer)->click();
+                       });
 }
 } // namespace
 
-void CProfilesTest::contextActionsEditOnlyUserProfiles()
+void CGuiTest::contextActionsEditOnlyUserProfiles()
 {
     CNamedProfiles list;
     list.updateCurrentOptions(OptionsWithBoneLimit(50));

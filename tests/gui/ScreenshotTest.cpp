@@ -29,7 +29,7 @@ void SaveAndCheck(QWidget& widget, const QString& name)
 }
 } // namespace
 
-void CScreenshotTest::optionsTabsAndOutputLog()
+void CGuiTest::optionsTabsAndOutputLog()
 {
     COptions options;
     options.SetOption(COptionsData::eExportSkin, true);
@@ -42,7 +42,8 @@ void CScreenshotTest::optionsTabsAndOutputLog()
     for (int i = 0; i < tabs->count(); ++i)
     {
         tabs->setCurrentIndex(i);
-        SaveAndCheck(window, QString("options-%1").arg(i) + "-" + tabs->tabText(i).replace(' ', '-').toLower());
+        SaveAndCheck(window,
+                     QString("options-%1").arg(i) + "-" + tabs->tabText(i).replace(' ', '-').toLower());
     }
 
     CDlgOutput& out = CDlgOutput::Instance();
@@ -51,7 +52,8 @@ void CScreenshotTest::optionsTabsAndOutputLog()
     out.ClearText();
     ProgressUpdate(0, "Export stage 1");
     Log(eLogInfo, "Processing mesh %i", 0);
-    Log(eLogWarning, "Warning: '%s' has been split up into %i meshes as it uses multiple materials.", "Body", 2);
+    Log(eLogWarning, "Warning: '%s' has been split up into %i meshes as it uses multiple materials.", "Body",
+        2);
     Log(eLogError, "Error: Failed to open '%s' in '%s'.", "tvoview", "/opt");
     ProgressUpdate(75, "Final export stage");
     Log(eLogSuccess, "Complete");
