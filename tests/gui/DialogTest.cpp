@@ -52,33 +52,20 @@ void CGuiTest::launchedFromScriptTakesStoredOptions()
     QVERIFY(!AnyWindowVisible());
 }
 
-void CGuiTest::cancelReturnsFalse()
+void CGuiTest::cancelKeepsAndExportStoresTheOptions()
 {
-    COptions options;
-    bool shown = false;
-    WhenWindowOpens(
-        [&](COptionsWindow& window)
-        {
-            shown = true;
-            window.optionsWidget()->alignmentBox()->click();
-            window.cancelButton()->click();
-        });
-    QVERIFY(!DisplayOptionsDialog(options, 0, nullptr, false));
-    QVERIFY(shown);
-    QVERIFY(options.GetOption(O::eAlignData));
-}
-
-void CGuiTest::exportStoresTheOptions()
-{
-    COptions options;
-    WhenWindowOpens(
-        [](COptionsWindow& window)
-        {
-            window.optionsWidget()->alignmentBox()->click();
-            window.exportButton()->click();
-        });
-    QVERIFY(DisplayOptionsDialog(options, 0, nullptr, false));
-    QVERIFY(!options.GetOption(O::eAlignData));
+    for (bool exporting : {false, true})
+    {
+        COptions options;
+        WhenWindowOpens(
+            [exporting](COptionsWindow& window)
+            {
+                window.optionsWidget()->alignmentBox()->click();
+                (exporting ? window.exportButton() : window.cancelButton())->click();
+            });
+        QCOMPARE(DisplayOptionsDialog(options, 0, nullptr, false), exporting);
+        QCOMPARE(options.GetOption(O::eAlignData), !exporting);
+    }
     // The stored options reopen the next window, and a script run takes them.
     COptions next;
     QVERIFY(DisplayOptionsDialog(next, 0, nullptr, true));

@@ -34,11 +34,10 @@ class CGuiTest : public QObject
     void contextActionsEditOnlyUserProfiles();
     // DialogTest.cpp
     void launchedFromScriptTakesStoredOptions();
-    void cancelReturnsFalse();
-    void exportStoresTheOptions();
+    void cancelKeepsAndExportStoresTheOptions();
     void manualIsFoundBesideTheProgram();
     // ScreenshotTest.cpp
-    void optionsTabsAndOutputLog();
+    void optionsTabs();
 };
 
 // The ostrex-gui tests (OstrexGuiTest.cpp, built with the program).

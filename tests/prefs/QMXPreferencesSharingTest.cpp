@@ -1,16 +1,13 @@
-// Several stores on one file: reload on change, merging saves, and two processes hammering the file.
+// Several stores on one file: reload on change and merging saves.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include <cstdio>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "TempFiles.h"
 #include "QMXPreferences.h"
-#include "QMXPreferencesUnix.h"
 
 namespace
 {
@@ -83,68 +80,4 @@ TEST_F(PrefsSharing, PendingChangesAreNotReloadedAwayAndSavesMerge)
     EXPECT_FALSE(check.KeyExists("Profiles/Custom"));
     EXPECT_FALSE(check.KeyExists("Old"));
     EXPECT_EQ(IntAt(b, "A"), 1);
-}
-
-namespace
-{
-// One writer process: each round sets its counter, saves, and reads its own and the other's counter
-// through change tracking. Returns the number of faults seen.
-int RunWriter(int id, int rounds)
-{
-    const std::string own = "Writer" + std::to_string(id) + "/Counter";
-    const std::string other = "Writer" + std::to_string(1 - id) + "/Counter";
-    // Without the flush to disk, which only guards against power loss and is slow on a busy disk.
-    CQMXPreferences prefs("Stress", ePreferenceUser, std::make_unique<CQMXPreferencesUnix>(false));
-    CQMXTString errors;
-    if (!prefs.Load(errors, true))
-        return 1;
-    int faults = 0, lastSeen = -1;
-    for (int i = 0; i < rounds; ++i)
-    {
-        int value = -1;
-        faults += prefs.SetValue(own.c_str(), i) != 0 || !prefs.Save() ||
-                  prefs.GetValue(own.c_str(), value) != 0 || value != i;
-        const int result = prefs.GetValue(other.c_str(), value, -1);
-        // Unreadable, the other writer's counter going backwards, or a reload that met a damaged file.
-        faults += (result != 0 && result != eQMXPrefNoValue) || value < lastSeen ||
-                  !prefs.GetLastLoadMessages().empty();
-        lastSeen = value;
-    }
-    return faults;
-}
-} // namespace
-
-TEST_F(PrefsSharing, TwoProcessesWritingAndReadingTheSameFile)
-{
-    const int rounds = 500;
-    {
-        CQMXPreferences create("Stress");
-        LoadOrFail(create, false);
-    }
-    pid_t children[2];
-    for (int id = 0; id < 2; ++id)
-    {
-        children[id] = fork();
-        ASSERT_GE(children[id], 0);
-        if (children[id] == 0)
-        {
-            const int faults = RunWriter(id, rounds);
-            if (faults)
-                std::fprintf(stderr, "writer %d: %d faults\n", id, faults);
-            _exit(faults ? 1 : 0);
-        }
-    }
-    for (pid_t child : children)
-    {
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status)) << "writer crashed";
-        EXPECT_EQ(WEXITSTATUS(status), 0);
-    }
-    CQMXPreferences check("Stress");
-    LoadOrFail(check, false);
-    EXPECT_EQ(IntAt(check, "Writer0/Counter"), rounds - 1);
-    EXPECT_EQ(IntAt(check, "Writer1/Counter"), rounds - 1);
-    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"),
-              std::vector<std::string>{"com.veldra.Stress.plist"});
 }
