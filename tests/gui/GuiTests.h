@@ -16,10 +16,8 @@ class CGuiTest : public QObject
     void progressBar();
     // OptionsWidgetTest.cpp
     void everyControlRoundTripsItsOption();
-    void primitiveTypeTable_data();
-    void primitiveTypeTable();
-    void sortingMethodTable_data();
-    void sortingMethodTable();
+    void choiceLists_data();
+    void choiceLists();
     void controlsFollowTheirGoverningOption_data();
     void controlsFollowTheirGoverningOption();
     void bit7HidesTheLastComponent();
