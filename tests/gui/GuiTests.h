@@ -24,8 +24,7 @@ class CGuiTest : public QObject
     void alignmentFollowsTheLargestType();
     void droppedOptionsFileIsReadWithoutPostExportActions();
     // ProfilesTest.cpp
-    void saveAndLoadKeepOrderAndColons();
-    void studioProfilesAreReadOnly();
+    void studioProfilesAreReadOnlyAndNotStored();
     void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
     void exportedProfileImportsAlike();

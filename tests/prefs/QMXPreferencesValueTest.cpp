@@ -2,8 +2,6 @@
 // lists, binary data, key removal, and what each leaves in the written XML.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -95,16 +93,6 @@ TEST_F(PrefsValues, ResultCodesAndDefaults)
     // A path that runs through a value which is not a dict.
     EXPECT_EQ(prefs.GetValue("Number/Deeper", value, 3), eQMXPrefIncorrectType);
     EXPECT_EQ(prefs.SetValue("Number/Deeper", 3), eQMXPrefIncorrectType);
-
-    // A set that was never loaded answers every call with the critical code and writes no file.
-    CQMXPreferences notLoaded("Other");
-    EXPECT_EQ(notLoaded.GetValue("A", value, 11), eQMXPrefCriticalError);
-    EXPECT_EQ(value, 11);
-    EXPECT_EQ(notLoaded.SetValue("A", 1), eQMXPrefCriticalError);
-    EXPECT_EQ(notLoaded.ClearKey("A"), eQMXPrefCriticalError);
-    EXPECT_FALSE(notLoaded.KeyExists("A"));
-    EXPECT_FALSE(notLoaded.Save(true));
-    EXPECT_FALSE(std::filesystem::exists(home.PrefsFile("Other")));
 }
 
 TEST_F(PrefsValues, UnparsableOrEmptyElementsInTheFile)
