@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <numeric>
 #include <set>
 #include <string>
@@ -287,24 +286,6 @@ TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
     CQMXTModelTVO unmerged;
     ASSERT_TRUE(Export(second, merge, Path("unmerged.tvo"), unmerged));
     EXPECT_EQ(unmerged.pMaterial[0].eBlendSrcRGB, 1u);
-}
-
-TEST_F(EndToEnd, SourceFormsCarryTheOptionsAndHistory)
-{
-    SContent content;
-    content.AddNode(MeshNode("Cube", CubeGeometry()));
-    COptions options;
-    options.SetOption(COptionsData::eExpFormat, eExportFormatHeader);
-    options.SetOption(COptionsData::eBoneLimit, 7u);
-    CTVO tvo;
-    ASSERT_TRUE(tvo.Process(content, options));
-    ASSERT_TRUE(tvo.Write(Path("my-scene.h").c_str(), options, "one\ntwo", false));
-    const std::string h = ReadAll(Path("my-scene.h"));
-    EXPECT_EQ(h.rfind("/*\n\tExpOpt{\nbFlipTextureV=0\n", 0), 0u);
-    EXPECT_NE(h.find("\t}ExpOpt\n\n\tHistory{\none\ntwo\n\t}History\n*/\n"), std::string::npos);
-    COptions back;
-    EXPECT_GT(back.ReadConfig(Path("my-scene.h").c_str()), 0);
-    EXPECT_EQ(back.GetOption(COptionsData::eBoneLimit), 7u);
 }
 
 TEST_F(EndToEnd, FailuresAreReportedByTheirTexts)

@@ -199,23 +199,18 @@ TEST(OptionsOperators, EqualityNoticesEveryOption)
     // non-default text differs from the default one is applied alone, and must be noticed.
     COptionsData base;
     base.SetOption(O::eUseCustomOptSettings, true);
-    const std::string changedText = NonDefaultOptions().ToString().c_str();
-    const std::string baseText = base.ToString().c_str();
-    size_t a = 0, b = 0;
+    std::istringstream changedLines(NonDefaultOptions().ToString().c_str()),
+        baseLines(base.ToString().c_str());
     int differing = 0;
-    while (a < changedText.size() && b < baseText.size())
+    for (std::string line, baseLine; std::getline(changedLines, line) && std::getline(baseLines, baseLine);)
     {
-        const std::string changedLine = changedText.substr(a, changedText.find('\n', a) + 1 - a);
-        const std::string baseLine = baseText.substr(b, baseText.find('\n', b) + 1 - b);
-        a += changedLine.size();
-        b += baseLine.size();
-        if (changedLine == baseLine)
+        if (line == baseLine)
             continue;
         ++differing;
         COptionsData changed(base);
-        ASSERT_EQ(changed.SetFromString(changedLine.c_str()), 1) << changedLine;
-        EXPECT_TRUE(changed != base) << changedLine;
-        EXPECT_FALSE(changed == base) << changedLine;
+        ASSERT_EQ(changed.SetFromString(line.c_str()), 1) << line;
+        EXPECT_TRUE(changed != base) << line;
+        EXPECT_FALSE(changed == base) << line;
     }
     EXPECT_GE(differing, 70); // every table and every field of the vertex formats took part
 }
