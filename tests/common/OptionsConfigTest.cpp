@@ -60,11 +60,6 @@ TEST_F(OptionsConfig, EveryFormCarriesEveryOption)
         EXPECT_EQ(read.ReadConfig(PathOf(name).c_str()), kOptionLines) << name;
         EXPECT_TRUE(static_cast<const COptionsData&>(read) == source) << name;
     }
-    WriteAll(PathOf("options.TXT"), "bMerge=1\nexportGeom=0\n");
-    COptions options;
-    EXPECT_EQ(options.ReadConfig(PathOf("options.TXT").c_str()), 2);
-    EXPECT_TRUE(options.GetOption(O::eMerge));
-    EXPECT_FALSE(options.GetOption(O::eExportGeometry));
 }
 
 TEST_F(OptionsConfig, OnlyTheFirst10239BytesCountAndOtherFilesGiveNothing)

@@ -87,14 +87,19 @@ TEST(OptionsText, EveryOptionRoundTrips)
     EXPECT_STREQ(parsed.ToString().c_str(), text.c_str());
 }
 
-TEST(OptionsText, FloatKeepsTwoDecimals)
+TEST(OptionsText, RealsKeepTwoDecimalsAndLineBreaksInStringsCannotInjectOptions)
 {
     COptionsData options;
+    options.SetOption(O::eTangentSpaceVtxSplit, -0.125f); // a tie rounds as printf does, to even
+    options.SetOption(O::eClPostArgs, CQMXTString("a\nbMerge=1\r\nb"));
+    const std::string text = options.ToString().c_str();
+    EXPECT_NE(text.find("fTangentSpaceVtxSplit=-0.12\n"), std::string::npos);
+    EXPECT_NE(text.find("sClPostArgs=a bMerge=1  b\n"), std::string::npos);
+    COptionsData parsed;
+    parsed.SetFromString(text.c_str());
+    EXPECT_FALSE(parsed.GetOption(O::eMerge));
     options.SetOption(O::eTangentSpaceVtxSplit, 0.3456f);
     EXPECT_NE(std::string(options.ToString().c_str()).find("fTangentSpaceVtxSplit=0.35\n"),
-              std::string::npos);
-    options.SetOption(O::eTangentSpaceVtxSplit, -0.125f); // a tie rounds as printf does, to even
-    EXPECT_NE(std::string(options.ToString().c_str()).find("fTangentSpaceVtxSplit=-0.12\n"),
               std::string::npos);
 }
 
@@ -172,23 +177,7 @@ TEST(OptionsText, LinesAreReadByNameAliasOrIdAndTheRestIsSkipped)
     EXPECT_EQ(options.GetOption(O::eVcOptBoneInd, CVectorOpt::eEnable), 0x07u);
     for (int i = 0; i < O::eNumVectorFormats; ++i)
         EXPECT_EQ(O::AllowedMask(static_cast<O::EVectorFormats>(i)), i >= 4 && i <= 6 ? 0x0Fu : 0x8Fu);
-}
-
-TEST(OptionsText, LineBreaksInStringsCannotInjectOptions)
-{
-    COptionsData options;
-    options.SetOption(O::eClPostArgs, CQMXTString("a\nbMerge=1\r\nb"));
-    const std::string text = options.ToString().c_str();
-    EXPECT_NE(text.find("sClPostArgs=a bMerge=1  b\n"), std::string::npos);
-    COptionsData parsed;
-    parsed.SetFromString(text.c_str());
-    EXPECT_FALSE(parsed.GetOption(O::eMerge));
-}
-
-TEST(OptionsText, AHugeValueIsReadWhole)
-{
-    COptionsData options;
-    const std::string huge = "sClPostArgs=" + std::string(4u << 20, 'x');
+    const std::string huge = "sClPostArgs=" + std::string(4u << 20, 'x'); // a huge value is read whole
     EXPECT_EQ(options.SetFromString(huge.c_str()), 1);
     EXPECT_EQ(options.GetOption(O::eClPostArgs).length(), 4u << 20);
 }

@@ -25,13 +25,11 @@ class CGuiTest : public QObject
     void droppedOptionsFileIsReadWithoutPostExportActions();
     // ProfilesTest.cpp
     void studioProfilesAreReadOnlyAndNotStored();
-    void currentEntryNamesTheMatchingProfile();
     void recentFilesMostRecentFirst();
     void exportedProfileImportsAlike();
     void contextActionsEditOnlyUserProfiles();
     // DialogTest.cpp
-    void launchedFromScriptTakesStoredOptions();
-    void cancelKeepsAndExportStoresTheOptions();
+    void cancelKeepsAndExportStoresTheOptionsForScriptRuns();
     void manualIsFoundBesideTheProgram();
     // ScreenshotTest.cpp
     void optionsTabs();

@@ -163,12 +163,9 @@ void CGuiTest::controlsFollowTheirGoverningOption_data()
     QTest::addColumn<QByteArray>("property"); // empty: a vertex-format row
     QTest::addColumn<int>("index");
     QTest::newRow("vertex splitting") << int(O::eTangentSpace) << QByteArray("float_option_enum") << 0;
-    QTest::newRow("tangent UVW set") << int(O::eTangentSpace) << QByteArray("int_option_enum")
-                                     << int(O::eTSUseUVW);
     QTest::newRow("tangent row") << int(O::eTangentSpace) << QByteArray() << int(O::eVcOptTan);
     QTest::newRow("palette size") << int(O::eExportSkin) << QByteArray("int_option_enum")
                                   << int(O::eBoneLimit);
-    QTest::newRow("bone weights row") << int(O::eExportSkin) << QByteArray() << int(O::eVcOptBoneWt);
     QTest::newRow("UVW 3 row") << int(O::eExportMappingChannels) << QByteArray() << int(O::eVcOptUVW3);
     QTest::newRow("animation index") << int(O::eExportAnimations) << QByteArray("bool_option_enum")
                                      << int(O::eIndexAnimations);

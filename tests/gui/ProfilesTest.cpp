@@ -73,19 +73,6 @@ void CGuiTest::studioProfilesAreReadOnlyAndNotStored()
     QCOMPARE(profile->caption(), QString("Studio Mobile"));
 }
 
-void CGuiTest::currentEntryNamesTheMatchingProfile()
-{
-    CProfilesWidget list;
-    list.addItem("Skinned", OptionsWithBoneLimit(40));
-    QSignalSpy used(&list, &CProfilesWidget::useOptions);
-    list.setCurrentItem(list.findProfile("Skinned"));
-    list.useProfile();
-    QCOMPARE(used.count(), 1);
-    QCOMPARE(list.currentOptionsItem()->text(), QString("[Current] - Skinned"));
-    list.updateCurrentOptions(OptionsWithBoneLimit(41));
-    QCOMPARE(list.currentOptionsItem()->text(), QString("[Current]"));
-}
-
 void CGuiTest::recentFilesMostRecentFirst()
 {
     SPrefs store("Recent");
