@@ -214,9 +214,6 @@ TEST_F(PrefsValues, KeysExistAndClear)
     EXPECT_TRUE(prefs.KeyExists("P/Custom/0:a"));
     EXPECT_TRUE(prefs.KeyExists("/P/Custom/1:b/X/"));
     EXPECT_FALSE(prefs.KeyExists("P/Custom/2:c"));
-    CQMXTString first;
-    EXPECT_EQ(prefs.GetFirstKey("P/Custom", first), 0);
-    EXPECT_STREQ(first.c_str(), "0:a");
 
     EXPECT_EQ(prefs.ClearKey("P/Custom/"), 0);
     EXPECT_FALSE(prefs.KeyExists("P/Custom/0:a/X"));
