@@ -1,7 +1,7 @@
-// Source wrapping: the exact text of header, word array, string literal, footer and file output.
+// Source wrapping: the exact text of header, word array, footer and file output as the exporter
+// writes them, and in one test the forms only other users of the wrapper ask for.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -10,79 +10,27 @@
 #include "Log.h"
 #include "SceneFixtures.h"
 
-namespace
+TEST(Bintuck, HeaderAndNamesFromPaths)
 {
-size_t CountOf(const std::string& text, const std::string& what)
-{
-    size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
-}
-
-} // namespace
-
-TEST(Bintuck, HeaderWithAndWithoutRegistration)
-{
-    std::ostringstream plain;
-    WriteHeader(plain, 0);
-    EXPECT_EQ(plain.str(), "// This file was created by Bintuck 1.1\n"
-                           "// Little endian mode\n"
-                           "// DO NOT EDIT\n\n"
-                           "#include \"../QMXTMemoryFileSystem.h\"\n\n"
-                           "// using 32 bit to guarantee alignment.\n"
-                           "#ifndef A32BIT\n"
-                           " #define A32BIT static const unsigned int\n"
-                           "#endif\n\n");
-    std::ostringstream bare;
-    WriteHeader(bare, eBintuckNoRegistration | eBintuckBigEndian);
-    EXPECT_EQ(bare.str(), "// This file was created by Bintuck 1.1\n"
-                          "// Big endian mode\n"
-                          "// DO NOT EDIT\n\n"
-                          "// using 32 bit to guarantee alignment.\n"
-                          "#ifndef A32BIT\n"
-                          " #define A32BIT static const unsigned int\n"
-                          "#endif\n\n");
-}
-
-TEST(Bintuck, NamesFromPaths)
-{
+    std::ostringstream header;
+    WriteHeader(header, 0);
+    EXPECT_EQ(header.str(), "// This file was created by Bintuck 1.1\n"
+                            "// Little endian mode\n"
+                            "// DO NOT EDIT\n\n"
+                            "#include \"../QMXTMemoryFileSystem.h\"\n\n"
+                            "// using 32 bit to guarantee alignment.\n"
+                            "#ifndef A32BIT\n"
+                            " #define A32BIT static const unsigned int\n"
+                            "#endif\n\n");
     EXPECT_EQ(BaseName("/tmp/out/scene.tvo"), "scene.tvo");
     EXPECT_EQ(BaseName("C:\\data\\scene.tvo"), "scene.tvo");
     EXPECT_EQ(BaseName("dir/sub\\x.tvo"), "x.tvo");
     EXPECT_EQ(BaseName("plain"), "plain");
-    EXPECT_EQ(FileToVarName("scene.tvo"), "_scene_tvo");
     EXPECT_EQ(FileToVarName("my-scene.tvo"), "_my_scene_tvo");
     EXPECT_EQ(FileToVarName("a b+1.TVO"), "_a_b_1_TVO");
 }
 
-TEST(Bintuck, WordsAreHexSixtyFourALineInTheChosenByteOrder)
-{
-    std::vector<uint8_t> data(256 * 4);
-    for (size_t i = 0; i < data.size(); ++i)
-        data[i] = static_cast<uint8_t>(i);
-    std::ostringstream little;
-    WriteBinary(little, data.data(), data.size(), "scene.tvo", "_scene_tvo", 0);
-    const std::string text = little.str();
-    EXPECT_EQ(text.rfind("A32BIT _scene_tvo[] = {\n0x3020100,0x7060504,", 0), 0u);
-    EXPECT_EQ(CountOf(text, "\n0x"), 4u); // 256 words: four lines of 64
-    EXPECT_EQ(CountOf(text, ","), 256u);
-    std::istringstream lines(text);
-    std::string line;
-    std::getline(lines, line); // the declaration
-    for (int i = 0; i < 4; ++i)
-    {
-        ASSERT_TRUE(std::getline(lines, line));
-        EXPECT_EQ(CountOf(line, ","), 64u) << i;
-    }
-    EXPECT_EQ(text.substr(text.size() - 5), "\n};\n\n");
-
-    std::ostringstream big;
-    WriteBinary(big, data.data(), 8, "scene.tvo", "_scene_tvo", eBintuckBigEndian);
-    EXPECT_EQ(big.str(), "A32BIT _scene_tvo[] = {\n0x10203,0x4050607,\n};\n\n");
-}
-
-TEST(Bintuck, ShortTailsArePaddedAndTheTrueSizeIsRegistered)
+TEST(Bintuck, ShortTailsArePaddedSixtyFourWordsALineAndTheTrueSizeIsRegistered)
 {
     const uint8_t data[5] = {0xff, 0, 0, 0, 0x01};
     std::ostringstream out;
@@ -95,56 +43,52 @@ TEST(Bintuck, ShortTailsArePaddedAndTheTrueSizeIsRegistered)
         "// Register my-scene.tvo in memory file system at application startup time\n"
         "static CQMXTMemoryFileSystem RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, 5);\n\n"
         "// ******** End: my-scene.tvo ********\n\n");
-    std::ostringstream plain;
-    WriteDataFooter(plain, 5, "my-scene.tvo", "_my_scene_tvo", eBintuckNoRegistration);
-    EXPECT_EQ(plain.str(), "static int _my_scene_tvo_size = 5;\n\n");
 
+    const std::vector<uint8_t> zeros(65 * 4);
+    std::ostringstream lines;
+    WriteBinary(lines, zeros.data(), zeros.size(), "z", "_z", 0);
+    std::string line;
+    for (int i = 0; i < 64; ++i)
+        line += "0x0,";
+    EXPECT_EQ(lines.str(), "A32BIT _z[] = {\n" + line + "\n0x0,\n};\n\n");
     std::ostringstream empty;
     WriteBinary(empty, nullptr, 0, "e", "_e", 0);
     EXPECT_EQ(empty.str(), "A32BIT _e[] = {\n0x0,\n};\n\n");
 }
 
-TEST(Bintuck, TextFormEscapesAndBreaksLinesAfterNewlines)
+TEST(Bintuck, FileOutWritesTheTextOrLogsTheFailure)
 {
+    const CTempDir dir;
+    std::ostringstream text;
+    text << "int x;\n";
+    ASSERT_TRUE(FileOut((dir / "out.h").c_str(), text, std::ios_base::trunc));
+    EXPECT_EQ(ReadAll(dir / "out.h"), "int x;\n");
+    CRecordingLogSink sink;
+    const std::string noDir = dir / "no/such/dir/out.h";
+    EXPECT_FALSE(FileOut(noDir.c_str(), text, std::ios_base::trunc));
+    EXPECT_TRUE(sink.Has(eLogError, "Could not open output file " + noDir));
+}
+
+// Big-endian words, plain data without registration and the string-literal form.
+TEST(Bintuck, FormsForOtherUsers)
+{
+    const uint8_t bytes[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+    std::ostringstream big;
+    WriteBinary(big, bytes, 8, "scene.tvo", "_scene_tvo", eBintuckBigEndian);
+    EXPECT_EQ(big.str(), "A32BIT _scene_tvo[] = {\n0x10203,0x4050607,\n};\n\n");
+    std::ostringstream header;
+    WriteHeader(header, eBintuckNoRegistration | eBintuckBigEndian);
+    EXPECT_EQ(header.str().find("#include"), std::string::npos);
+    EXPECT_NE(header.str().find("// Big endian mode\n"), std::string::npos);
+    std::ostringstream plain;
+    WriteDataFooter(plain, 5, "my-scene.tvo", "_my_scene_tvo", eBintuckNoRegistration);
+    EXPECT_EQ(plain.str(), "static int _my_scene_tvo_size = 5;\n\n");
+
     const std::string input = std::string("a\\b\"c\td\n\x01"
                                           "F\x7f") +
                               std::string(1, '\0') + "\a\r\f\v";
-    std::ostringstream out;
-    WriteString(out, reinterpret_cast<const uint8_t*>(input.data()), input.size(), "t.txt", "_t_txt", 0);
-    EXPECT_EQ(out.str(), "static const char _t_txt[] = "
-                         "\n\t\"a\\\\b\\\"c\\td\\n\"\n\t\"\\x01\"\"F\\x7f\\x00\\a\\r\\f\\v\";\n\n");
-    std::ostringstream none;
-    WriteString(none, nullptr, 0, "t.txt", "_t_txt", 0);
-    EXPECT_EQ(none.str(), "static const char _t_txt[] = \"\";\n\n");
-}
-
-TEST(Bintuck, WrapFilesWritesHeaderAndEveryFileOrReportsTheFailure)
-{
-    const CTempDir dir;
-    const std::string input = dir / "in.tvo";
-    const std::string output = dir / "out.h";
-    {
-        std::ofstream f(input, std::ios::binary);
-        f.write("ABCDEFGH", 8);
-    }
-    const char* names[] = {input.c_str()};
-    ASSERT_TRUE(WrapFiles(output.c_str(), std::ios_base::trunc, 0, 1, names));
-    const std::string text = ReadAll(output);
-    const std::string base = BaseName(input);
-    EXPECT_EQ(text.rfind("// This file was created by Bintuck 1.1\n", 0), 0u);
-    EXPECT_NE(text.find("// ******** Start: " + base + " ********\n\n// File data\nA32BIT " +
-                        FileToVarName(base) + "[] = {\n0x44434241,0x48474645,\n};\n\n"),
-              std::string::npos);
-    EXPECT_NE(text.find("// ******** End: " + base + " ********\n\n"), std::string::npos);
-
-    CRecordingLogSink sink;
-    const std::string missing = dir / "missing.tvo";
-    const char* bad[] = {missing.c_str()};
-    EXPECT_FALSE(WrapFiles(output.c_str(), std::ios_base::trunc, 0, 1, bad));
-    EXPECT_TRUE(sink.Has(eLogError, "Could not open " + missing + " for reading\n"));
-    EXPECT_EQ(ReadAll(output), text); // the earlier output is untouched
-
-    const std::string noDir = dir / "no/such/dir/out.h";
-    EXPECT_FALSE(WrapFiles(noDir.c_str(), std::ios_base::trunc, 0, 1, names));
-    EXPECT_TRUE(sink.Has(eLogError, "Could not open output file " + noDir));
+    std::ostringstream literal;
+    WriteString(literal, reinterpret_cast<const uint8_t*>(input.data()), input.size(), "t.txt", "_t_txt", 0);
+    EXPECT_EQ(literal.str(), "static const char _t_txt[] = "
+                             "\n\t\"a\\\\b\\\"c\\td\\n\"\n\t\"\\x01\"\"F\\x7f\\x00\\a\\r\\f\\v\";\n\n");
 }

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <numeric>
 #include <set>
 #include <string>
+#include <vector>
 #include <unistd.h>
 
 #include "Log.h"
@@ -72,51 +72,47 @@ TEST_F(EndToEnd, CubeWeldsTo24VerticesAndEveryStageIsReported)
     ASSERT_NE(m.pInterleaved, nullptr);
     EXPECT_EQ(m.sVertex.nStride, 12u + 12u + 8u); // positions, normals, two uv components
 
-    const std::vector<CRecordingLogSink::SProgress> expectedProgress = {
-        {0, "Export stage 1"},      {0, "Cube"},    {40, "Export stage 2"}, {50, "Export stage 3"},
-        {75, "Final export stage"}, {95, "Saving"}, {100, "Complete"}};
-    ASSERT_EQ(sink.progress.size(), expectedProgress.size());
-    for (size_t i = 0; i < expectedProgress.size(); ++i)
-    {
-        EXPECT_EQ(sink.progress[i].percent, expectedProgress[i].percent) << i;
-        EXPECT_EQ(sink.progress[i].text, expectedProgress[i].text) << i;
-    }
+    std::string steps;
+    for (const CRecordingLogSink::SProgress& step : sink.progress)
+        steps += std::to_string(step.percent) + " " + step.text + "\n";
+    EXPECT_EQ(steps, "0 Export stage 1\n0 Cube\n40 Export stage 2\n50 Export stage 3\n75 Final export stage\n"
+                     "95 Saving\n100 Complete\n");
     EXPECT_EQ(sink.Count("Complete"), 4);
     EXPECT_TRUE(sink.Has(eLogInfo, "Processing mesh 0"));
 
-    // The options text and history travel in the file.
-    char text[10240] = {0};
-    char history[64] = {0};
-    ASSERT_EQ(CQMXTModelTVO().ReadFromFile(Path("cube.tvo").c_str(), text, sizeof text - 1, history,
-                                           sizeof history - 1),
-              0);
-    EXPECT_EQ(std::string(text), std::string(options.ToString().c_str()));
-    EXPECT_STREQ(history, "test history");
+    CQMXTModelTVO empty;
+    ASSERT_TRUE(Export(SContent(), options, Path("empty.tvo"), empty));
+    EXPECT_EQ(empty.nNumNode + empty.nNumMesh, 0u);
 }
 
-TEST_F(EndToEnd, AnimatedTracksStayStillOnesGoAndIndexingShrinksThem)
+TEST_F(EndToEnd, StillTracksGoIndexingShrinksTracksAndWorldSpaceTakesTheStaticFrame)
 {
+    // A still node, one swinging between two places, and a cube sliding along x by 10 a frame.
     SContent content;
     content.info.endFrame = 9;
     CNode still = Plain("still", 1, 1, 1);
     CNode swing = Plain("swing", 0, 0, 0);
+    CNode cube = MeshNode("Cube", CubeGeometry());
     for (int f = 0; f < 10; ++f)
     {
         still.frames.push_back(still.tm);
         SNodeTM t = swing.tm;
         t.pos[1] = (f % 2) ? 1.0f : -1.0f;
         swing.frames.push_back(t);
+        t.pos[0] = 10.0f * static_cast<float>(f), t.pos[1] = 0.0f;
+        cube.frames.push_back(t);
     }
     content.AddNode(still);
     content.AddNode(swing);
+    content.AddNode(cube);
     COptions options;
     options.SetOption(COptionsData::eExportAnimations, true);
     options.SetOption(COptionsData::eIndexAnimations, true);
     CQMXTModelTVO indexed;
     ASSERT_TRUE(Export(content, options, Path("indexed.tvo"), indexed));
     EXPECT_EQ(indexed.nNumFrame, 10u);
-    EXPECT_EQ(indexed.pNode[0].nAnimationFlags, 0u);
-    const STVONode& n = indexed.pNode[1];
+    EXPECT_EQ(indexed.pNode[1].nAnimationFlags, 0u); // the mesh node comes first
+    const STVONode& n = indexed.pNode[2];
     EXPECT_EQ(n.nAnimationFlags, unsigned(eTVOHasPositionAnimation));
     ASSERT_NE(n.pnAnimPositionIdx, nullptr);
     EXPECT_EQ(QMXTModelTVOGetAnimArraySize(n.pnAnimPositionIdx, 10, 3), 6u);
@@ -124,43 +120,28 @@ TEST_F(EndToEnd, AnimatedTracksStayStillOnesGoAndIndexingShrinksThem)
     indexed.SetFrame(3.0f);
     indexed.GetTranslation(p, n);
     EXPECT_EQ(p.y, 1.0f);
-}
 
-TEST_F(EndToEnd, WorldSpaceFlattensAtTheStaticFrame)
-{
-    SContent content;
-    content.info.endFrame = 3;
-    CNode cube = MeshNode("Cube", CubeGeometry());
-    for (int f = 0; f < 4; ++f)
-    {
-        SNodeTM t;
-        t.pos[0] = 10.0f * static_cast<float>(f);
-        cube.frames.push_back(t);
-    }
-    content.AddNode(cube);
-    COptions options;
-    options.SetOption(COptionsData::eExportModelSpace, false);
-    options.SetOption(COptionsData::eStaticFrame, 2u);
+    COptions world;
+    world.SetOption(COptionsData::eExportModelSpace, false);
     auto minX = [](const CQMXTModelTVO& m)
     {
         float lowest = 1e30f;
         for (uint32_t v = 0; v < m.pMesh[0].nNumVertex; ++v)
         {
-            float p[4];
-            ReadVertex(m.pMesh[0], m.pMesh[0].sVertex, v, p);
-            lowest = std::fmin(lowest, p[0]);
+            float q[4];
+            ReadVertex(m.pMesh[0], m.pMesh[0].sVertex, v, q);
+            lowest = std::fmin(lowest, q[0]);
         }
         return lowest;
     };
-    CQMXTModelTVO world;
-    ASSERT_TRUE(Export(content, options, Path("world.tvo"), world));
-    EXPECT_EQ(world.nNumFrame, 4u); // frames are kept for flattening even without animation export
-    EXPECT_FLOAT_EQ(minX(world), 19.5f);
-
-    options.SetOption(COptionsData::eStaticFrame, 4u); // beyond the frames: frame 0
-    CQMXTModelTVO atZero;
-    ASSERT_TRUE(Export(content, options, Path("world0.tvo"), atZero));
-    EXPECT_FLOAT_EQ(minX(atZero), -0.5f);
+    for (const auto& [frame, x] : {std::pair<uint32_t, float>{2, 19.5f}, {10, -0.5f}}) // beyond the frames: 0
+    {
+        world.SetOption(COptionsData::eStaticFrame, frame);
+        CQMXTModelTVO flat;
+        ASSERT_TRUE(Export(content, world, Path("world.tvo"), flat));
+        EXPECT_EQ(flat.nNumFrame, 10u); // frames are kept for flattening even without animation export
+        EXPECT_FLOAT_EQ(minX(flat), x) << frame;
+    }
 }
 
 TEST_F(EndToEnd, DirectXMirrorsZReversesWindingAndFlipsV)
@@ -179,37 +160,30 @@ TEST_F(EndToEnd, DirectXMirrorsZReversesWindingAndFlipsV)
     CQMXTModelTVO a, b;
     ASSERT_TRUE(Export(content, gl, Path("gl.tvo"), a));
     ASSERT_TRUE(Export(content, dx, Path("dx.tvo"), b));
-    EXPECT_EQ(b.pNode[0].pfAnimPosition[0], 1.0f);
-    EXPECT_EQ(b.pNode[0].pfAnimPosition[1], 2.0f);
-    EXPECT_EQ(b.pNode[0].pfAnimPosition[2], -3.0f);
+    const float* p = b.pNode[0].pfAnimPosition;
+    EXPECT_EQ(std::vector<float>(p, p + 3), (std::vector<float>{1, 2, -3}));
     EXPECT_EQ(b.pNode[0].pfAnimScale[2], 4.0f);
     const STVOMesh& ma = a.pMesh[0];
     const STVOMesh& mb = b.pMesh[0];
     ASSERT_EQ(ma.nNumVertex, mb.nNumVertex);
     ASSERT_EQ(ma.nNumFaces, mb.nNumFaces);
-    for (uint32_t t = 0; t < ma.nNumFaces; ++t)
+    for (uint32_t k = 0; k < 3 * ma.nNumFaces; ++k) // the same triangles with corners 1 and 2 swapped
+        EXPECT_EQ(Index(mb, k), Index(ma, k - k % 3 + (3 - k % 3) % 3)) << k;
+    // Component c of every vertex becomes offset - c; the other components stay.
+    auto mirrored = [&](const CTVOData& da, const CTVOData& db, uint32_t c, float offset)
     {
-        // Same triangle, corners 1 and 2 swapped.
-        EXPECT_EQ(Index(mb, 3 * t), Index(ma, 3 * t));
-        EXPECT_EQ(Index(mb, 3 * t + 1), Index(ma, 3 * t + 2));
-        EXPECT_EQ(Index(mb, 3 * t + 2), Index(ma, 3 * t + 1));
-    }
-    for (uint32_t v = 0; v < ma.nNumVertex; ++v)
-    {
-        float pa[4], pb[4], na[4], nb[4], ua[4], ub[4];
-        ReadVertex(ma, ma.sVertex, v, pa);
-        ReadVertex(mb, mb.sVertex, v, pb);
-        ReadVertex(ma, ma.sNormals, v, na);
-        ReadVertex(mb, mb.sNormals, v, nb);
-        ReadVertex(ma, ma.psUVW[0], v, ua);
-        ReadVertex(mb, mb.psUVW[0], v, ub);
-        EXPECT_EQ(pb[0], pa[0]);
-        EXPECT_EQ(pb[2], -pa[2]);
-        EXPECT_EQ(nb[1], na[1]);
-        EXPECT_EQ(nb[2], -na[2]);
-        EXPECT_EQ(ub[0], ua[0]);
-        EXPECT_EQ(ub[1], 1.0f - ua[1]);
-    }
+        for (uint32_t v = 0; v < ma.nNumVertex; ++v)
+        {
+            float pa[4], pb[4];
+            ReadVertex(ma, da, v, pa);
+            ReadVertex(mb, db, v, pb);
+            for (uint32_t k = 0; k < da.n; ++k)
+                EXPECT_EQ(pb[k], k == c ? offset - pa[k] : pa[k]) << v;
+        }
+    };
+    mirrored(ma.sVertex, mb.sVertex, 2, 0.0f);
+    mirrored(ma.sNormals, mb.sNormals, 2, 0.0f);
+    mirrored(ma.psUVW[0], mb.psUVW[0], 1, 1.0f);
 }
 
 TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
@@ -231,40 +205,26 @@ TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
     options.SetOption(COptionsData::eBoneLimit, 9u);
     CQMXTModelTVO model;
     ASSERT_TRUE(Export(content, options, Path("tube.tvo"), model));
-    // Content given up to the builder builds the same scene and loses its geometry on the way.
-    CTVO kept, given;
-    SContent spare = content;
-    ASSERT_TRUE(kept.Process(content, options));
-    ASSERT_TRUE(given.Process(std::move(spare), options));
-    EXPECT_EQ(DescribeModelDifference(*kept.Scene(), *given.Scene()), "");
-    ASSERT_EQ(spare.nodes.size(), content.nodes.size());
-    EXPECT_TRUE(spare.nodes.back().geom.faces.empty());
-    EXPECT_TRUE(spare.nodes.back().modifiers.empty());
     ASSERT_EQ(model.nNumMesh, 1u);
     const STVOMesh& m = model.pMesh[0];
     const CQMXTBoneBatches& bb = m.sBoneBatch;
     ASSERT_GE(bb.nBatchCnt, 2u);
     EXPECT_EQ(bb.nBatchBoneMax, 9u);
-    EXPECT_EQ(bb.pnBatchOffset[0], 0u);
     std::set<std::string> named;
     for (uint32_t b = 0; b < bb.nBatchCnt; ++b)
     {
-        EXPECT_LE(bb.pnBatchBoneCnt[b], 9u);
         const uint32_t first = bb.pnBatchOffset[b];
         const uint32_t end = b + 1 < bb.nBatchCnt ? bb.pnBatchOffset[b + 1] : m.nNumFaces;
-        ASSERT_LT(first, end);
         for (uint32_t t = first; t < end; ++t)
             for (int c = 0; c < 3; ++c)
             {
                 const uint32_t v = Index(m, 3 * t + c);
-                float pos[4], idx[4], wt[4];
+                float pos[4], idx[4];
                 ReadVertex(m, m.sVertex, v, pos);
                 ReadVertex(m, m.sBoneIdx, v, idx);
-                ReadVertex(m, m.sBoneWeight, v, wt);
                 // The tube's ring (its y) says which content bones weight this vertex.
                 const int ring = static_cast<int>(std::lround(pos[1]));
                 const int expected = ring * 12 / (rings + 1);
-                ASSERT_GT(wt[0], 0.0f);
                 const uint32_t local = static_cast<uint32_t>(idx[0]);
                 ASSERT_LT(local, bb.pnBatchBoneCnt[b]);
                 const uint32_t node = bb.pnBatches[b * bb.nBatchBoneMax + local];
@@ -274,6 +234,11 @@ TEST_F(EndToEnd, SkinnedTubeIsBatchedWithTablesNamingBoneNodes)
             }
     }
     EXPECT_EQ(named.size(), 12u);
+
+    options.SetOption(COptionsData::eBoneLimit, 0u); // no palette: exported without batches
+    CTVO unbatched;
+    ASSERT_TRUE(unbatched.Process(content, options));
+    EXPECT_EQ(unbatched.Scene()->pMesh[0].sBoneBatch.nBatchCnt, 0u);
 }
 
 TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
@@ -283,16 +248,15 @@ TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
     SMaterial wood;
     wood.name = "wood";
     wood.opacity = 0.5f; // becomes source-alpha blending
-    wood.blendColour[2] = 0.75f;
     wood.textures[0] = "wood.png";
     first.materials = {wood};
     COptions options;
     CQMXTModelTVO source;
     ASSERT_TRUE(Export(first, options, Path("source.tvo"), source));
 
+    // The field rules of a merge are TransformMerge's; here: which file is read, and when.
     SContent second = first;
     second.materials[0].opacity = 1.0f;
-    second.materials[0].blendColour[2] = 0.0f;
     second.materials[0].textures[0] = "wood.qmx";
     COptions merge;
     merge.SetOption(COptionsData::eMerge, true);
@@ -301,9 +265,6 @@ TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
     ASSERT_TRUE(Export(second, merge, Path("merged.tvo"), merged));
     const STVOMaterial& m = merged.pMaterial[0];
     EXPECT_EQ(m.eBlendSrcRGB, 770u);
-    EXPECT_EQ(m.eBlendDstA, 771u);
-    EXPECT_EQ(m.nFlags & 1u, 1u);
-    EXPECT_EQ(m.pfBlendColour[2], 0.75f);
     EXPECT_EQ(m.fMatOpacity, 1.0f); // opacity is not merged
     EXPECT_STREQ(merged.pTexture[m.nIdxTexture[0]].pszName, "wood.png");
 
@@ -320,25 +281,6 @@ TEST_F(EndToEnd, MergeTakesBlendSettingsFromAnExistingFile)
     CQMXTModelTVO unmerged;
     ASSERT_TRUE(Export(second, merge, Path("unmerged.tvo"), unmerged));
     EXPECT_EQ(unmerged.pMaterial[0].eBlendSrcRGB, 1u);
-}
-
-TEST_F(EndToEnd, SourceFormsCarryTheOptionsAndHistory)
-{
-    SContent content;
-    content.AddNode(MeshNode("Cube", CubeGeometry()));
-    COptions options;
-    options.SetOption(COptionsData::eExpFormat, eExportFormatHeader);
-    options.SetOption(COptionsData::eBoneLimit, 7u);
-    CTVO tvo;
-    ASSERT_TRUE(tvo.Process(content, options));
-    ASSERT_TRUE(tvo.Write(Path("my-scene.h").c_str(), options, "one\ntwo", false));
-    const std::string h = ReadAll(Path("my-scene.h"));
-    EXPECT_EQ(h.rfind("/*\n\tExpOpt{\nbFlipTextureV=0\n", 0), 0u);
-    EXPECT_NE(h.find("\t}ExpOpt\n\n\tHistory{\none\ntwo\n\t}History\n*/\n"), std::string::npos);
-    EXPECT_NE(h.find("RegisterFile_my_scene_tvo(\"my-scene.tvo\", _my_scene_tvo, "), std::string::npos);
-    COptions back;
-    EXPECT_GT(back.ReadConfig(Path("my-scene.h").c_str()), 0);
-    EXPECT_EQ(back.GetOption(COptionsData::eBoneLimit), 7u);
 }
 
 TEST_F(EndToEnd, FailuresAreReportedByTheirTexts)
@@ -368,26 +310,6 @@ TEST_F(EndToEnd, FailuresAreReportedByTheirTexts)
     COptions defaults;
     EXPECT_FALSE(tvo.Process(five, defaults));
     EXPECT_TRUE(sink.Has(eLogError, "A maximum of four bones may be used per vertex."));
-
-    // A triangle touching more bones than the palette holds cannot be batched.
-    SContent wide;
-    CNode tri = MeshNode("Tri", SGeomData());
-    const QMXTVECTOR3f p[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    AddCornerTriangle(tri.geom, p, {0, 0, 1});
-    SModifier s2;
-    s2.vertices.resize(3);
-    s2.vertices[0].weights = {{0, 0.5f}, {1, 0.5f}};
-    s2.vertices[1].weights = {{2, 1.0f}};
-    s2.vertices[2].weights = {{3, 1.0f}};
-    tri.modifiers = {s2};
-    wide.AddNode(tri);
-    COptions palette3;
-    palette3.SetOption(COptionsData::eBoneLimit, 3u);
-    EXPECT_FALSE(tvo.Process(wide, palette3));
-    EXPECT_TRUE(sink.Has(eLogError, "Bone batch generation failed."));
-    palette3.SetOption(COptionsData::eBoneLimit, 0u); // no palette: exported without batches
-    EXPECT_TRUE(tvo.Process(wide, palette3));
-    EXPECT_EQ(tvo.Scene()->pMesh[0].sBoneBatch.nBatchCnt, 0u);
 }
 
 TEST_F(EndToEnd, TangentsAreWrittenOrSkippedWithAMessage)
@@ -456,16 +378,6 @@ TEST_F(EndToEnd, StripsUnindexedAndUnsortedForms)
         EXPECT_EQ(Index(a.pMesh[0], 3 * t), t % 2 ? Index(a.pMesh[0], 3 * t - 3) : 4 * (t / 2)) << t;
 }
 
-TEST_F(EndToEnd, EmptySceneExportsAndReadsBack)
-{
-    SContent content;
-    COptions options;
-    CQMXTModelTVO model;
-    ASSERT_TRUE(Export(content, options, Path("empty.tvo"), model));
-    EXPECT_EQ(model.nNumNode, 0u);
-    EXPECT_EQ(model.nNumMesh, 0u);
-}
-
 TEST_F(EndToEnd, PostExportRunsAfterAWriteWhenAsked)
 {
     SContent content;
@@ -479,8 +391,5 @@ TEST_F(EndToEnd, PostExportRunsAfterAWriteWhenAsked)
     ASSERT_TRUE(tvo.Write(Path("a.tvo").c_str(), options, nullptr, false));
     EXPECT_NE(::access(Path("copy.tvo").c_str(), F_OK), 0); // not asked
     ASSERT_TRUE(tvo.Write(Path("a.tvo").c_str(), options, nullptr, true));
-    CQMXTModelTVO a, copy;
-    ASSERT_EQ(a.ReadFromFile(Path("a.tvo").c_str()), 0);
-    ASSERT_EQ(copy.ReadFromFile(Path("copy.tvo").c_str()), 0);
-    EXPECT_EQ(DescribeModelDifference(a, copy), "");
+    EXPECT_EQ(ReadAll(Path("copy.tvo")), ReadAll(Path("a.tvo")));
 }

@@ -17,6 +17,6 @@ std::string DescribeModelDifference(const STVOScene& a, const STVOScene& b)
     const auto parted = std::mismatch(x.begin(), x.end(), y.begin(), y.end());
     if (parted.first == x.end() && parted.second == y.end())
         return "";
-    return "files of " + std::to_string(x.size()) + " and " + std::to_string(y.size()) + " bytes part at byte " +
-           std::to_string(parted.first - x.begin());
+    return "files of " + std::to_string(x.size()) + " and " + std::to_string(y.size()) +
+           " bytes part at byte " + std::to_string(parted.first - x.begin());
 }

@@ -19,14 +19,16 @@ std::vector<std::string> RunItems(uint32_t stop, bool raise, bool& result, uint3
     std::vector<std::string> seen;
     result = RunInOrder(
         40, 4,
-        [&](uint32_t i) {
+        [&](uint32_t i)
+        {
             Log(eLogInfo, "work %u", i);
             if (i == stop && raise)
                 throw std::bad_alloc();
             return i != stop;
         },
         [](uint32_t i) { Log(eLogInfo, "before %u", i); },
-        [&](uint32_t i) {
+        [&](uint32_t i)
+        {
             Log(eLogInfo, "after %u", i);
             return i != refuse;
         });

@@ -1,11 +1,6 @@
 #include "SceneFixtures.h"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 void AddCornerTriangle(SGeomData& g, const QMXTVECTOR3f p[3], const QMXTVECTOR3f& normal, int material,
                        const QMXTVECTOR3f* uv)
@@ -138,13 +133,6 @@ SModifier TubeSkin(const SGeomData& tube, int rings, int sides, const std::vecto
 SGeomData GridGeometry(int n)
 {
     SGeomData g;
-    const size_t corners = static_cast<size_t>(n) * n * 6;
-    g.positions.reserve(corners);
-    g.normals.reserve(corners);
-    g.faces.reserve(corners / 3);
-    g.channels.resize(1);
-    g.channels[0].uvw.reserve(corners);
-    g.channels[0].faces.reserve(corners / 3);
     const float step = 1.0f / static_cast<float>(n);
     const QMXTVECTOR3f up{0.0f, 0.0f, 1.0f};
     for (int y = 0; y < n; ++y)
@@ -159,4 +147,3 @@ SGeomData GridGeometry(int n)
         }
     return g;
 }
-

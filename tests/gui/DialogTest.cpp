@@ -20,11 +20,14 @@ namespace
 // Runs action on the options window once the modal loop has shown it.
 void WhenWindowOpens(const std::function<void(COptionsWindow&)>& action)
 {
-    QTimer::singleShot(0, [action] {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* window = qobject_cast<COptionsWindow*>(widget); window && window->isVisible())
-                action(*window);
-    });
+    QTimer::singleShot(0,
+                       [action]
+                       {
+                           for (QWidget* widget : QApplication::topLevelWidgets())
+                               if (auto* window = qobject_cast<COptionsWindow*>(widget);
+                                   window && window->isVisible())
+                                   action(*window);
+                       });
 }
 
 bool AnyWindowVisible()
@@ -36,42 +39,29 @@ bool AnyWindowVisible()
 }
 } // namespace
 
-void CDialogTest::launchedFromScriptTakesStoredOptions()
+void CGuiTest::cancelKeepsAndExportStoresTheOptionsForScriptRuns()
 {
+    // A run from a script takes the stored options without showing a window.
     COptions stored;
     stored.SetOption(O::eBoneLimit, 33u);
-    stored.SetOption(O::eExportSkin, true);
     QVERIFY(stored.Save(GuiPreferences(), kGuiCurrentOptionsPrefix));
-    COptions options;
-    QVERIFY(DisplayOptionsDialog(options, 0, nullptr, true));
-    QCOMPARE(options.GetOption(O::eBoneLimit), 33u);
-    QVERIFY(options.GetOption(O::eExportSkin));
+    COptions scripted;
+    QVERIFY(DisplayOptionsDialog(scripted, 0, nullptr, true));
+    QCOMPARE(scripted.GetOption(O::eBoneLimit), 33u);
     QVERIFY(!AnyWindowVisible());
-}
 
-void CDialogTest::cancelReturnsFalse()
-{
-    COptions options;
-    bool shown = false;
-    WhenWindowOpens([&](COptionsWindow& window) {
-        shown = true;
-        window.optionsWidget()->alignmentBox()->click();
-        window.cancelButton()->click();
-    });
-    QVERIFY(!DisplayOptionsDialog(options, 0, nullptr, false));
-    QVERIFY(shown);
-    QVERIFY(options.GetOption(O::eAlignData));
-}
-
-void CDialogTest::exportStoresTheOptions()
-{
-    COptions options;
-    WhenWindowOpens([](COptionsWindow& window) {
-        window.optionsWidget()->alignmentBox()->click();
-        window.exportButton()->click();
-    });
-    QVERIFY(DisplayOptionsDialog(options, 0, nullptr, false));
-    QVERIFY(!options.GetOption(O::eAlignData));
+    for (bool exporting : {false, true})
+    {
+        COptions options;
+        WhenWindowOpens(
+            [exporting](COptionsWindow& window)
+            {
+                window.optionsWidget()->alignmentBox()->click();
+                (exporting ? window.exportButton() : window.cancelButton())->click();
+            });
+        QCOMPARE(DisplayOptionsDialog(options, 0, nullptr, false), exporting);
+        QCOMPARE(options.GetOption(O::eAlignData), !exporting);
+    }
     // The stored options reopen the next window, and a script run takes them.
     COptions next;
     QVERIFY(DisplayOptionsDialog(next, 0, nullptr, true));
@@ -81,7 +71,7 @@ void CDialogTest::exportStoresTheOptions()
     QVERIFY(GuiPreferences().KeyExists("Maya/Window/State/Options"));
 }
 
-void CDialogTest::manualIsFoundBesideTheProgram()
+void CGuiTest::manualIsFoundBesideTheProgram()
 {
     QTemporaryDir root;
     const QString program = root.filePath("a/b/bin");

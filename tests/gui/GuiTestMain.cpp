@@ -1,4 +1,4 @@
-// Runs every GUI test class with the preferences in a temporary HOME.
+// Runs the GUI tests with the preferences in a temporary HOME.
 #include <QApplication>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -20,17 +20,8 @@ int main(int argc, char** argv)
     qputenv("HOME", home.path().toUtf8());
     qunsetenv("OSTREX_STUDIO_PROFILES");
     QApplication application(argc, argv);
-    int failures = 0;
-    COutputTest output;
-    failures += QTest::qExec(&output, argc, argv);
-    COptionsWidgetTest widget;
-    failures += QTest::qExec(&widget, argc, argv);
-    CProfilesTest profiles;
-    failures += QTest::qExec(&profiles, argc, argv);
-    CDialogTest dialog;
-    failures += QTest::qExec(&dialog, argc, argv);
-    CScreenshotTest screenshots;
-    failures += QTest::qExec(&screenshots, argc, argv);
+    CGuiTest tests;
+    int failures = QTest::qExec(&tests, argc, argv);
 #ifdef OSTREX_HAVE_GUI_APP
     failures += RunOstrexGuiTests(argc, argv);
 #endif

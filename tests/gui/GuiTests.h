@@ -1,62 +1,38 @@
-// The test classes of gui_tests; GuiTestMain runs them one after the other in one application.
+// The test class of gui_tests: its slots are defined in one file per window or logic class, and
+// GuiTestMain runs them in one application.
 #pragma once
 
 #include <QObject>
 
-class COutputTest : public QObject
+class CGuiTest : public QObject
 {
     Q_OBJECT
   private slots:
+    // OutputTest.cpp
     void levelColours_data();
     void levelColours();
     void messagesReachTheWindow();
     void progressBar_data();
     void progressBar();
-};
-
-class COptionsWidgetTest : public QObject
-{
-    Q_OBJECT
-  private slots:
+    // OptionsWidgetTest.cpp
     void everyControlRoundTripsItsOption();
-    void primitiveTypeTable_data();
-    void primitiveTypeTable();
-    void sortingMethodTable_data();
-    void sortingMethodTable();
+    void choiceLists_data();
+    void choiceLists();
     void controlsFollowTheirGoverningOption_data();
     void controlsFollowTheirGoverningOption();
     void bit7HidesTheLastComponent();
     void alignmentFollowsTheLargestType();
     void droppedOptionsFileIsReadWithoutPostExportActions();
-};
-
-class CProfilesTest : public QObject
-{
-    Q_OBJECT
-  private slots:
-    void saveAndLoadKeepOrderAndColons();
-    void studioProfilesAreReadOnly();
-    void currentEntryNamesTheMatchingProfile();
+    // ProfilesTest.cpp
+    void studioProfilesAreReadOnlyAndNotStored();
     void recentFilesMostRecentFirst();
     void exportedProfileImportsAlike();
     void contextActionsEditOnlyUserProfiles();
-};
-
-class CDialogTest : public QObject
-{
-    Q_OBJECT
-  private slots:
-    void launchedFromScriptTakesStoredOptions();
-    void cancelReturnsFalse();
-    void exportStoresTheOptions();
+    // DialogTest.cpp
+    void cancelKeepsAndExportStoresTheOptionsForScriptRuns();
     void manualIsFoundBesideTheProgram();
-};
-
-class CScreenshotTest : public QObject
-{
-    Q_OBJECT
-  private slots:
-    void optionsTabsAndOutputLog();
+    // ScreenshotTest.cpp
+    void optionsTabs();
 };
 
 // The ostrex-gui tests (OstrexGuiTest.cpp, built with the program).

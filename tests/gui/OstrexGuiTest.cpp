@@ -46,7 +46,8 @@ void COstrexGuiTest::exportsTheSampleAsStrips()
     const QString log = CDlgOutput::Instance().Window()->outputWidget()->textView()->toPlainText();
     for (const char* stage : {"Export stage 1", "Export stage 2", "Export stage 3", "Final export stage"})
         QVERIFY2(log.contains(stage), stage);
-    QVERIFY(CDlgOutput::Instance().Window()->grab().save(QString(OSTREX_SCREENSHOT_DIR) + "/ostrex-gui-log.png"));
+    QVERIFY(
+        CDlgOutput::Instance().Window()->grab().save(QString(OSTREX_SCREENSHOT_DIR) + "/ostrex-gui-log.png"));
     CDlgOutput::Instance().Close();
 }
 

