@@ -2,6 +2,9 @@
 // the memory file system: each must equal the binary export of the same scene.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "GenScene.h" // registers GenScene.tvo; GenSceneSrc.cpp, compiled alongside, GenSceneSrc.tvo
 #include "ModelCompare.h"
 #include "QMXTMemoryFileSystem.h"
@@ -21,4 +24,14 @@ TEST(GeneratedSource, EmbeddedScenesLoadByNameAndEqualTheBinaryExport)
         ASSERT_EQ(embedded.ReadFromFile(name), 0) << name;
         EXPECT_EQ(DescribeModelDifference(binary, embedded), "") << name;
     }
+}
+
+TEST(GeneratedSource, TheHeaderOpensWithItsOptionsAndHistoryInAComment)
+{
+    std::stringstream text;
+    text << std::ifstream(GENERATED_HEADER).rdbuf();
+    const std::string h = text.str();
+    EXPECT_EQ(h.rfind("/*\n\tExpOpt{\nbFlipTextureV=0\n", 0), 0u);
+    EXPECT_NE(h.find("\t}ExpOpt\n\n\tHistory{\ngenerated for the embedded-scene test\n\t}History\n*/\n"),
+              std::string::npos);
 }
