@@ -29,7 +29,8 @@ MStatus CMayaTest::Export(const std::string& options, const std::string& name, b
     file.setRawFullName(MString((m_dir / name).c_str()));
     m_last = std::make_unique<Ostrex>();
     return m_last->writer(file, MString(("LaunchedFromMELCommand;" + config + ";").c_str()),
-                          selection ? MPxFileTranslator::kExportActiveAccessMode : MPxFileTranslator::kExportAccessMode);
+                          selection ? MPxFileTranslator::kExportActiveAccessMode
+                                    : MPxFileTranslator::kExportAccessMode);
 }
 
 std::string CMayaTest::Write(const std::string& name, const std::string& text)
@@ -111,17 +112,13 @@ std::string CReadBack::Texture(const STVOMaterial& material, int slot) const
     return index < 0 ? std::string() : std::string(model.pTexture[index].pszName);
 }
 
-std::vector<uint8_t> CReadBack::UserData(const STVONode& node) const
-{
-    return std::vector<uint8_t>(node.pUserData, node.pUserData + node.nUserDataSize);
-}
-
 std::vector<std::array<float, 4>> CReadBack::Stream(const STVOMesh& mesh, const CTVOData& stream) const
 {
     std::vector<std::array<float, 4>> out;
     for (uint32_t v = 0; v < mesh.nNumVertex && stream.n > 0; ++v)
     {
-        const uint8_t* base = mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(stream) : stream.pData;
+        const uint8_t* base =
+            mesh.pInterleaved ? mesh.pInterleaved + QMXTModelTVODataOffset(stream) : stream.pData;
         std::array<float, 4> value{};
         QMXTVertexRead(value.data(), base + static_cast<size_t>(v) * stream.nStride, stream.eType, stream.n);
         out.push_back(value);

@@ -57,7 +57,6 @@ class CReadBack
     // A point of the node's local space, in world space at the current frame.
     QMXTVECTOR3f World(const std::string& node, QMXTVECTOR3f p);
     std::string Texture(const STVOMaterial& material, int slot) const;
-    std::vector<uint8_t> UserData(const STVONode& node) const;
     // Every vertex of a stream of the mesh, as four floats.
     std::vector<std::array<float, 4>> Stream(const STVOMesh& mesh, const CTVOData& stream) const;
 };

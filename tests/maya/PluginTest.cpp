@@ -41,7 +41,8 @@ TEST_F(MayaPluginTest, RegistersTheTranslatorAndTheCommandAndRemovesThem)
     EXPECT_EQ(Scene().plugin.translators.at("Veldra Exporter"), "");
     EXPECT_FALSE(Scene().plugin.translatorOptionsGiven);
     EXPECT_EQ(Scene().plugin.commands.count("Ostrex_Export"), 1u);
-    std::unique_ptr<MPxCommand> command(static_cast<MPxCommand*>(Scene().plugin.creators.at("Ostrex_Export")()));
+    std::unique_ptr<MPxCommand> command(
+        static_cast<MPxCommand*>(Scene().plugin.creators.at("Ostrex_Export")()));
     EXPECT_TRUE(dynamic_cast<MelLauncher*>(command.get()));
     std::unique_ptr<MPxFileTranslator> translator(
         static_cast<MPxFileTranslator*>(Scene().plugin.creators.at("Veldra Exporter")()));
@@ -68,9 +69,12 @@ TEST_F(MayaPluginTest, ClaimsOnlyItsExtensionsAndNeverForSure)
     EXPECT_EQ(translator.defaultExtension(), "");
     EXPECT_TRUE(translator.haveWriteMethod());
     const std::pair<const char*, MPxFileTranslator::MFileKind> cases[] = {
-        {"/a/scene.TVO", MPxFileTranslator::kCouldBeMyFileType}, {"x.h", MPxFileTranslator::kCouldBeMyFileType},
-        {"x.Cpp", MPxFileTranslator::kCouldBeMyFileType},        {"x.obj", MPxFileTranslator::kNotMyFileType},
-        {".tvo", MPxFileTranslator::kNotMyFileType},              {"/a.tvo/noext", MPxFileTranslator::kNotMyFileType}};
+        {"/a/scene.TVO", MPxFileTranslator::kCouldBeMyFileType},
+        {"x.h", MPxFileTranslator::kCouldBeMyFileType},
+        {"x.Cpp", MPxFileTranslator::kCouldBeMyFileType},
+        {"x.obj", MPxFileTranslator::kNotMyFileType},
+        {".tvo", MPxFileTranslator::kNotMyFileType},
+        {"/a.tvo/noext", MPxFileTranslator::kNotMyFileType}};
     for (const auto& c : cases)
     {
         MFileObject file;
@@ -96,17 +100,19 @@ TEST_F(MayaPluginTest, TheExtensionChoosesTheOutputKindAndNoExtensionKeepsTheSto
 TEST_F(MayaPluginTest, TheCommandExplainsItselfWithoutArguments)
 {
     EXPECT_NE(Mel({}), MStatus::kSuccess);
-    const std::vector<std::string> usage = {
-        "Error: Insufficient arguments to complete export.",
-        "e.g.Ostrex_Export(\"filename.tvo\") - Export the .tvo file using the settings stored from the last export",
-        "Ostrex_Export(\"filename.tvo\", \"optionsfilename.txt\") - Export the .tvo file using the settings stored in "
-        "optionsfilename.txt",
-        "Ostrex_Export(\"filename.tvo\", \"optionsfilename.txt\", exportActive) - Export only the selected meshes using "
-        "the settins stored in optionsfilename.txt"};
+    const std::vector<std::string> usage = {"Error: Insufficient arguments to complete export.",
+                                            "e.g.Ostrex_Export(\"filename.tvo\") - Export the .tvo file "
+                                            "using the settings stored from the last export",
+                                            "Ostrex_Export(\"filename.tvo\", \"optionsfilename.txt\") - "
+                                            "Export the .tvo file using the settings stored in "
+                                            "optionsfilename.txt",
+                                            "Ostrex_Export(\"filename.tvo\", \"optionsfilename.txt\", "
+                                            "exportActive) - Export only the selected meshes using "
+                                            "the settins stored in optionsfilename.txt"};
     EXPECT_EQ(Scene().infoLog, usage);
 }
 
-TEST_F(MayaPluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothing)
+TEST_F(MayaPluginTest, TheWindowDecidesOnlyWhenNoOptionsFileIsNamedAndItsCancelWritesNothing)
 {
     AddCube("box");
     FakeOptionsWindow().answer = false;
@@ -127,18 +133,14 @@ TEST_F(MayaPluginTest, WithoutAnOptionsFileTheWindowDecidesAndACancelWritesNothi
     EXPECT_FALSE(FakeOptionsWindow().lastLaunchedFromMel);
     EXPECT_EQ(FakeOptionsWindow().logOpened, 1);
     EXPECT_EQ(FakeOptionsWindow().logClosed, 1);
-}
 
-TEST_F(MayaPluginTest, AMissingOptionsFileExportsWithDefaultsAndNoWindow)
-{
-    AddCube("box");
-    EXPECT_EQ(Mel({m_dir / "a.tvo", m_dir / "missing options.txt"}), MStatus::kSuccess);
-    EXPECT_EQ(FakeOptionsWindow().calls, 0);
+    // A named options file that is missing gives the defaults, without the window.
+    Scene().infoLog.clear();
+    EXPECT_EQ(Mel({m_dir / "c.tvo", m_dir / "missing options.txt"}), MStatus::kSuccess);
+    EXPECT_EQ(FakeOptionsWindow().calls, 3);
     const std::vector<std::string>& editor = Scene().infoLog; // what Maya's script editor shows
     EXPECT_NE(std::find(editor.begin(), editor.end(), "Export stage 1"), editor.end());
-    CReadBack back(m_dir / "a.tvo");
-    ASSERT_TRUE(back.ok);
-    EXPECT_EQ(back.model.nNumMesh, 1u);
+    EXPECT_EQ(CReadBack(m_dir / "c.tvo").model.nNumMesh, 1u);
 }
 
 TEST_F(MayaPluginTest, OptionsThatCannotMakeAFileAreRefusedBeforeAnyWork)
@@ -174,7 +176,8 @@ TEST_F(MayaPluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUser
     const std::string script = Write("user.mel", "global proc DefineSceneUserData() {}\n");
     const PostExportShell previous = SetPostExportShell(RecordingShell);
     g_shellCommands.clear();
-    const std::string users = "bUsePostExportCL=1\nsClPostTarget=touch\nsClPostArgs=ran\nbExportUserData=1\nsScriptFile=" + script;
+    const std::string users =
+        "bUsePostExportCL=1\nsClPostTarget=touch\nsClPostArgs=ran\nbExportUserData=1\nsScriptFile=" + script;
     ASSERT_EQ(Export(users, "first.tvo"), MStatus::kSuccess);
     ASSERT_EQ(Export(users, "first.h"), MStatus::kSuccess);
     EXPECT_EQ(g_shellCommands, (std::vector<std::string>{"touch ran", "touch ran"}));
@@ -186,8 +189,10 @@ TEST_F(MayaPluginTest, OptionsEmbeddedInAnExportedFileNeverRunAnythingButTheUser
         Scene().commandLog.clear();
         ASSERT_EQ(Mel({m_dir / "second.tvo", m_dir / embedded}), MStatus::kSuccess);
         EXPECT_TRUE(g_shellCommands.empty()) << embedded;
-        EXPECT_EQ(std::count(Scene().commandLog.begin(), Scene().commandLog.end(), "source " + script), 0) << embedded;
-        EXPECT_EQ(m_log.Count("Warning: '" + m_dir / embedded + "' carries a post-export command, viewer launch or "
+        EXPECT_EQ(std::count(Scene().commandLog.begin(), Scene().commandLog.end(), "source " + script), 0)
+            << embedded;
+        EXPECT_EQ(m_log.Count("Warning: '" + m_dir / embedded +
+                              "' carries a post-export command, viewer launch or "
                               "user-data script, which was not run; name an options text file to run them."),
                   1);
     }

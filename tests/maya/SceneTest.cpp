@@ -299,7 +299,10 @@ TEST_F(MayaSceneTest, UserDataOfEveryResultType)
     EXPECT_EQ(std::vector<uint8_t>(back.model.pUserData, back.model.pUserData + back.model.nUserDataSize),
               (std::vector<uint8_t>{'s', 0}));
     for (size_t i = 0; i < cases.size(); ++i)
-        EXPECT_EQ(back.UserData(*back.Node("n" + std::to_string(i))), cases[i].second) << "case " << i;
+    {
+        const STVONode& node = *back.Node("n" + std::to_string(i));
+        EXPECT_EQ(std::vector<uint8_t>(node.pUserData, node.pUserData + node.nUserDataSize), cases[i].second) << i;
+    }
     EXPECT_EQ(m_log.Count("Failed to execute command 'DefineNodeUserData |n11'"), 1);
     EXPECT_EQ(CReadBack(m_dir / "off.tvo").model.nUserDataSize, 0u);
 }
