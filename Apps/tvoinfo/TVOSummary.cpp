@@ -59,6 +59,26 @@ const char* TextureName(const STVOScene& s, int32_t idx)
                : nullptr;
 }
 
+// Text from a file (names, history) can hold any byte. Control bytes other than tab are shown as
+// escapes, so a file cannot move the cursor, recolour the terminal or split a summary line.
+void AppendShown(std::string& out, const char* text, size_t size)
+{
+    for (size_t i = 0; i < size; ++i)
+    {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (c == '\n')
+            out += "\\n";
+        else if ((c < 0x20 && c != '\t') || c == 0x7f)
+        {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02x", c);
+            out += escape;
+        }
+        else
+            out += static_cast<char>(c);
+    }
+}
+
 class CText
 {
   public:
@@ -67,9 +87,9 @@ class CText
         char line[1024];
         va_list args;
         va_start(args, format);
-        std::vsnprintf(line, sizeof line, format, args);
+        const int length = std::vsnprintf(line, sizeof line, format, args);
         va_end(args);
-        m_text += line;
+        AppendShown(m_text, line, length < 0 ? 0 : std::min(static_cast<size_t>(length), sizeof line - 1));
         m_text += '\n';
     }
     // A text block, each of its lines indented.
@@ -81,7 +101,9 @@ class CText
             size_t end = text.find('\n', start);
             if (end == std::string::npos)
                 end = text.size();
-            m_text += "  " + text.substr(start, end - start) + "\n";
+            m_text += "  ";
+            AppendShown(m_text, text.data() + start, end - start);
+            m_text += '\n';
             start = end + 1;
         }
     }
@@ -239,7 +261,8 @@ std::string TVOSummaryText(const CQMXTModelTVO& s, const STVOFileFacts& f)
     // The options text runs to some 80 lines: counted here, printed by --options.
     if (f.bHasOptions)
         t.Line("options: %u lines (tvoinfo --options %s prints them)",
-               static_cast<unsigned>(std::count(f.sOptions.begin(), f.sOptions.end(), '\n')), f.sPath.c_str());
+               static_cast<unsigned>(std::count(f.sOptions.begin(), f.sOptions.end(), '\n')),
+               f.sPath.c_str());
     else
         t.Line("options: none");
     t.Line("history:%s", f.bHasHistory ? "" : " none");

@@ -78,7 +78,8 @@ void ExpectGolden(std::string text, const std::string& path, const std::string& 
 // and the start of its block tree.
 TEST_F(TVOInfo, SummaryJsonAndBlocksOfEveryBlockKind)
 {
-    const std::string path = WriteRich("info-rich.tvo", "bOpt=1\nfScale=2\n", "exported by a test");
+    const std::string path =
+        WriteRich("info-rich.tvo", "bOpt=1\nfScale=2\n", "exported\x1b[2Ja test"); // ESC: shown, not acted on
     SRun r = RunTvoinfo(path);
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.err, "");
