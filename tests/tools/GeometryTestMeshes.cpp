@@ -199,19 +199,4 @@ std::vector<SIndexMesh> MeshZoo(uint32_t seed, uint32_t nRandom, uint32_t nMaxTr
               zoo.end());
     return zoo;
 }
-
-std::vector<uint64_t> WindingKeys(const std::vector<uint32_t>& idx)
-{
-    std::vector<uint64_t> keys;
-    for (size_t t = 0; t + 2 < idx.size(); t += 3)
-    {
-        // Rotate so the smallest index comes first; the other two stay in winding order.
-        const uint32_t* p = &idx[t];
-        const int r = p[0] <= p[1] && p[0] <= p[2] ? 0 : p[1] <= p[2] ? 1 : 2;
-        const uint64_t a = p[r], b = p[(r + 1) % 3], c = p[(r + 2) % 3];
-        keys.push_back(a << 42 | b << 21 | c);
-    }
-    std::sort(keys.begin(), keys.end());
-    return keys;
-}
 } // namespace geomtest

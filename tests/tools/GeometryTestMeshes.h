@@ -31,7 +31,4 @@ SIndexMesh Concatenate(const std::vector<SIndexMesh>& parts, std::mt19937* shuff
 
 // A varied set of small meshes for the equality tests, reproducible from the seed.
 std::vector<SIndexMesh> MeshZoo(uint32_t seed, uint32_t nRandom, uint32_t nMaxTri);
-
-// Triangles as sorted-rotation keys (the winding kept), sorted, for "same triangles" checks.
-std::vector<uint64_t> WindingKeys(const std::vector<uint32_t>& idx);
 } // namespace geomtest

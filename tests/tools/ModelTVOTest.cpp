@@ -1,5 +1,5 @@
-// Animation queries of the scene model: channel sampling, world matrices, lights, cameras and the
-// cache (bone matrices are checked through flattening).
+// Animation queries of the scene model: channel sampling, world matrices, lights and cameras (bone
+// matrices are checked through flattening).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -111,17 +111,4 @@ TEST(ModelTVO, LightsAndCamerasSitAtTheirNodesInOrder)
     QMXTVECTOR3f from, to, up;
     s.SetFrame(0.25f);
     EXPECT_FLOAT_EQ(s.GetCamera(from, to, up, 0), 1.25f);
-}
-
-// A call no exporter makes: the frame-0 cache answers until flushed.
-TEST(ModelTVO, FrameZeroAnswersFromItsCacheUntilFlushed)
-{
-    CQMXTModelTVO s;
-    MakeNodes(s, 1);
-    s.pNode[0].pfAnimPosition = HeapCopy<float>({1, 2, 3});
-    ASSERT_EQ(s.InitImpl(), 0);
-    s.pNode[0].pfAnimPosition[0] = 100.0f;
-    EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 1.0f);
-    s.FlushCache();
-    EXPECT_EQ(s.GetWorldMatrix(s.pNode[0])[12], 100.0f);
 }

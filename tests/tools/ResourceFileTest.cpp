@@ -18,11 +18,6 @@ void WriteFile(const std::string& path, const std::string& bytes)
     std::fclose(f);
 }
 
-std::string Contents(const CQMXTResourceFile& f)
-{
-    return std::string(static_cast<const char*>(f.DataPtr()), f.Size());
-}
-
 struct SReadPath
 {
     explicit SReadPath(const std::string& path) { CQMXTResourceFile::SetReadPath(path.c_str()); }
@@ -38,7 +33,7 @@ TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFile)
     {
         CQMXTResourceFile f("res-disk.bin");
         EXPECT_FALSE(f.IsMemoryFile());
-        EXPECT_EQ(Contents(f), "disk bytes");
+        EXPECT_EQ(std::string(static_cast<const char*>(f.DataPtr()), f.Size()), "disk bytes");
     }
 
     // A disk file of size 0 is not open; a memory file of the same (bare) name is used instead.
@@ -90,24 +85,4 @@ TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
         CQMXTMemoryFileSystem::CAtExit release;
     }
     EXPECT_EQ(CQMXTMemoryFileSystem::GetNumFiles(), 0u);
-}
-
-TEST(ResourceFile, LoadAndReleaseFunctionsCanBeReplaced)
-{
-    static int releases = 0;
-    static const char bytes[] = "custom";
-    CQMXTResourceFile::SetLoadReleaseFunctions(
-        [](const char*, const void** data, uint32_t* size) -> void*
-        {
-            *data = bytes;
-            *size = 6;
-            return const_cast<char*>(bytes);
-        },
-        [](void* handle) { releases += handle == bytes; });
-    {
-        CQMXTResourceFile f("custom.bin");
-        EXPECT_EQ(Contents(f), "custom");
-    }
-    EXPECT_EQ(releases, 1);
-    CQMXTResourceFile::SetLoadReleaseFunctions(nullptr, nullptr);
 }

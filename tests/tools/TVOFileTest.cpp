@@ -113,16 +113,21 @@ TEST(TVOFile, GoldenBytesOfVersionOptionsSceneAndOneNode)
     EXPECT_EQ(Save(s, "a=1", ""), expected.b);
 }
 
+// A scene read back, and a deep copy of it (the copy flattening makes), write the same bytes.
 TEST(TVOFile, WriteReadWriteIsByteIdenticalForEveryBlock)
 {
     const char *options = "bOpt=1\nfScale=2\n", *history = "exported today";
     CQMXTModelTVO s;
     tvotest::MakeRichScene(s);
     const std::vector<uint8_t> first = Save(s, options, history);
-    CQMXTModelTVO r;
+    CQMXTModelTVO r, deep;
     ASSERT_EQ(Read(r, first), 0);
     EXPECT_TRUE(r.IsLoaded());
     EXPECT_EQ(Save(r, options, history), first);
+    ASSERT_EQ(deep.CopyFromMemory(s), 0);
+    EXPECT_NE(deep.pMesh[0].pInterleaved, s.pMesh[0].pInterleaved);
+    EXPECT_EQ(Save(deep, options, history), first);
+    EXPECT_FLOAT_EQ(deep.pLight[1].fConstantAttenuation, 1.0f); // which the file leaves out
     // Found by fuzzing: an absent stream of an interleaved mesh with a stray offset writes none.
     QMXTModelTVODataSetOffset(s.pMesh[0].sTangents, 8);
     EXPECT_EQ(Save(s, options, history), first);
@@ -254,6 +259,9 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
     CBytes hugeCount, hugeLength;
     hugeCount.Begin(1001).LeafU32(2005, 0x10000000).End(1001);
     hugeLength.Begin(1001).U32(2018).U32(0xFFFFFFF0).U32(0); // almost 4 GiB of user data
+    CBytes oddLength;
+    oddLength.LeafU32(6001, 1).Begin(6003).LeafU32(9000, 3).LeafU32(9001, 1).LeafU32(9002, 2);
+    oddLength.Leaf(9003, faces, 5).End(6003);
     CBytes swapped, fixed;
     swapped.U32(0xE8030000u).U32(0x0B000000u);
     fixed.LeafU32(2016, 1);
@@ -281,6 +289,7 @@ TEST(TVOFile, MalformedFilesAreRefusedWithTheirReason)
         {"tiny huge count", tinyHugeCount, ""},
         {"huge count", withScene(hugeCount), "268435456 records cannot fit in the 16 bytes left"},
         {"huge length", withScene(hugeLength), "unexpected end of data (4294967280 bytes needed, 4 left)"},
+        {"odd length", meshFile(oddLength), "length 5 is not a whole number of 2-byte elements"},
         {"byte order", swapped, "Error: Endianness mismatch between the .tvo file and the platform.\n"},
         {"fixed point", withScene(Scene(0, fixed)),
          "Error: The TVO file is in fixed point format but the tools haven't been compiled with fixed point "
@@ -346,36 +355,6 @@ TEST(TVOFile, WriterStopsAtTheFirstFailedWriteAndLeavesNoFile)
     EXPECT_EQ(bad.SaveTVO(file.c_str()), 1);
     EXPECT_EQ(std::fopen(file.c_str(), "rb"), nullptr);
     EXPECT_EQ(std::fopen((file + ".tmp").c_str(), "rb"), nullptr);
-}
-
-TEST(TVOFile, ShallowAndDeepCopiesOfASceneRecord)
-{
-    CQMXTModelTVO source;
-    tvotest::MakeRichScene(source);
-    {
-        CQMXTModelTVO shallow; // the same arrays; destroying it frees none of them
-        ASSERT_EQ(shallow.ReadFromMemory(static_cast<const STVOScene&>(source)), 0);
-        EXPECT_EQ(shallow.pNode, source.pNode);
-    }
-    CQMXTModelTVO deep;
-    ASSERT_EQ(deep.CopyFromMemory(source), 0);
-    EXPECT_NE(deep.pMesh[0].pInterleaved, source.pMesh[0].pInterleaved);
-    EXPECT_EQ(Save(deep), Save(source));
-    EXPECT_FLOAT_EQ(deep.pLight[1].fConstantAttenuation, 1.0f); // which the file leaves out
-}
-
-TEST(TVOByteOrder, ReadAfterAllocChecksLengthBeforeAllocating)
-{
-    const uint8_t bytes[] = {1, 0, 2, 0, 3, 0};
-    CSourceStream s;
-    s.Init(bytes, sizeof bytes);
-    uint16_t* p = nullptr;
-    EXPECT_FALSE(s.ReadAfterAlloc16(p, 5)); // not a whole number of elements
-    EXPECT_FALSE(s.ReadAfterAlloc16(p, 8)); // more than remains
-    EXPECT_EQ(p, nullptr);
-    ASSERT_TRUE(s.ReadAfterAlloc16(p, 6));
-    EXPECT_EQ(p[2], 3);
-    std::free(p);
 }
 
 // Big-endian hosts swap interleaved vertices in place, each component on its own.
