@@ -59,7 +59,7 @@ TEST(String, FindFamilies)
     EXPECT_EQ(CQMXTString("aaaa").find_number_of("aa"), 2u); // non-overlapping
 }
 
-TEST(String, FormatsSubstitutesStripsAndChangesCase)
+TEST(String, FormatsSubstitutesWalksStripsAndChangesCase)
 {
     CQMXTString s;
     const CQMXTString sLong(5000, 'q');
@@ -80,6 +80,14 @@ TEST(String, FormatsSubstitutesStripsAndChangesCase)
     s = "aaa";
     EXPECT_EQ(s.substitute("aa", "b", true), 0);
     EXPECT_STREQ(s.c_str(), "ba");
+    s = "a,,b,c";
+    std::string walked;
+    for (size_t p = s.find_next_occurance_of(',', CQMXTString::npos); p != CQMXTString::npos;
+         p = s.find_next_occurance_of(',', p))
+        walked += std::to_string(p);
+    EXPECT_EQ(walked, "124");
+    EXPECT_EQ(s.find_previous_occurance_of(',', 4), 2u);
+    EXPECT_EQ(s.find_first_ofn(",", 3), 4u);
     s = " \t key = value \v\f\n";
     EXPECT_STREQ(QMXTStringStripWhiteSpaceFromEndOf(QMXTStringStripWhiteSpaceFromStartOf(s)).c_str(),
                  "key = value");

@@ -40,6 +40,8 @@ TEST(Math, ProductOrderRotationSenseAndInverses)
     ExpectMatrixNear(QMXTMatrixMultiplyF(prod, m, inv), QMXTMatrixIdentityF(id));
     ASSERT_TRUE(QMXTMatrixInverseExF(prod, m)); // the general inverse agrees
     ExpectMatrixNear(prod, inv);
+    QMXTVECTOR3f q, back;
+    EXPECT_NEAR(QMXTTransformBack(back, QMXTTransform(q, {1, 2, 3}, m), m).z, 3.0f, 1e-5f);
     EXPECT_FALSE(QMXTMatrixInverseExF(prod, QMXTMatrixScalingF(t, 1, 0, 1)));
     ExpectMatrixNear(QMXTMatrixInverseF(inv, QMXTMatrixScalingF(t, 1, 0, 1)), id, 0.0f);
 }
@@ -64,7 +66,7 @@ TEST(Math, QuaternionOfAMatrixGivesTheMatrixBackInEveryBranch)
     ExpectMatrixNear(QMXTMatrixRotationQuaternionF(a, q), QMXTMatrixRotationZF(b, 0.8f));
 }
 
-TEST(Math, SlerpFollowsTheShortArcAndAxisAngleIsRecovered)
+TEST(Math, SlerpFollowsTheShortArcProductsAddAndAxisAngleIsRecovered)
 {
     QMXTQUATERNIONf a, b, r, r2;
     QMXTMatrixQuaternionIdentityF(a);
@@ -75,6 +77,8 @@ TEST(Math, SlerpFollowsTheShortArcAndAxisAngleIsRecovered)
     QMXTMatrixQuaternionSlerpF(r2, a, {-b.x, -b.y, -b.z, -b.w}, 0.25f);
     QMXTMATRIXf m1, m2;
     ExpectMatrixNear(QMXTMatrixRotationQuaternionF(m1, r), QMXTMatrixRotationQuaternionF(m2, r2));
+    QMXTMatrixQuaternionMultiplyF(r, b, b);
+    EXPECT_NEAR(r.y, 1.0f, 1e-6f); // two quarter turns are a half turn
     QMXTVECTOR3f axis;
     float angle;
     QMXTMatrixQuaternionToAxisAngleF(b, axis, angle);
@@ -100,4 +104,14 @@ TEST(Math, VectorsAndBoxes)
     const float inter[8] = {99, 1, 2, 3, 99, -1, 7, 0}; // positions at offset 4 of 16-byte vertices
     QMXTBoundingBoxComputeInterleaved(box, inter, 2, 4, 16);
     EXPECT_EQ(box.Point[7].y, 7.0f);
+
+    // A box ten units in front of the camera is inside the frustum; one behind it is not.
+    QMXTMATRIXf view, proj, vp;
+    QMXTMatrixLookAtRHF(view, {0, 0, 10}, {0, 0, 0}, {0, 1, 0});
+    QMXTMatrixMultiplyF(vp, view, QMXTMatrixPerspectiveFovRHF(proj, kPi / 3, 1.0f, 1.0f, 100.0f));
+    const QMXTVECTOR3f inside[2] = {{-1, -1, -1}, {1, 1, 1}}, behind[2] = {{-1, -1, 20}, {1, 1, 22}};
+    bool clip = true;
+    EXPECT_TRUE(QMXTBoundingBoxIsVisible(QMXTBoundingBoxCompute(box, inside, 2), vp, clip));
+    EXPECT_FALSE(clip);
+    EXPECT_FALSE(QMXTBoundingBoxIsVisible(QMXTBoundingBoxCompute(box, behind, 2), vp, clip));
 }

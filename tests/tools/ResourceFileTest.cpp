@@ -25,7 +25,7 @@ struct SReadPath
 };
 } // namespace
 
-TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFile)
+TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFileOrThePlatformsLoader)
 {
     const std::string dir = testing::TempDir();
     WriteFile(dir + "res-disk.bin", "disk bytes");
@@ -48,6 +48,21 @@ TEST(ResourceFile, DiskFileThroughTheReadPathElseTheMemoryFile)
     EXPECT_FALSE(CQMXTResourceFile("res-nowhere.bin").IsOpen());
     std::remove((dir + "res-disk.bin").c_str());
     std::remove((dir + "res-empty.bin").c_str());
+
+    // A platform's own loader replaces the disk read; its release runs when the file goes.
+    static int releases = 0;
+    static const char custom[] = "custom";
+    CQMXTResourceFile::SetLoadReleaseFunctions(
+        [](const char*, const void** data, uint32_t* size) -> void*
+        {
+            *data = custom;
+            *size = 6;
+            return const_cast<char*>(custom);
+        },
+        [](void* handle) { releases += handle == custom; });
+    EXPECT_EQ(CQMXTResourceFile("res-disk.bin").Size(), 6u);
+    EXPECT_EQ(releases, 1);
+    CQMXTResourceFile::SetLoadReleaseFunctions(nullptr, nullptr);
 }
 
 TEST(MemoryFileSystem, RegistrationLookupAndEnumeration)
