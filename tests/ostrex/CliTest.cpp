@@ -79,9 +79,7 @@ TEST_F(CliTest, HelpAndTheListingOfOptionsFromEverySourceInOrder)
         COptionsProfiles profiles;
         COptionsProfiles::SProfile mobile;
         mobile.sCaption = "Mobile";
-        mobile.options.SetOption(COptionsData::eBoneLimit, 7u);
-        mobile.options.SetOption(COptionsData::eTangentSpace, true);
-        mobile.options.SetOption(COptionsData::eExportSkin, true);
+        mobile.options.SetFromString("uiBoneLimit=7\nbTangentSpace=1\nbExportSkin=1\n");
         profiles.m_profiles.push_back(mobile);
         ASSERT_TRUE(profiles.Save(prefs, kOstrexProfilesPrefix));
     }
@@ -154,9 +152,8 @@ TEST_F(CliTest, RefusalsGiveOneErrorLineAndLeaveTheOutputUntouched)
     EXPECT_GE(cases.size(), 23u);
 }
 
-// UVs only with bExportMappingChannels, materials only with bExportMaterials (then no node names a
-// material); off a terminal an export prints one line, the summary, whose counts are the file's; -v
-// shows the stages.
+// UVs and materials only when their options say so; off a terminal an export prints one line, the
+// summary, whose counts are the file's; -v shows the stages.
 TEST_F(CliTest, StreamsFollowTheOptionsAndTheSummaryCountsTheFile)
 {
     const std::string out = m_dir + "/box.tvo";
@@ -327,9 +324,8 @@ TEST_F(Pipeline, ReportMatchesTheManualAndTheFileAndSaysWhyAnExportFailed)
     EXPECT_EQ(Json(ReadAll(m_dir + "/r.json"))["error"].toObject()["subject"].toString(), "options");
 }
 
-// A batch writes every good scene whatever the others do, one line each and a count; the bytes are
-// those of a single export from any folder, whose history names the input by its file name and has a
-// date only from SOURCE_DATE_EPOCH.
+// A batch writes every good scene whatever the others do; the bytes are those of a single export from
+// any folder, whose history names the input's file and has a date only from SOURCE_DATE_EPOCH.
 TEST_F(Pipeline, BatchIsolatesScenesAndBytesAreTheSameFromAnyFolder)
 {
     std::ofstream(m_dir + "/broken.gltf") << "{ not a scene";

@@ -92,10 +92,16 @@ class CSceneKit
         anim->mTicksPerSecond = ticksPerSecond;
         return *anim;
     }
-    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node)
+    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node,
+                           const std::vector<aiVectorKey>& positions,
+                           const std::vector<aiQuatKey>& rotations = {})
     {
         aiNodeAnim* channel = Append(anim.mChannels, anim.mNumChannels, new aiNodeAnim);
         channel->mNodeName = node;
+        for (const aiVectorKey& key : positions)
+            Append(channel->mPositionKeys, channel->mNumPositionKeys, key);
+        for (const aiQuatKey& key : rotations)
+            Append(channel->mRotationKeys, channel->mNumRotationKeys, key);
         return *channel;
     }
     void AddBone(unsigned mesh, const std::string& node, const aiMatrix4x4& offset,
@@ -112,8 +118,6 @@ class CSceneKit
   private:
     std::unique_ptr<aiScene> m_scene;
 };
-
-const float kPi = 3.14159265f;
 
 aiMatrix4x4 TRS(const aiVector3D& t, const aiQuaternion& r = aiQuaternion(), const aiVector3D& s = {1, 1, 1})
 {
@@ -325,8 +329,7 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
 {
     CSceneKit kit;
     aiNode* arm = kit.AddNode(kit.Root(), "Arm", TRS({0, 0, 5}));
-    aiNode* b1 = kit.AddNode(kit.Root(), "B1", TRS({0, 0, 5}));
-    kit.AddNode(b1, "B2", TRS({0, 2, 0}));
+    kit.AddNode(kit.AddNode(kit.Root(), "B1", TRS({0, 0, 5})), "B2", TRS({0, 2, 0}));
     for (const char* extra : {"B3", "B4", "B5"})
         kit.AddNode(kit.Root(), extra, TRS({0, 0, 5}));
     const unsigned mesh =
@@ -346,12 +349,8 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
     kit.AddBone(body, "Ghost", aiMatrix4x4(), {{0, 1.0f}});
     // The animation moves the bones away from the bind pose already at frame 0.
     aiAnimation& anim = kit.AddAnimation("Wave", 10, 10);
-    aiNodeAnim& c1 = kit.AddChannel(anim, "B1");
-    c1.mNumPositionKeys = 2;
-    c1.mPositionKeys = new aiVectorKey[2]{{0, {0, 1, 5}}, {10, {3, 1, 5}}};
-    aiNodeAnim& c2 = kit.AddChannel(anim, "B2");
-    c2.mNumRotationKeys = 1;
-    c2.mRotationKeys = new aiQuatKey[1]{{0, Turn({0, 0, 1}, kPi / 2)}};
+    kit.AddChannel(anim, "B1", {{0, {0, 1, 5}}, {10, {3, 1, 5}}});
+    kit.AddChannel(anim, "B2", {}, {{0, Turn({0, 0, 1}, AI_MATH_HALF_PI_F)}});
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
@@ -369,7 +368,7 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
     // Importer's skinning at frame 0 (globals with the first keys), with the kept weights; B4 and B5
     // rest where the mesh node is, so theirs is its global transform.
     const aiMatrix4x4 g1 = TRS({0, 1, 5}), s1 = g1 * offset("B1"), s5 = GlobalOf(arm),
-                      s2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, kPi / 2)) * offset("B2");
+                      s2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, AI_MATH_HALF_PI_F)) * offset("B2");
     const aiVector3D* v = kit.Mesh(mesh).mVertices;
     const aiVector3D expected[5] = {s1 * v[0], s2 * v[1], 0.5f * (s1 * v[2]) + 0.5f * (s2 * v[2]), s5 * v[3],
                                     (0.1f * (s1 * v[4]) + 0.3f * (s2 * v[4]) + 0.55f * (s5 * v[4])) / 0.95f};
@@ -436,19 +435,14 @@ TEST(AssimpFill, LightsCamerasSelectionAndAnimationOfOneRig)
     kit.AddCamera("Eye").mLookAt = {0, 0, -1};
     kit.AddCamera("Flat").mOrthographicWidth = 2;
     kit.AddAnimation("Idle", 5, 24); // the first: sampled by default, moving nothing
-    aiNodeAnim& ch = kit.AddChannel(kit.AddAnimation("Move", 24, 24), "Rig");
-    ch.mNumPositionKeys = 2;
-    ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {24, {24, 0, 0}}};
-    ch.mNumRotationKeys = 2;
-    ch.mRotationKeys = new aiQuatKey[2]{{0, aiQuaternion()}, {24, Turn({0, 1, 0}, kPi / 2)}};
+    kit.AddChannel(kit.AddAnimation("Move", 24, 24), "Rig", {{0, {0, 0, 0}}, {24, {24, 0, 0}}},
+                   {{0, aiQuaternion()}, {24, Turn({0, 1, 0}, AI_MATH_HALF_PI_F)}});
     // Key times in float seconds (as glTF keeps them) meet frame times in double: two places
     // alternating at every frame give two distinct samples, each landing on its key exactly.
-    aiNodeAnim& flip = kit.AddChannel(kit.AddAnimation("Flip", double(19.0f / 30.0f), 1.0), "Rig");
-    flip.mNumPositionKeys = 20;
-    flip.mPositionKeys = new aiVectorKey[20];
+    std::vector<aiVectorKey> flipKeys;
     for (unsigned k = 0; k < 20; ++k)
-        flip.mPositionKeys[k] = {double(float(k) / 30.0f),
-                                 k % 2 ? aiVector3D(1.3f, 0.7f, -2.1f) : aiVector3D()};
+        flipKeys.emplace_back(double(float(k) / 30.0f), k % 2 ? aiVector3D(1.3f, 0.7f, -2.1f) : aiVector3D());
+    kit.AddChannel(kit.AddAnimation("Flip", double(19.0f / 30.0f), 1.0), "Rig", flipKeys);
     kit.AddAnimation("Long", 1e12, 1000);
 
     CRecordingLogSink log;
@@ -519,7 +513,8 @@ TEST(AssimpFill, LightsCamerasSelectionAndAnimationOfOneRig)
     EXPECT_EQ(rigNode.tm, rigNode.frames[0]); // the still transform is frame 0
     for (int f : {0, 6, 12, 24})
     {
-        const aiMatrix4x4 want = TRS({float(f), 0, 0}, Turn({0, 1, 0}, kPi / 2 * f / 24.0f), {2, 2, 2});
+        const aiMatrix4x4 want =
+            TRS({float(f), 0, 0}, Turn({0, 1, 0}, AI_MATH_HALF_PI_F * f / 24.0f), {2, 2, 2});
         ExpectMatrixNear(ContentWorld(moved, 1, f), RowLayout(want), 1e-5f * 48,
                          "frame " + std::to_string(f));
     }
@@ -539,19 +534,17 @@ TEST(AssimpFill, LightsCamerasSelectionAndAnimationOfOneRig)
 
 TEST(AssimpFill, ScenesWithNothingToExportAreRefused)
 {
-    CSceneKit empty;
-    EXPECT_EQ(FillError(empty), "nothing to export: the scene holds no triangles, lights or cameras");
+    CSceneKit kit;
+    EXPECT_EQ(FillError(kit), "nothing to export: the scene holds no triangles, lights or cameras");
+    kit.Scene().mNumMaterials = 1; // counts materials it does not hold
+    EXPECT_EQ(FillError(kit), "the scene is malformed (a list it counts entries in is missing)");
+    kit.Scene().mNumMaterials = 0;
+    aiNode* a = kit.AddNode(kit.Root(), "A"); // reached twice: not a tree
+    Append(kit.Root()->mChildren, kit.Root()->mNumChildren, a);
+    EXPECT_EQ(FillError(kit), "the node tree is not a tree (node 'A' is reached twice)");
+    kit.Root()->mNumChildren = 1; // let the scene free the node once
 
     aiScene rootless;
     SContent content;
     EXPECT_EQ(FillContentFromAssimp(rootless, {}, content).error, "the file holds no scene (no root node)");
-    CSceneKit holey;
-    holey.Scene().mNumMaterials = 1; // counts materials it does not hold
-    EXPECT_EQ(FillError(holey), "the scene is malformed (a list it counts entries in is missing)");
-
-    CSceneKit loop; // a node reached twice is not a tree
-    aiNode* a = loop.AddNode(loop.Root(), "A");
-    Append(loop.Root()->mChildren, loop.Root()->mNumChildren, a);
-    EXPECT_EQ(FillError(loop), "the node tree is not a tree (node 'A' is reached twice)");
-    loop.Root()->mNumChildren = 1; // let the scene free the node once
 }
