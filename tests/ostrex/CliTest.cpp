@@ -157,28 +157,21 @@ TEST_F(CliTest, RefusalsGiveOneErrorLineAndLeaveTheOutputUntouched)
 TEST_F(CliTest, StreamsFollowTheOptionsAndTheSummaryCountsTheFile)
 {
     const std::string out = m_dir + "/box.tvo";
-    const struct
+    // The setting, then the UVW channels, vertex stride and materials of the file.
+    const std::pair<std::string, std::vector<uint32_t>> rows[] = {{"bExportMappingChannels=0", {0, 24, 1}},
+                                                                  {"bExportMappingChannels=1", {1, 32, 1}},
+                                                                  {"bExportMaterials=0", {0, 24, 0}}};
+    for (const auto& [setting, want] : rows)
     {
-        std::string setting;
-        uint32_t uvw, stride, materials;
-    } rows[] = {
-        {"bExportMappingChannels=0", 0, 24, 1},
-        {"bExportMappingChannels=1", 1, 32, 1},
-        {"bExportMaterials=0", 0, 24, 0},
-    };
-    for (const auto& row : rows)
-    {
-        const SRun run = Run({kBox, out, "--set", row.setting});
-        ASSERT_EQ(run.code, 0) << row.setting;
+        const SRun run = Run({kBox, out, "--set", setting});
+        ASSERT_EQ(run.code, 0) << setting;
         CQMXTModelTVO scene;
         ASSERT_EQ(scene.ReadFromFile(out.c_str()), 0);
         ASSERT_EQ(scene.nNumMesh, 1u);
         const STVOMesh& m = scene.pMesh[0];
-        EXPECT_EQ((std::vector<uint32_t>{m.nNumUVW, m.sVertex.nStride, scene.nNumMaterial}),
-                  (std::vector<uint32_t>{row.uvw, row.stride, row.materials}))
-            << row.setting;
+        EXPECT_EQ((std::vector<uint32_t>{m.nNumUVW, m.sVertex.nStride, scene.nNumMaterial}), want) << setting;
         for (uint32_t i = 0; i < scene.nNumNode; ++i)
-            EXPECT_LT(scene.pNode[i].nIdxMaterial, static_cast<int32_t>(scene.nNumMaterial)) << row.setting;
+            EXPECT_LT(scene.pNode[i].nIdxMaterial, static_cast<int32_t>(scene.nNumMaterial)) << setting;
         const std::string summary = "Wrote " + out + ": " + std::to_string(fs::file_size(out)) + " bytes, " +
                                     std::to_string(scene.nNumNode) + " nodes, 1 meshes, " +
                                     std::to_string(m.nNumFaces) + " triangles, " +
