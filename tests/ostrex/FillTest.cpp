@@ -506,7 +506,7 @@ TEST(AssimpFill, LightsCamerasSelectionAndAnimationOfOneRig)
     EXPECT_EQ(r.animation, 1);
     EXPECT_EQ(moved.info.fps, 24);
     EXPECT_EQ(moved.info.endFrame, 24);
-    const CNode& rigNode = moved.nodes[ContentIndex(moved, "Rig")];
+    const CNode& rigNode = moved.nodes[1]; // Rig, as listed
     ASSERT_EQ(rigNode.frames.size(), 25u);
     EXPECT_TRUE(moved.nodes[ContentIndex(moved, "Sun")].frames.empty());
     EXPECT_EQ(moved.nodes[ContentIndex(moved, "Cam")].camera.fovFrames.size(), 25u);
