@@ -1,5 +1,5 @@
-// The Assimp scene filler on scenes built in code: geometry, materials, skins, lights and cameras
-// (placed through the builder's scene model), animation, selection and refusals.
+// The Assimp scene filler on scenes built in code: geometry, materials, skins, lights and cameras,
+// animation, selection and refusals.
 #include <gtest/gtest.h>
 
 #include <assimp/material.h>
@@ -92,10 +92,16 @@ class CSceneKit
         anim->mTicksPerSecond = ticksPerSecond;
         return *anim;
     }
-    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node)
+    aiNodeAnim& AddChannel(aiAnimation& anim, const std::string& node,
+                           const std::vector<aiVectorKey>& positions,
+                           const std::vector<aiQuatKey>& rotations = {})
     {
         aiNodeAnim* channel = Append(anim.mChannels, anim.mNumChannels, new aiNodeAnim);
         channel->mNodeName = node;
+        for (const aiVectorKey& key : positions)
+            Append(channel->mPositionKeys, channel->mNumPositionKeys, key);
+        for (const aiQuatKey& key : rotations)
+            Append(channel->mRotationKeys, channel->mNumRotationKeys, key);
         return *channel;
     }
     void AddBone(unsigned mesh, const std::string& node, const aiMatrix4x4& offset,
@@ -113,8 +119,6 @@ class CSceneKit
     std::unique_ptr<aiScene> m_scene;
 };
 
-const float kPi = 3.14159265f;
-
 aiMatrix4x4 TRS(const aiVector3D& t, const aiQuaternion& r = aiQuaternion(), const aiVector3D& s = {1, 1, 1})
 {
     return AssimpCompose(s, r, t);
@@ -123,17 +127,6 @@ aiMatrix4x4 TRS(const aiVector3D& t, const aiQuaternion& r = aiQuaternion(), con
 aiQuaternion Turn(const aiVector3D& axis, float angle)
 {
     return aiQuaternion(aiVector3D(axis).Normalize(), angle);
-}
-
-aiVector3D Unit(const aiVector3D& v)
-{
-    return aiVector3D(v).Normalize();
-}
-
-QMXTVECTOR3f UnitQ(const QMXTVECTOR3f& v)
-{
-    QMXTVECTOR3f out;
-    return QMXTMatrixVec3NormalizeF(out, v);
 }
 
 SContent Fill(CSceneKit& kit, const SAssimpFillSettings& settings = {})
@@ -222,13 +215,13 @@ void AddTexture(aiMaterial* m, aiTextureType type, const char* path)
 } // namespace
 
 // The roof, the second mesh, has no normals: two triangles at a right angle sharing an edge with
-// separate vertices, and one that names a vertex twice; its normals are smoothed over the corners
-// at the same place.
-TEST(AssimpFill, MeshesBecomeIndexedTrianglesWithChannelsColoursMaterialIdsAndSmoothedNormals)
+// separate vertices, and one that names a vertex twice; its normals are smoothed over the corners at the
+// same place. Materials are added on first use and shared, embedded textures named after the scene.
+TEST(AssimpFill, MeshesAndMaterialsWithChannelsColoursSlotsSmoothedNormalsAndEmbeddedTextures)
 {
     CSceneKit kit;
     const unsigned quad =
-        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}, {0, 1}}, 0);
+        kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}, {0, 1}}, 1);
     aiMesh& m = kit.Mesh(quad);
     m.mNormals = new aiVector3D[4]{{0, 0, 1}, {0, 0, 2}, {0, 0, 0}, {0, 0, 1}}; // one unusable
     m.mTextureCoords[0] = new aiVector3D[4]{{0, 0, 9}, {1, 0, 9}, {1, 1, 9}, {0, 1, 9}};
@@ -237,18 +230,56 @@ TEST(AssimpFill, MeshesBecomeIndexedTrianglesWithChannelsColoursMaterialIdsAndSm
     m.mNumUVComponents[2] = 3;
     m.mColors[0] = new aiColor4D[4]{{1, 0, 0, 1}, {0, 1, 0, 1}, {0, 0, 1, 1}, {1, 1, 1, 0.5f}};
     const unsigned roof = kit.AddMesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {0, 0, 1}, {1, 0, 0}},
-                                      {{0, 1, 2}, {3, 4, 5}, {4, 4, 1}}, 1);
+                                      {{0, 1, 2}, {3, 4, 5}, {4, 4, 1}}, 2);
     aiNode* geo = kit.AddNode(kit.Root(), "Geo");
     kit.AttachMesh(geo, quad);
     kit.AttachMesh(geo, roof);
-    kit.AddMaterial(new aiMaterial);
-    kit.AddMaterial(new aiMaterial);
+    aiMaterial* red = NamedMaterial("Red");
+    const aiColor3D diffuse(1, 0, 0), specular(0.5f, 0.5f, 0.5f), ambient(0.1f, 0.2f, 0.3f);
+    const float shininess = 20.0f, opacity = 0.25f;
+    red->AddProperty(&diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
+    red->AddProperty(&specular, 1, AI_MATKEY_COLOR_SPECULAR);
+    red->AddProperty(&ambient, 1, AI_MATKEY_COLOR_AMBIENT);
+    red->AddProperty(&shininess, 1, AI_MATKEY_SHININESS);
+    AddTexture(red, aiTextureType_DIFFUSE, "C:\\maps\\brick.png");
+    AddTexture(red, aiTextureType_HEIGHT, "textures/bump.jpg");
+    AddTexture(red, aiTextureType_SHININESS, "gloss.png");
+    AddTexture(red, aiTextureType_OPACITY, "*0");
+    AddTexture(red, aiTextureType_EMISSIVE, "*1");
+    aiMaterial* glass = NamedMaterial("Glass");
+    glass->AddProperty(&opacity, 1, AI_MATKEY_OPACITY);
+    AddTexture(glass, aiTextureType_HEIGHT, "h.png");
+    AddTexture(glass, aiTextureType_NORMALS, "n.png");
+    AddTexture(glass, aiTextureType_BASE_COLOR, "base.png");
+    AddTexture(glass, aiTextureType_LIGHTMAP, "*0"); // the same embedded texture again
+    kit.AddMaterial(NamedMaterial("Unused"));
+    kit.AddMaterial(red);
+    kit.AddMaterial(glass);
+    aiTexture* png = new aiTexture;
+    png->mWidth = 5; // compressed: five bytes of file
+    std::strcpy(png->achFormatHint, "png");
+    png->pcData = new aiTexel[2];
+    std::memcpy(png->pcData, "\x89PNG!", 5);
+    aiTexture* texels = new aiTexture;
+    texels->mWidth = 2;
+    texels->mHeight = 1;
+    texels->pcData = new aiTexel[2]{{10, 20, 30, 40}, {50, 60, 70, 80}}; // b, g, r, a
+    texels->mFilename = "glow.bmp";
+    kit.Scene().mNumTextures = 2;
+    kit.Scene().mTextures = new aiTexture* [2] { png, texels };
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Other"), Triangle(kit, 1)); // Red again
+    kit.AttachMesh(kit.AddNode(kit.Root(), "Wire"), kit.AddMesh({{0, 0, 0}, {1, 0, 0}}, {{0, 1}}, 1));
 
+    SAssimpFillSettings settings;
+    settings.texturePrefix = "scene";
     CRecordingLogSink log;
-    const SContent content = Fill(kit);
+    SContent content;
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    ASSERT_TRUE(r.ok) << r.error;
     EXPECT_TRUE(
         log.Has(eLogWarning,
                 "Warning: 'Geo': 1 point and line primitives (or faces with bad indices) are not exported."));
+    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Mesh 'Wire' has no triangles. Exporting as a dummy node."));
     const SGeomData& g = content.nodes[ContentIndex(content, "Geo")].geom;
     // Indexed: each vertex once; the two corners at the quad's vertex without a usable normal take
     // their triangle's normal as entries of their own. Channels are compacted (sets 0 and 2).
@@ -273,69 +304,16 @@ TEST(AssimpFill, MeshesBecomeIndexedTrianglesWithChannelsColoursMaterialIdsAndSm
                               "1 0 0 n 0 0.7071 0.7071 c - t 0 0 0 t 0 0 0 m 1",
                           }));
     EXPECT_FALSE(g.faces[4].IsDegenerate()); // the repeating triangle keeps three corners of its own
-}
-
-TEST(AssimpFill, MaterialsColoursSlotsBareNamesAndEmbeddedTextures)
-{
-    CSceneKit kit;
-    aiMaterial* red = NamedMaterial("Red");
-    const aiColor3D diffuse(1, 0, 0), specular(0.5f, 0.5f, 0.5f), ambient(0.1f, 0.2f, 0.3f);
-    const float shininess = 20.0f, opacity = 0.25f;
-    red->AddProperty(&diffuse, 1, AI_MATKEY_COLOR_DIFFUSE);
-    red->AddProperty(&specular, 1, AI_MATKEY_COLOR_SPECULAR);
-    red->AddProperty(&ambient, 1, AI_MATKEY_COLOR_AMBIENT);
-    red->AddProperty(&shininess, 1, AI_MATKEY_SHININESS);
-    AddTexture(red, aiTextureType_DIFFUSE, "C:\\maps\\brick.png");
-    AddTexture(red, aiTextureType_HEIGHT, "textures/bump.jpg");
-    AddTexture(red, aiTextureType_SHININESS, "gloss.png");
-    AddTexture(red, aiTextureType_OPACITY, "*0");
-    AddTexture(red, aiTextureType_EMISSIVE, "*1");
-    aiMaterial* glass = NamedMaterial("Glass");
-    glass->AddProperty(&opacity, 1, AI_MATKEY_OPACITY);
-    AddTexture(glass, aiTextureType_HEIGHT, "h.png");
-    AddTexture(glass, aiTextureType_NORMALS, "n.png");
-    AddTexture(glass, aiTextureType_BASE_COLOR, "base.png");
-    AddTexture(glass, aiTextureType_LIGHTMAP, "*0"); // the same embedded texture again
-    kit.AddMaterial(NamedMaterial("Unused"));
-    kit.AddMaterial(red);
-    kit.AddMaterial(glass);
-    aiTexture* png = new aiTexture;
-    png->mWidth = 5; // compressed: five bytes of file
-    png->mHeight = 0;
-    std::strcpy(png->achFormatHint, "png");
-    png->pcData = new aiTexel[2];
-    std::memcpy(png->pcData, "\x89PNG!", 5);
-    aiTexture* texels = new aiTexture;
-    texels->mWidth = 2;
-    texels->mHeight = 1;
-    texels->pcData = new aiTexel[2];
-    texels->pcData[0] = {10, 20, 30, 40}; // b, g, r, a
-    texels->pcData[1] = {50, 60, 70, 80};
-    texels->mFilename = "glow.bmp";
-    kit.Scene().mNumTextures = 2;
-    kit.Scene().mTextures = new aiTexture* [2] { png, texels };
-    kit.AttachMesh(kit.AddNode(kit.Root(), "X"), Triangle(kit, 1));
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Y"), Triangle(kit, 1));
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Z"), Triangle(kit, 2));
-
-    SAssimpFillSettings settings;
-    settings.texturePrefix = "scene";
-    SContent content;
-    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
-    ASSERT_TRUE(r.ok) << r.error;
-    ASSERT_EQ(content.materials.size(), 2u); // added on first use, shared by X and Y
-    EXPECT_EQ(content.nodes[ContentIndex(content, "Y")].geom.faces[0].material, 0);
-    EXPECT_EQ(content.nodes[ContentIndex(content, "Z")].geom.faces[0].material, 1);
-    const SMaterial& m0 = content.materials[0];
-    EXPECT_EQ(m0.name, "Red");
-    EXPECT_EQ((std::vector<float>{m0.diffuse[0], m0.specular[1], m0.ambient[2], m0.shininess, m0.opacity}),
-              (std::vector<float>{1.0f, 0.5f, 0.3f, 20.0f, 1.0f}));
-    const std::string slots0[] = {"brick.png",      "", "", "", "bump.jpg", "scene_glow.tga", "gloss.png",
-                                  "scene_tex0.png", "", ""};
-    for (int s = 0; s < SMaterial::eTextureSlots; ++s)
-        EXPECT_EQ(m0.textures[s], slots0[s]) << "slot " << s;
-    const SMaterial& m1 = content.materials[1];
-    EXPECT_EQ(m1.opacity, 0.25f);
+    ASSERT_EQ(content.materials.size(), 2u); // Red and Glass in the order of first use
+    EXPECT_EQ(content.nodes[ContentIndex(content, "Other")].geom.faces[0].material, 0);
+    const SMaterial &m0 = content.materials[0], &m1 = content.materials[1];
+    EXPECT_EQ(m0.name + " " + m1.name, "Red Glass");
+    EXPECT_EQ((std::vector<float>{m0.diffuse[0], m0.specular[1], m0.ambient[2], m0.shininess, m0.opacity,
+                                  m1.opacity}),
+              (std::vector<float>{1.0f, 0.5f, 0.3f, 20.0f, 1.0f, 0.25f}));
+    EXPECT_EQ(std::vector<std::string>(m0.textures, m0.textures + SMaterial::eTextureSlots),
+              (std::vector<std::string>{"brick.png", "", "", "", "bump.jpg", "scene_glow.tga", "gloss.png",
+                                        "scene_tex0.png", "", ""}));
     EXPECT_EQ(m1.textures[0] + " " + m1.textures[1] + " " + m1.textures[4], "base.png scene_tex0.png n.png");
 
     ASSERT_EQ(r.textures.size(), 2u); // in the order first named: the emissive slot comes first
@@ -351,8 +329,7 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
 {
     CSceneKit kit;
     aiNode* arm = kit.AddNode(kit.Root(), "Arm", TRS({0, 0, 5}));
-    aiNode* b1 = kit.AddNode(kit.Root(), "B1", TRS({0, 0, 5}));
-    kit.AddNode(b1, "B2", TRS({0, 2, 0}));
+    kit.AddNode(kit.AddNode(kit.Root(), "B1", TRS({0, 0, 5})), "B2", TRS({0, 2, 0}));
     for (const char* extra : {"B3", "B4", "B5"})
         kit.AddNode(kit.Root(), extra, TRS({0, 0, 5}));
     const unsigned mesh =
@@ -372,14 +349,8 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
     kit.AddBone(body, "Ghost", aiMatrix4x4(), {{0, 1.0f}});
     // The animation moves the bones away from the bind pose already at frame 0.
     aiAnimation& anim = kit.AddAnimation("Wave", 10, 10);
-    aiNodeAnim& c1 = kit.AddChannel(anim, "B1");
-    c1.mNumPositionKeys = 2;
-    c1.mPositionKeys = new aiVectorKey[2]{{0, {0, 1, 5}}, {10, {3, 1, 5}}};
-    aiNodeAnim& c2 = kit.AddChannel(anim, "B2");
-    c2.mNumRotationKeys = 1;
-    c2.mRotationKeys = new aiQuatKey[1]{{0, Turn({0, 0, 1}, kPi / 2)}};
-    c2.mNumPositionKeys = 1;
-    c2.mPositionKeys = new aiVectorKey[1]{{0, {0, 2, 0}}};
+    kit.AddChannel(anim, "B1", {{0, {0, 1, 5}}, {10, {3, 1, 5}}});
+    kit.AddChannel(anim, "B2", {}, {{0, Turn({0, 0, 1}, AI_MATH_HALF_PI_F)}});
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
@@ -391,27 +362,21 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
     const CNode& node = content.nodes[armIndex];
     ASSERT_EQ(node.modifiers.size(), 1u);
     const SModifier& skin = node.modifiers[0];
-    ASSERT_EQ(skin.vertices.size(), node.geom.positions.size());
     for (const char* joint : {"B1", "B2", "B3", "B4", "B5"})
         EXPECT_EQ(content.nodes[ContentIndex(content, joint)].type, eNodeJoint) << joint;
 
-    // Importer's skinning at frame 0 (globals with the first keys), with the kept weights.
-    const aiMatrix4x4 g1 = TRS({0, 1, 5}), g2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, kPi / 2)),
-                      g5 = TRS({0, 0, 5});
-    const aiMatrix4x4 s1 = g1 * offset("B1"), s2 = g2 * offset("B2"), s5 = g5 * offset("B5");
-    const aiMesh& src = kit.Mesh(mesh);
-    const float t4 = 0.1f + 0.3f + 0.2f + 0.35f;
-    const aiVector3D expected[5] = {s1 * src.mVertices[0], s2 * src.mVertices[1],
-                                    0.5f * (s1 * src.mVertices[2]) + 0.5f * (s2 * src.mVertices[2]),
-                                    GlobalOf(arm) * src.mVertices[3],
-                                    (0.1f * (s1 * src.mVertices[4]) + 0.3f * (s2 * src.mVertices[4]) +
-                                     0.2f * (s5 * src.mVertices[4]) + 0.35f * (s5 * src.mVertices[4])) /
-                                        t4};
+    // Importer's skinning at frame 0 (globals with the first keys), with the kept weights; B4 and B5
+    // rest where the mesh node is, so theirs is its global transform.
+    const aiMatrix4x4 g1 = TRS({0, 1, 5}), s1 = g1 * offset("B1"), s5 = GlobalOf(arm),
+                      s2 = g1 * TRS({0, 2, 0}, Turn({0, 0, 1}, AI_MATH_HALF_PI_F)) * offset("B2");
+    const aiVector3D* v = kit.Mesh(mesh).mVertices;
+    const aiVector3D expected[5] = {s1 * v[0], s2 * v[1], 0.5f * (s1 * v[2]) + 0.5f * (s2 * v[2]), s5 * v[3],
+                                    (0.1f * (s1 * v[4]) + 0.3f * (s2 * v[4]) + 0.55f * (s5 * v[4])) / 0.95f};
     const QMXTMATRIXf world = ContentWorld(content, armIndex);
-    for (int v = 0; v < 5; ++v)
+    for (int i = 0; i < 5; ++i)
     {
         QMXTVECTOR3f p;
-        ExpectVecNear(QMXTTransform(p, node.geom.positions[v], world), expected[v], 1e-4f, std::to_string(v));
+        ExpectVecNear(QMXTTransform(p, node.geom.positions[i], world), expected[i], 1e-4f, std::to_string(i));
     }
     // Vertex 3 has no influences and follows the mesh node; B5 (0.35) took the place of B3 (0.05).
     std::string weights;
@@ -428,10 +393,13 @@ TEST(AssimpFill, SkinnedMeshIsDeformedAtFrameZeroWithFourInfluencesAndFoundJoint
         EXPECT_EQ(v.weights[0].bone, ContentIndex(content, "Body"));
 }
 
-TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
+// One rig of meshes, lights and cameras: placed and set as the importer has them, selected in part,
+// and animated.
+TEST(AssimpFill, LightsCamerasSelectionAndAnimationOfOneRig)
 {
     CSceneKit kit;
     aiNode* rig = kit.AddNode(kit.Root(), "Rig", TRS({1, 2, 3}, Turn({0, 1, 0}, 0.7f), {2, 2, 2}));
+    kit.AttachMesh(rig, Triangle(kit));
     const aiNode* lampNode = kit.AddNode(rig, "Lamp", TRS({0, 1, 0}));
     const aiNode* spotNode = kit.AddNode(kit.Root(), "Spot", TRS({4, 0, 0}, Turn({1, 0, 1}, 1.3f)));
     kit.AddNode(kit.Root(), "Spot.Target", TRS({9, 9, 9}));
@@ -466,6 +434,16 @@ TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
     cam.mClipPlaneFar = 500;
     kit.AddCamera("Eye").mLookAt = {0, 0, -1};
     kit.AddCamera("Flat").mOrthographicWidth = 2;
+    kit.AddAnimation("Idle", 5, 24); // the first: sampled by default, moving nothing
+    kit.AddChannel(kit.AddAnimation("Move", 24, 24), "Rig", {{0, {0, 0, 0}}, {24, {24, 0, 0}}},
+                   {{0, aiQuaternion()}, {24, Turn({0, 1, 0}, AI_MATH_HALF_PI_F)}});
+    // Key times in float seconds (as glTF keeps them) meet frame times in double: two places
+    // alternating at every frame give two distinct samples, each landing on its key exactly.
+    std::vector<aiVectorKey> flipKeys;
+    for (unsigned k = 0; k < 20; ++k)
+        flipKeys.emplace_back(double(float(k) / 30.0f), k % 2 ? aiVector3D(1.3f, 0.7f, -2.1f) : aiVector3D());
+    kit.AddChannel(kit.AddAnimation("Flip", double(19.0f / 30.0f), 1.0), "Rig", flipKeys);
+    kit.AddAnimation("Long", 1e12, 1000);
 
     CRecordingLogSink log;
     const SContent content = Fill(kit);
@@ -475,199 +453,98 @@ TEST(AssimpFill, LightsAndCamerasKeepTheImportersPlacesSettingsAndTargets)
     EXPECT_TRUE(log.Has(eLogWarning, "Warning: Camera 'Flat' is orthographic; it is not exported."));
     // A leaf light or camera is the node itself; one on a mesh node, or on a node with children, is a
     // child named after the node; an existing ".Target" node is its target, else one is made.
-    EXPECT_EQ(Nodes(content),
-              "Root 0 -, Rig 0 Root, Lamp 3 Rig 0, Cam 2 Rig ->Cam.Target, Spot 3 Root 2 ->Spot.Target, "
+    ASSERT_EQ(Nodes(content),
+              "Root 0 -, Rig 1 Root, Lamp 3 Rig 0, Cam 2 Rig ->Cam.Target, Spot 3 Root 2 ->Spot.Target, "
               "Spot.Target 0 Root, Sun 1 Root, Sun 3 Sun 1, Eye 0 Root, Eye 2 Eye ->Eye.Target, "
               "Lens 0 Eye, Eye.Target 0 Root, Flat 0 Root, Cam.Target 0 Cam, ");
-    EXPECT_FLOAT_EQ(content.info.ambient[1], 0.2f);
-    const SLightData& lampLight = content.nodes[ContentIndex(content, "Lamp")].light;
-    EXPECT_EQ(lampLight.colour[1], 0.5f);
-    EXPECT_EQ(lampLight.constantAttenuation, 1.0f); // the file had no falloff at all
-    const SLightData& spotLight = content.nodes[ContentIndex(content, "Spot")].light;
-    EXPECT_EQ(spotLight.falloffAngle, 0.8f);
-    EXPECT_EQ(spotLight.linearAttenuation, 0.1f);
-    const int camIndex = ContentIndex(content, "Cam");
+    const int lampIndex = 2, camIndex = 3, spotIndex = 4, sunIndex = 7; // as listed
+    const SLightData &lampLight = content.nodes[lampIndex].light, &spotLight = content.nodes[spotIndex].light;
     const SCameraData& camera = content.nodes[camIndex].camera;
+    EXPECT_EQ((std::vector<float>{content.info.ambient[1], lampLight.colour[1], lampLight.constantAttenuation,
+                                  spotLight.falloffAngle, spotLight.linearAttenuation, camera.nearPlane,
+                                  camera.farPlane}),
+              (std::vector<float>{0.2f, 0.5f, 1.0f, 0.8f, 0.1f, 0.5f, 500.0f}));
     EXPECT_FLOAT_EQ(camera.fov, 2.0f * std::atan(std::tan(0.6f) / 1.5f)); // vertical, from the horizontal
-    EXPECT_EQ(camera.nearPlane, 0.5f);
-    EXPECT_EQ(camera.farPlane, 500.0f);
 
-    // The builder's scene model (lights after mesh nodes, cameras after lights) places them where the
-    // importer does.
-    CTVO builder;
-    COptions options;
-    ASSERT_TRUE(builder.Process(content, options));
-    CTVOSceneEx& s = *builder.Scene();
-    auto index = [&](const char* name, uint32_t first)
+    // A view frame looks along -y, its up along -z (world rows 1 and 2); row 3 is its place.
+    auto row = [&](int node, int r)
     {
-        uint32_t i = first;
-        while (i < s.nNumNode && std::string(s.pNode[i].pszName) != name)
-            ++i;
-        EXPECT_LT(i, s.nNumNode) << name;
-        return i < s.nNumNode ? i - first : 0;
+        const QMXTMATRIXf w = ContentWorld(content, node);
+        QMXTVECTOR3f v = {w[4 * r], w[4 * r + 1], w[4 * r + 2]}, unit;
+        return r == 3 ? v : QMXTMatrixVec3NormalizeF(unit, {-v.x, -v.y, -v.z});
     };
-    QMXTVECTOR3f pos, dir, from, to, up;
-    s.GetLight(pos, dir, index("Lamp", s.nNumMeshNode));
-    ExpectVecNear(pos, GlobalOf(lampNode) * lamp.mPosition, 1e-4f, "lamp position");
-    s.GetLight(pos, dir, index("Spot", s.nNumMeshNode));
-    ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(GlobalOf(spotNode)) * spot.mDirection), 1e-5f,
+    ExpectVecNear(row(lampIndex, 3), GlobalOf(lampNode) * lamp.mPosition, 1e-4f, "lamp position");
+    ExpectVecNear(row(spotIndex, 1), (aiMatrix3x3(GlobalOf(spotNode)) * spot.mDirection).Normalize(), 1e-5f,
                   "spot direction");
-    s.GetLight(pos, dir, index("Sun", s.nNumMeshNode));
-    ExpectVecNear(UnitQ(dir), Unit(aiMatrix3x3(GlobalOf(sunNode)) * aiVector3D(0, -1, 0)), 1e-5f,
-                  "sun direction");
-    EXPECT_EQ(s.GetCamera(from, to, up, index("Cam", s.nNumMeshNode + s.nNumLight)), camera.fov);
+    ExpectVecNear(row(sunIndex, 1), (aiMatrix3x3(GlobalOf(sunNode)) * aiVector3D(0, -1, 0)).Normalize(),
+                  1e-5f, "sun direction");
     const aiMatrix4x4 g = GlobalOf(camNode);
-    const aiVector3D wantDir = Unit(aiMatrix3x3(g) * cam.mLookAt), upWorld = aiMatrix3x3(g) * cam.mUp;
-    ExpectVecNear(from, g * cam.mPosition, 1e-4f, "from");
-    ExpectVecNear(UnitQ({to.x - from.x, to.y - from.y, to.z - from.z}), wantDir, 1e-5f, "view");
-    ExpectVecNear(UnitQ(up), Unit(upWorld - wantDir * (upWorld * wantDir)), 1e-5f, "up");
+    const aiVector3D view = (aiMatrix3x3(g) * cam.mLookAt).Normalize(), upWorld = aiMatrix3x3(g) * cam.mUp;
+    ExpectVecNear(row(camIndex, 3), g * cam.mPosition, 1e-4f, "from");
+    ExpectVecNear(row(camIndex, 1), view, 1e-5f, "view");
+    ExpectVecNear(row(camIndex, 2), (upWorld - view * (upWorld * view)).Normalize(), 1e-5f, "up");
     // The target made for the camera is ahead of it, as far as its look-at vector reaches.
     ASSERT_GE(camera.target, 0);
-    const QMXTMATRIXf tw = ContentWorld(content, camera.target);
-    ExpectVecNear({tw[12], tw[13], tw[14]}, g * (cam.mPosition + cam.mLookAt), 1e-4f, "target");
-}
+    ExpectVecNear(row(camera.target, 3), g * (cam.mPosition + cam.mLookAt), 1e-4f, "target");
 
-TEST(AssimpFill, AnimationIsSampledAtEveryFrameWithLerpAndSlerpAtItsOwnOrAChosenRate)
-{
-    CSceneKit kit;
-    aiNode* mover = kit.AddNode(kit.Root(), "Mover", TRS({5, 5, 5}));
-    kit.AttachMesh(mover, Triangle(kit));
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Still", TRS({1, 0, 0})), Triangle(kit));
-    kit.AddNode(kit.Root(), "Cam");
-    kit.AddCamera("Cam");
-    kit.AddMaterial(new aiMaterial);
-    kit.AddAnimation("Idle", 5, 24);
-    aiAnimation& anim = kit.AddAnimation("Move", 24, 24);
-    aiNodeAnim& ch = kit.AddChannel(anim, "Mover");
-    ch.mNumPositionKeys = 2;
-    ch.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {24, {24, 0, 0}}};
-    ch.mNumRotationKeys = 2;
-    ch.mRotationKeys = new aiQuatKey[2]{{0, aiQuaternion()}, {24, Turn({0, 1, 0}, kPi / 2)}};
-    // Key times in float seconds (as glTF keeps them) meet frame times computed in double: two poses
-    // alternating at every frame give two distinct samples, each landing on its key exactly.
-    aiNodeAnim& flip = kit.AddChannel(kit.AddAnimation("Flip", double(19.0f / 30.0f), 1.0), "Mover");
-    flip.mNumPositionKeys = flip.mNumRotationKeys = 20;
-    flip.mPositionKeys = new aiVectorKey[20];
-    flip.mRotationKeys = new aiQuatKey[20];
-    for (unsigned k = 0; k < 20; ++k)
-    {
-        const double time = double(float(k) / 30.0f);
-        flip.mPositionKeys[k] = {time, k % 2 ? aiVector3D(1.3f, 0.7f, -2.1f) : aiVector3D(0.1f, 0.2f, 0.3f)};
-        flip.mRotationKeys[k] = {time, k % 2 ? Turn({0.3f, 1, 0.2f}, 0.9f) : Turn({1, 0, 0}, 0.4f)};
-    }
-    aiAnimation& ms = kit.AddAnimation("Ms", 2000, 1000); // milliseconds: no frame rate of its own
-    aiNodeAnim& msKeys = kit.AddChannel(ms, "Mover");
-    msKeys.mNumPositionKeys = 2;
-    msKeys.mPositionKeys = new aiVectorKey[2]{{0, {0, 0, 0}}, {2000, {2, 0, 0}}};
-
+    // A selection keeps the subtrees of the nodes named, with their ancestors as plain transforms.
     SAssimpFillSettings settings;
+    settings.selection = {"Lamp", "Eye"};
+    const SContent selected = Fill(kit, settings);
+    EXPECT_EQ(Nodes(selected), "Root 0 -, Rig 0 Root, Lamp 3 Rig 0, Eye 0 Root, Eye 2 Eye ->Eye.Target, "
+                               "Lens 0 Eye, Eye.Target 0 Eye, ");
+    const QMXTMATRIXf w = ContentWorld(selected, ContentIndex(selected, "Lamp"));
+    ExpectVecNear({w[12], w[13], w[14]}, GlobalOf(lampNode) * lamp.mPosition, 1e-4f, "selected lamp");
+
+    // Animation: by name at its own rate with lerp and slerp, by index at a chosen rate with float key
+    // times, and one too long to sample.
+    settings = SAssimpFillSettings();
     settings.animation = "Move";
-    SContent content;
-    SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, content);
+    SContent moved;
+    const SAssimpFillResult r = FillContentFromAssimp(kit.Scene(), settings, moved);
     ASSERT_TRUE(r.ok) << r.error;
     EXPECT_EQ(r.animation, 1);
-    EXPECT_EQ(content.info.fps, 24); // the animation's own rate
-    EXPECT_EQ(content.info.endFrame, 24);
-    const int mi = ContentIndex(content, "Mover");
-    ASSERT_EQ(content.nodes[mi].frames.size(), 25u);
-    EXPECT_TRUE(content.nodes[ContentIndex(content, "Still")].frames.empty());
-    EXPECT_EQ(content.nodes[ContentIndex(content, "Cam")].camera.fovFrames.size(), 25u);
-    EXPECT_EQ(content.nodes[mi].tm, content.nodes[mi].frames[0]); // the still transform is frame 0
+    EXPECT_EQ(moved.info.fps, 24);
+    EXPECT_EQ(moved.info.endFrame, 24);
+    const CNode& rigNode = moved.nodes[1]; // Rig, as listed
+    ASSERT_EQ(rigNode.frames.size(), 25u);
+    EXPECT_TRUE(moved.nodes[ContentIndex(moved, "Sun")].frames.empty());
+    EXPECT_EQ(moved.nodes[ContentIndex(moved, "Cam")].camera.fovFrames.size(), 25u);
+    EXPECT_EQ(rigNode.tm, rigNode.frames[0]); // the still transform is frame 0
     for (int f : {0, 6, 12, 24})
     {
-        const aiMatrix4x4 want = TRS({static_cast<float>(f), 0, 0}, Turn({0, 1, 0}, kPi / 2 * f / 24.0f));
-        ExpectMatrixNear(ContentWorld(content, mi, f), RowLayout(want), 1e-5f * 24,
+        const aiMatrix4x4 want =
+            TRS({float(f), 0, 0}, Turn({0, 1, 0}, AI_MATH_HALF_PI_F * f / 24.0f), {2, 2, 2});
+        ExpectMatrixNear(ContentWorld(moved, 1, f), RowLayout(want), 1e-5f * 48,
                          "frame " + std::to_string(f));
     }
-
-    settings.animation = "1"; // by index, sampled at a chosen rate
-    settings.fps = 48;
-    r = FillContentFromAssimp(kit.Scene(), settings, content);
-    ASSERT_TRUE(r.ok) << r.error;
-    EXPECT_EQ(content.info.fps, 48);
-    EXPECT_EQ(content.FrameCount(), 49);
-    EXPECT_NEAR(content.nodes[mi].frames[12].pos[0], 6.0f, 1e-5f);
-    settings.animation = "Flip";
+    settings.animation = "2"; // Flip, by index, at a chosen rate
     settings.fps = 30;
-    ASSERT_TRUE(FillContentFromAssimp(kit.Scene(), settings, content).ok);
-    const std::vector<SNodeTM>& flips = content.nodes[mi].frames;
+    ASSERT_TRUE(FillContentFromAssimp(kit.Scene(), settings, moved).ok);
+    const std::vector<SNodeTM>& flips = moved.nodes[1].frames;
     ASSERT_EQ(flips.size(), 20u);
     EXPECT_FALSE(flips[0] == flips[1]);
     for (unsigned k = 2; k < 20; ++k)
         EXPECT_TRUE(flips[k] == flips[k % 2]) << "frame " << k;
-
-    settings = SAssimpFillSettings(); // the first animation by default
-    r = FillContentFromAssimp(kit.Scene(), settings, content);
-    EXPECT_EQ(r.animation, 0);
-    EXPECT_EQ(content.FrameCount(), 6);
-
-    settings.animation = "Ms"; // its default 30 fps: the sample scene's test
-    ms.mDuration = 1e12;
-    msKeys.mPositionKeys[1].mTime = 1e12;
+    settings.animation = "Long";
     const std::string error = FillError(kit, settings);
-    EXPECT_NE(error.find("the animation 'Ms' is too long to sample"), std::string::npos) << error;
+    EXPECT_NE(error.find("the animation 'Long' is too long to sample"), std::string::npos) << error;
     EXPECT_NE(error.find("choose a lower --fps"), std::string::npos) << error;
-
-    settings.animation = "Run";
-    EXPECT_EQ(FillError(kit, settings),
-              "no animation 'Run' (the file has 4 animations: 0 'Idle', 1 'Move', 2 'Flip', 3 'Ms')");
-}
-
-TEST(AssimpFill, SelectionKeepsSubtreesWithAncestorsAsPlainTransforms)
-{
-    CSceneKit kit;
-    aiNode* group = kit.AddNode(kit.Root(), "Group", TRS({0, 3, 0}));
-    kit.AttachMesh(group, Triangle(kit));
-    aiNode* arm = kit.AddNode(group, "Arm", TRS({1, 0, 0}));
-    kit.AttachMesh(arm, Triangle(kit));
-    kit.AttachMesh(kit.AddNode(arm, "Hand"), Triangle(kit));
-    kit.AttachMesh(kit.AddNode(kit.Root(), "Other"), Triangle(kit));
-    kit.AddNode(kit.Root(), "Light");
-    kit.AddLight("Light", aiLightSource_POINT);
-    kit.AddMaterial(new aiMaterial);
-    SAssimpFillSettings settings;
-    settings.selection = {"Arm"};
-    const SContent content = Fill(kit, settings);
-    EXPECT_EQ(Nodes(content), "Root 0 -, Group 0 Root, Arm 1 Group, Hand 1 Arm, ");
-    ExpectMatrixNear(ContentWorld(content, 3), RowLayout(GlobalOf(kit.Root()->FindNode("Hand"))), 1e-6f,
-                     "Hand");
-
-    settings.selection = {"Arm", "Nobody"};
-    EXPECT_EQ(FillError(kit, settings), "no node named 'Nobody' in the scene");
 }
 
 TEST(AssimpFill, ScenesWithNothingToExportAreRefused)
 {
-    CSceneKit empty;
-    empty.AddNode(empty.Root(), "Lonely");
-    EXPECT_EQ(FillError(empty), "nothing to export: the scene holds no triangles, lights or cameras");
-
-    CSceneKit lines;
-    const unsigned mesh = lines.AddMesh({{0, 0, 0}, {1, 0, 0}}, {{0, 1}});
-    lines.AttachMesh(lines.AddNode(lines.Root(), "Wire"), mesh);
-    lines.AddMaterial(new aiMaterial);
-    CRecordingLogSink log;
-    EXPECT_EQ(FillError(lines), "nothing to export: the scene holds no triangles, lights or cameras");
-    EXPECT_TRUE(log.Has(eLogWarning, "Warning: Mesh 'Wire' has no triangles. Exporting as a dummy node."));
+    CSceneKit kit;
+    EXPECT_EQ(FillError(kit), "nothing to export: the scene holds no triangles, lights or cameras");
+    kit.Scene().mNumMaterials = 1; // counts materials it does not hold
+    EXPECT_EQ(FillError(kit), "the scene is malformed (a list it counts entries in is missing)");
+    kit.Scene().mNumMaterials = 0;
+    aiNode* a = kit.AddNode(kit.Root(), "A"); // reached twice: not a tree
+    Append(kit.Root()->mChildren, kit.Root()->mNumChildren, a);
+    EXPECT_EQ(FillError(kit), "the node tree is not a tree (node 'A' is reached twice)");
+    kit.Root()->mNumChildren = 1; // let the scene free the node once
 
     aiScene rootless;
     SContent content;
     EXPECT_EQ(FillContentFromAssimp(rootless, {}, content).error, "the file holds no scene (no root node)");
-    CSceneKit holey; // counts meshes it does not hold
-    holey.AttachMesh(holey.AddNode(holey.Root(), "A"), Triangle(holey));
-    aiMesh** meshes = holey.Scene().mMeshes;
-    holey.Scene().mMeshes = nullptr;
-    EXPECT_EQ(FillError(holey), "the scene is malformed (a list it counts entries in is missing)");
-    holey.Scene().mMeshes = meshes;
-
-    CSceneKit loop; // a node reached twice is not a tree
-    aiNode* a = loop.AddNode(loop.Root(), "A");
-    loop.AttachMesh(a, Triangle(loop));
-    loop.AddMaterial(new aiMaterial);
-    aiNode** children = new aiNode* [2] { a, a };
-    delete[] loop.Root()->mChildren;
-    loop.Root()->mChildren = children;
-    loop.Root()->mNumChildren = 2;
-    EXPECT_EQ(FillError(loop), "the node tree is not a tree (node 'A' is reached twice)");
-    loop.Root()->mNumChildren = 1; // let the scene free the node once
 }

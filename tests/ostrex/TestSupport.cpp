@@ -95,7 +95,6 @@ void ExpectMatrixNear(const QMXTMATRIXf& got, const QMXTMATRIXf& want, float tol
 
 void ExpectVecNear(const QMXTVECTOR3f& got, const aiVector3D& want, float tol, const std::string& what)
 {
-    EXPECT_NEAR(got.x, want.x, tol) << what;
-    EXPECT_NEAR(got.y, want.y, tol) << what;
-    EXPECT_NEAR(got.z, want.z, tol) << what;
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR((&got.x)[i], want[i], tol) << what << ", element " << i;
 }
